@@ -1,0 +1,4 @@
+#pragma once
+
+/// Marks what the library exports; everything else is hidden.
+#define ROUTER_ADVT_EXPORT __attribute__((visibility("default")))

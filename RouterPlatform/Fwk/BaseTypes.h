@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace Fwk {
+
+using U8 = std::uint8_t;
+using U16 = std::uint16_t;
+using U32 = std::uint32_t;
+using U64 = std::uint64_t;
+using S32 = std::int32_t;
+using S64 = std::int64_t;
+
+/// Identifies an attribute within its type; declaration order is the numbering.
+using AttrId = U16;
+
+/// The five attributes that every entity has ahead of its own.
+enum BaseAttr : AttrId { nameAttr = 253, fullNameAttr, parentAttr, parentAttrNameAttr, entityAttr };
+
+/// Identifier of the first attribute that a type declares itself.
+inline constexpr AttrId firstOwnAttr = 258;
+
+/// Text of the model: a standard string with the iterator name that text readers take.
+class String : public std::string {
+ public:
+  using std::string::string;
+  using IteratorConst = std::string::const_iterator;
+  String() = default;
+  String(std::string text) : std::string(std::move(text)) {}  // NOLINT(google-explicit-constructor)
+};
+
+}  // namespace Fwk

@@ -1,0 +1,9 @@
+#include <RouterPlatform/Fwk/Ptr.h>
+
+namespace Fwk {
+
+std::atomic<bool> detail::threadSafePtrModeFlag{false};
+
+void threadSafePtrModeIs(bool on) noexcept { detail::threadSafePtrModeFlag.store(on, std::memory_order_relaxed); }
+
+}  // namespace Fwk
