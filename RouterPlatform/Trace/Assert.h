@@ -1,0 +1,22 @@
+#pragma once
+
+#include <RouterPlatform/Export.h>
+#include <RouterPlatform/Trace/Trace.h>
+
+#include <string_view>
+
+/// Assertions for programming errors. They are always on, in release builds too.
+namespace Trace {
+
+/// Prints `SOURCE:LINE: FUNCTION: assertion "EXPRESSION" failed` on standard error and aborts the process.
+[[noreturn]] ROUTER_PLATFORM_EXPORT void assertionFailed(Location location, std::string_view expression) noexcept;
+
+}  // namespace Trace
+
+/// ASSERT_AT(condition, location): stops the process unless the condition holds; the text is the condition as written.
+/// `Trace::Location::here()` is the place of the assertion itself.
+#define ASSERT_AT(condition, ...) \
+  ((condition) ? static_cast<void>(0) : ::Trace::assertionFailed(__VA_ARGS__, #condition))
+
+/// ASSERT_AT_TEXT(condition, location, "text"): the same with a text of its own.
+#define ASSERT_AT_TEXT(condition, ...) ((condition) ? static_cast<void>(0) : ::Trace::assertionFailed(__VA_ARGS__))

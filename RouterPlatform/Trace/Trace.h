@@ -1,0 +1,120 @@
+#pragma once
+
+#include <RouterPlatform/Export.h>
+#include <RouterPlatform/Trace/Text.h>
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+/// Trace messages with numbered levels, switched on per handle. A message that is switched off costs one relaxed load
+/// and one branch; nothing of it is evaluated.
+///
+///     static Trace::Handle const traceHandle("RouterAdvtUtils");
+///     TRACE(traceHandle, 3, "Could not copy prefix as msgLen ( ", msgLen, " )");
+///
+/// All operations may be called from any thread.
+namespace Trace {
+
+/// Number of levels; they are numbered from 0.
+inline constexpr unsigned levelCount = 64;
+
+/// Where a message or an assertion stands. The texts are not copied; literals are meant.
+struct Location {
+  char const* source;
+  int line;
+  char const* function;
+
+  /// The place of the call itself, when called without arguments.
+  static constexpr Location here(char const* source = __builtin_FILE(), int line = __builtin_LINE(),
+                                 char const* function = __builtin_FUNCTION()) noexcept {
+    return {source, line, function};
+  }
+};
+
+/// One source of messages. Usually a static object; it enters itself into the process's list of handles, and settings
+/// that were made before it existed reach it.
+class ROUTER_PLATFORM_EXPORT Handle {
+ public:
+  explicit Handle(std::string_view name);
+  ~Handle();
+  Handle(Handle const&) = delete;
+  Handle& operator=(Handle const&) = delete;
+
+  std::string const& name() const noexcept { return name_; }
+
+  /// Bit n is set when level n is enabled.
+  std::uint64_t levels() const noexcept { return levels_.load(std::memory_order_relaxed); }
+  void levelsIs(std::uint64_t mask) const noexcept { levels_.store(mask, std::memory_order_relaxed); }
+
+  bool enabled(unsigned level) const noexcept { return level < levelCount && (levels() >> level & 1) != 0; }
+
+ private:
+  std::string name_;
+  // Relaxed on both sides and without a partner: nothing but the mask itself is told through it.
+  mutable std::atomic<std::uint64_t> levels_{0};
+};
+
+/// A message on its way to the sink. The texts are valid during the call of the sink only.
+struct Record {
+  std::string_view handle;
+  unsigned level;
+  std::string_view source;
+  int line;
+  std::string_view function;
+  std::string_view text;
+};
+
+/// Takes the messages. It is called by one thread at a time and must not throw; what it traces itself is dropped.
+using Sink = std::function<void(Record const&)>;
+
+/// Replaces the sink and returns the former one, which no thread is running any more (unless it called this itself). An
+/// empty sink stands for the one in force at start: a line a message on standard error,
+/// `HANDLE/LEVEL SOURCE:LINE: FUNCTION: TEXT`, control characters as \xNN.
+ROUTER_PLATFORM_EXPORT Sink sinkIs(Sink sink);
+
+/// A settings text that cannot be read; `what()` says what is wrong, and where.
+class ROUTER_PLATFORM_EXPORT SettingsError : public std::invalid_argument {
+ public:
+  SettingsError(std::size_t offset, std::string const& what) : std::invalid_argument(what), offset_(offset) {}
+  std::size_t offset() const noexcept { return offset_; }
+
+ private:
+  std::size_t offset_;
+};
+
+/// Sets the levels of the handles whose names match, those made later included: `RouterAdvt*/0-3,8`. A setting is a
+/// glob pattern (fnmatch(3)), a slash, and a list of levels and ranges; `*` is every level, an empty list none. Several
+/// settings are separated by colons; a later one wins, and handles that match none keep what they have. Throws
+/// `SettingsError`, and then nothing is changed.
+///
+/// At start the environment variable TRACE is read as such a text. If it is bad, that is said on standard error.
+ROUTER_PLATFORM_EXPORT void levelsIs(std::string_view settings);
+
+namespace detail {
+ROUTER_PLATFORM_EXPORT void deliver(Handle const& handle, unsigned level, Location location, std::string_view text);
+
+template <class... Parts>
+[[gnu::cold, gnu::noinline]] void emit(Handle const& handle, unsigned level, Location location, Parts const&... parts) {
+  std::string text;
+  appendTexts(text, parts...);
+  deliver(handle, level, location, text);
+}
+}  // namespace detail
+
+}  // namespace Trace
+
+/// TRACE_AT(handle, level, location, parts...): a message with a place of its own, `Trace::Location{source, line,
+/// function}`. Location and parts are evaluated only when the level is enabled.
+#define TRACE_AT(handle, level, ...)                         \
+  do {                                                       \
+    if ((handle).enabled(level)) [[unlikely]]                \
+      ::Trace::detail::emit((handle), (level), __VA_ARGS__); \
+  } while (false)
+
+/// TRACE(handle, level, parts...): a message whose text is the parts' plain texts, one after another.
+#define TRACE(handle, level, ...) TRACE_AT(handle, level, ::Trace::Location::here(), __VA_ARGS__)
