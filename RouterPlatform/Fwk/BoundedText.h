@@ -1,0 +1,90 @@
+#pragma once
+
+#include <RouterPlatform/Export.h>
+#include <RouterPlatform/Fwk/BaseTypes.h>
+#include <RouterPlatform/Fwk/Hash.h>
+
+#include <array>
+#include <compare>
+#include <concepts>
+#include <cstring>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+namespace Fwk {
+
+namespace detail {
+/// Throws std::length_error that names the text.
+[[noreturn]] ROUTER_PLATFORM_EXPORT void throwTextTooLong(char const* typeName, std::string_view text,
+                                                          std::size_t bound);
+}  // namespace detail
+
+/// A text of at most `bound` octets, held in the object itself: flat, trivially copyable, the same bytes in shared
+/// memory. Octets behind the text are zero, so equal values are equal bytes, and all zero is the empty text.
+///
+/// `Derived` is the type being made of it; it brings `textTypeName`. Any octets are allowed in a text, zero included.
+template <class Derived, std::size_t bound>
+class alignas(8) BoundedText {
+  static_assert((bound + 1) % 8 == 0 && bound <= 255, "text and size fill whole words");
+
+ public:
+  /// Greatest size of a text, in octets.
+  static constexpr std::size_t maxSize = bound;
+
+  constexpr BoundedText() noexcept = default;
+
+  /// From text; longer than `maxSize`: std::length_error. Implicit, so that a call reads `intfIs("Ethernet1")`.
+  template <class Text>
+  requires std::convertible_to<Text const&, std::string_view> BoundedText(Text const& text) {
+    assign(text);
+  }  // NOLINT(google-explicit-constructor)
+
+  /// Whether a text is short enough.
+  static constexpr bool fits(std::string_view text) noexcept { return text.size() <= bound; }
+
+  /// The value of a text that fits, otherwise nothing.
+  static std::optional<Derived> parse(std::string_view text) noexcept {
+    if (!fits(text)) return std::nullopt;
+    return Derived(text);
+  }
+
+  std::string_view view() const noexcept { return {octets_.data(), size_}; }
+  std::size_t size() const noexcept { return size_; }
+  bool empty() const noexcept { return size_ == 0; }
+  bool isDefault() const noexcept { return empty(); }
+
+  void appendTo(std::string& out) const { out += view(); }
+  String toString() const { return String(view()); }
+
+  /// Takes the same time for every text.
+  U64 hash(U64 seed = 0) const noexcept {
+    std::array<U64, (bound + 1) / 8> words;
+    std::memcpy(words.data(), this, sizeof words);
+    HashAccumulator accumulator(seed);
+    for (U64 const word : words) accumulator.mix(word);
+    return accumulator.result();
+  }
+
+  bool operator==(BoundedText const& other) const noexcept = default;
+
+  /// Octet by octet, as unsigned numbers; a text stands before those that it begins.
+  std::strong_ordering operator<=>(BoundedText const& other) const noexcept { return view() <=> other.view(); }
+
+  template <class Text>
+  requires std::convertible_to<Text const&, std::string_view>
+  friend bool operator==(Derived const& value, Text const& text) noexcept { return value.view() == text; }
+
+ private:
+  void assign(std::string_view text) {
+    if (!fits(text)) detail::throwTextTooLong(Derived::textTypeName, text, bound);
+    text.copy(octets_.data(), text.size());
+    size_ = static_cast<U8>(text.size());
+  }
+
+  std::array<char, bound> octets_{};
+  U8 size_ = 0;
+};
+
+}  // namespace Fwk

@@ -1,0 +1,30 @@
+#include <RouterPlatform/Net/Icmp6RouterAdvtRouterPreferenceType.h>
+
+#include <RouterPlatform/Trace/Text.h>
+
+#include <array>
+
+namespace Net {
+
+namespace {
+constexpr std::array<std::string_view, 4> names{"medium", "high", "reserved_", "low"};  // by value
+}
+
+void appendText(std::string& out, Icmp6RouterAdvtRouterPreferenceType value) {
+  auto const number = static_cast<Fwk::U8>(value);
+  if (number < names.size())
+    out += names[number];
+  else
+    Trace::appendText(out, number);
+}
+
+bool parseText(std::string_view text, Icmp6RouterAdvtRouterPreferenceType& value) noexcept {
+  for (Fwk::U8 number = 0; number < names.size(); ++number)
+    if (text == names[number] || (text.size() == 1 && text[0] == '0' + number)) {
+      value = Icmp6RouterAdvtRouterPreferenceType{number};
+      return true;
+    }
+  return false;
+}
+
+}  // namespace Net
