@@ -81,9 +81,13 @@ check-install:
 
 check-bench:
 	@scripts/setup check
+ifneq ($(wildcard bench/*Bench.cpp),)
 	$(call build,release,routeradvt_bench)
-	build/release/bin/routeradvt_bench --benchmark_min_time=0.001 >build/check-bench.log
-	@echo "$$(grep -c '^BM_\|ns  ' build/check-bench.log) benchmarks ran"
+	build/release/bin/routeradvt_bench --benchmark_min_time=0.001 --benchmark_format=json >build/check-bench.json
+	@echo "$$(grep -c '"run_type": "iteration"' build/check-bench.json) benchmarks ran"
+else
+	@echo "there are no benchmarks"
+endif
 
 check-clang check-asan check-tsan: check-%:
 	@scripts/setup check
