@@ -1,0 +1,122 @@
+# A thin front over CMakePresets.json. Every target first sees to it that what it needs is installed (scripts/setup).
+# One target runs at a time; each of them uses JOBS processors.
+.NOTPARALLEL:
+.DEFAULT_GOAL := help
+
+JOBS ?= $(shell nproc)
+PREFIX ?= /usr/local
+FUZZ_SECONDS ?= 60
+SOAK_SECONDS ?= 600
+
+# $(call build,preset[,target...]): configures, with words only if that fails, and builds.
+configure = @mkdir -p build && { cmake --preset $(1) >build/$(1)-configure.log 2>&1 || { cat build/$(1)-configure.log; exit 1; }; }
+build = $(call configure,$(1)) && cmake --build --preset $(1) --parallel $(JOBS) $(if $(2),--target $(2))
+run_tests = ctest --preset $(1) --parallel $(JOBS)
+
+.PHONY: help
+help:
+	@sed -n 's/^## \?//p' Makefile
+
+##
+## make demo           build and show the main job on the files in examples/
+## make test           build, and run the whole fast test suite
+## make check          everything CI runs: test and all of the check-... below
+## make bench          build and run the benchmarks
+## make install        install to PREFIX (/usr/local), below DESTDIR if given
+##
+## make setup          install what check needs (scripts/setup build: what a build needs)
+## make format         format the sources
+## make lint           the same as check-lint
+## make fuzz           every fuzz target for FUZZ_SECONDS (60)
+## make soak           every fuzz target for SOAK_SECONDS (600)
+## make clean          remove build/
+##
+
+.PHONY: setup demo test bench install
+setup:
+	@scripts/setup check
+
+demo:
+	@scripts/setup build
+	$(call build,release,routeradvt)
+	@scripts/demo build/release/bin/routeradvt
+
+test:
+	@scripts/setup test
+	$(call build,release)
+	$(call run_tests,release)
+
+bench:
+	@scripts/setup bench
+	$(call build,release,routeradvt_bench)
+	build/release/bin/routeradvt_bench $(BENCH_ARGS)
+
+install:
+	@scripts/setup build
+	$(call build,release,RouterPlatform Ipv6RouterAdvt $(if $(wildcard tools/routeradvt/[Mm]ain.cpp),routeradvt))
+	cmake --install build/release --prefix $(PREFIX)
+
+## The stages of make check, each of which runs on its own:
+## check-format        every source is formatted
+## check-install       what is installed can be built against, by CMake and by pkg-config
+## check-bench         the benchmarks run
+## check-clang         the tests, built by clang
+## check-lint          clang-tidy, and every public header on its own
+## check-asan          the tests under AddressSanitizer and UndefinedBehaviorSanitizer
+## check-tsan          the tests under ThreadSanitizer
+## check-fuzz          replay of the corpus, and every fuzz target for FUZZ_SECONDS
+##
+.PHONY: check check-format check-install check-bench check-clang check-lint check-asan check-tsan check-fuzz
+check:
+	+@MAKE='$(MAKE)' .ci/run
+
+check-format:
+	@scripts/setup check
+	scripts/format --check
+
+check-install:
+	@scripts/setup check
+	$(call build,release)
+	scripts/check-install build/release
+
+check-bench:
+	@scripts/setup check
+ifneq ($(wildcard bench/*Bench.cpp),)
+	$(call build,release,routeradvt_bench)
+	build/release/bin/routeradvt_bench --benchmark_min_time=0.001 --benchmark_format=json >build/check-bench.json
+	@echo "$$(grep -c '"run_type": "iteration"' build/check-bench.json) benchmarks ran"
+else
+	@echo "there are no benchmarks"
+endif
+
+check-clang check-asan check-tsan: check-%:
+	@scripts/setup check
+	$(call build,$*)
+	$(call run_tests,$*)
+
+check-lint:
+	@scripts/setup check
+	$(call build,lint)
+	scripts/lint build/lint $(JOBS)
+
+check-fuzz fuzz:
+	@scripts/setup check
+	$(call build,fuzz)
+	scripts/fuzz-short $(FUZZ_SECONDS)
+
+.PHONY: soak format lint clean
+soak:
+	@scripts/setup check
+	$(call build,fuzz)
+	scripts/fuzz-short $(SOAK_SECONDS)
+
+format:
+	@scripts/setup check
+	scripts/format
+
+lint: check-lint
+
+clean:
+	rm -rf build
+##
+## Variables: JOBS, PREFIX, DESTDIR, BENCH_ARGS, FUZZ_SECONDS, SOAK_SECONDS; ROUTERADVT_SETUP=skip installs nothing.

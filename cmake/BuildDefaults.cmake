@@ -1,0 +1,45 @@
+# How everything here is compiled. Nothing of this reaches a project that includes ours.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/lib)
+
+# Installed programs and libraries find ours beside them, wherever the tree is put.
+file(RELATIVE_PATH bin_to_lib "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
+set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/${bin_to_lib}")
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "Kind of build" FORCE)
+endif()
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+if(ROUTERADVT_WERROR)
+  add_compile_options(-Werror)
+endif()
+
+# A precompiled header is good for the cache too, once it is told that the header's time of making says nothing.
+find_program(CCACHE ccache)
+mark_as_advanced(CCACHE)
+if(CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE})
+  if(CMAKE_CXX_COMPILER_ID STREQUAL Clang)
+    add_compile_options("SHELL:-Xclang -fno-pch-timestamp")
+  endif()
+endif()
+
+# The sources below the current folder: found, not listed, because a folder is a layer and every .cpp in it belongs to
+# it. A layer without any yet gets an empty one, so that it is a library all the same.
+function(find_layer_sources variable)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  if(NOT sources)
+    set(sources ${CMAKE_CURRENT_BINARY_DIR}/empty.cpp)
+    file(CONFIGURE OUTPUT ${sources} CONTENT "// nothing yet\n")
+  endif()
+  set(${variable} ${sources} PARENT_SCOPE)
+endfunction()

@@ -1,0 +1,43 @@
+# Libraries, headers, CMake package, pkg-config files and manual pages. The tools install themselves.
+include(CMakePackageConfigHelpers)
+
+install(
+  TARGETS RouterPlatform Ipv6RouterAdvt
+  EXPORT Ipv6RouterAdvtTargets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} NAMELINK_COMPONENT Development
+  FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT Development)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Ipv6RouterAdvt)
+install(
+  EXPORT Ipv6RouterAdvtTargets
+  NAMESPACE Ipv6RouterAdvt::
+  DESTINATION ${package_dir}
+  COMPONENT Development)
+configure_package_config_file(
+  ${PROJECT_SOURCE_DIR}/cmake/Ipv6RouterAdvtConfig.cmake.in ${PROJECT_BINARY_DIR}/cmake/Ipv6RouterAdvtConfig.cmake
+  INSTALL_DESTINATION ${package_dir})
+# Before 1.0 a minor version may change the interface.
+write_basic_package_version_file(
+  ${PROJECT_BINARY_DIR}/cmake/Ipv6RouterAdvtConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(
+  FILES ${PROJECT_BINARY_DIR}/cmake/Ipv6RouterAdvtConfig.cmake
+        ${PROJECT_BINARY_DIR}/cmake/Ipv6RouterAdvtConfigVersion.cmake
+  DESTINATION ${package_dir}
+  COMPONENT Development)
+
+# The prefix is told from the place of the .pc file, so that the tree may be moved.
+file(RELATIVE_PATH pc_to_prefix "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+foreach(module IN ITEMS RouterPlatform Ipv6RouterAdvt)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/${module}.pc.in ${PROJECT_BINARY_DIR}/cmake/${module}.pc @ONLY)
+  install(
+    FILES ${PROJECT_BINARY_DIR}/cmake/${module}.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+    COMPONENT Development)
+endforeach()
+
+foreach(section IN ITEMS 1 3 5 7 8)
+  file(GLOB pages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/man/*.${section})
+  if(pages)
+    install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section})
+  endif()
+endforeach()
