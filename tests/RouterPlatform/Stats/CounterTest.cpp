@@ -1,0 +1,61 @@
+#include <RouterPlatform/Stats/Counter.h>
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <thread>
+
+namespace {
+
+using Stats::counter;
+using testing::Contains;
+
+TEST(Counter, StartsAtZeroAndCountsUp) {
+  Stats::Counter& counted = counter("CounterTest.countsUp");
+  EXPECT_EQ(counted.value(), 0u);
+  ++counted;
+  counted.add(41);
+  EXPECT_EQ(counted.value(), 42u);
+}
+
+TEST(Counter, KnowsItsName) { EXPECT_EQ(counter("CounterTest.name").name(), "CounterTest.name"); }
+
+TEST(Counter, TheSameNameGivesTheSameCounter) {
+  Stats::Counter& first = counter("CounterTest.same");
+  for (int i = 0; i < 100; ++i) counter("CounterTest.other" + std::to_string(i));
+  EXPECT_EQ(&counter("CounterTest.same"), &first);
+  EXPECT_NE(&counter("CounterTest.different"), &first);
+}
+
+TEST(Counter, WrapsAfterTheLargestNumber) {
+  Stats::Counter& counted = counter("CounterTest.wraps");
+  counted.add(~std::uint64_t{0});
+  ++counted;
+  EXPECT_EQ(counted.value(), 0u);
+}
+
+TEST(Counter, ASnapshotListsAllCountersByName) {
+  counter("CounterTest.snapshotB").add(2);
+  counter("CounterTest.snapshotA").add(1);
+  auto const samples = Stats::snapshot();
+  EXPECT_THAT(samples, Contains(Stats::Sample{"CounterTest.snapshotA", 1}));
+  EXPECT_THAT(samples, Contains(Stats::Sample{"CounterTest.snapshotB", 2}));
+  EXPECT_TRUE(std::ranges::is_sorted(samples, {}, &Stats::Sample::name));
+}
+
+TEST(Counter, AnotherThreadMayReadWhileOneCounts) {
+  Stats::Counter& counted = counter("CounterTest.threads");
+  std::thread writer([&] {
+    for (int i = 0; i < 100000; ++i) ++counted;
+  });
+  std::uint64_t last = 0;
+  while (last < 100000) {
+    std::uint64_t const now = counted.value();
+    ASSERT_GE(now, last);
+    last = now;
+  }
+  writer.join();
+  EXPECT_EQ(counted.value(), 100000u);
+}
+
+}  // namespace
