@@ -1,0 +1,303 @@
+#pragma once
+
+#include <RouterPlatform/Fwk/Entity.h>
+#include <RouterPlatform/Fwk/OrderedMap.h>
+#include <RouterPlatform/Fwk/OrderedTable.h>
+
+#include <optional>
+#include <utility>
+
+namespace Fwk {
+
+/// Entities by key, owned by the entity that has the collection. The key is the member's own: `T::key()`.
+///
+/// Members are walked in insertion order as `{key, value}` with `value` a `Ptr`; the collection may change during a
+/// walk in any way. Thread rule: that of the owner; only `frozen()` walks and `find` may run on several threads at
+/// once.
+template <class K, class T>
+class EntityCollection {
+  struct Policy {
+    static constexpr U32 inlineCapacity = 0;
+    static constexpr U32 indexAbove = defaultIndexAbove;
+    static K const& key(Ptr<T> const& member) noexcept { return member->key(); }
+  };
+  using Table = OrderedTable<Ptr<T>, Policy>;
+  using Walk = typename Table::Walk;
+
+ public:
+  using Key = K;
+  using Member = T;
+  struct Entry {
+    K const& key;  ///< the member's, so it lives as long as `value`
+    Ptr<T> value;
+  };
+
+  EntityCollection(Entity& owner, AttrId attr) noexcept : owner_(owner), attr_(attr) {}
+  EntityCollection(EntityCollection const&) = delete;
+  EntityCollection& operator=(EntityCollection const&) = delete;
+  ~EntityCollection() {
+    for (Walk walk(members_); !walk.atEnd(); walk.next()) Ptr<T>(walk.element())->parentIs(nullptr, attr_);
+  }
+
+  U32 size() const noexcept { return members_.size(); }
+  bool empty() const noexcept { return members_.empty(); }
+  bool contains(K const& key) const noexcept { return members_.contains(key); }
+
+  /// The member, or null.
+  Ptr<T> member(K const& key) const noexcept { return Ptr<T>(const_cast<T*>(find(key))); }
+  /// The member without a reference to it, or null.
+  T const* find(K const& key) const noexcept {
+    Ptr<T> const* const found = members_.find(key);
+    return found ? found->get() : nullptr;
+  }
+
+  /// The member of that key. Makes it if it is not there: all defaults, parent set, then notified with the key.
+  Ptr<T> memberIs(K const& key) {
+    if (Ptr<T> const* const found = members_.find(key)) return *found;
+    Ptr<T> const made = create<T>(key);
+    members_.add(made);
+    made->parentIs(&owner_, attr_);
+    owner_.notify(attr_, NotificationKey::of(made->key()));
+    return made;
+  }
+
+  /// Takes the member out, clears its parent, notifies with the key. Null, and nobody notified, when it is not there.
+  Ptr<T> memberDel(K const& key) {
+    std::optional<Ptr<T>> const removed = members_.remove(key);
+    if (!removed) return nullptr;
+    (*removed)->parentIs(nullptr, attr_);
+    owner_.notify(attr_, NotificationKey::of((*removed)->key()));
+    return *removed;
+  }
+
+  /// `memberDel` for every member that is there now.
+  void memberDelAll() {
+    for (Entry const entry : *this) memberDel(entry.key);
+  }
+
+  class Iterator {
+   public:
+    explicit Iterator(EntityCollection const& collection) noexcept : walk_(collection.members_) {}
+    Entry operator*() const noexcept { return {walk_.element()->key(), walk_.element()}; }
+    Iterator& operator++() noexcept {
+      walk_.next();
+      return *this;
+    }
+    bool operator==(std::default_sentinel_t) const noexcept { return walk_.atEnd(); }
+
+   private:
+    Walk walk_;
+  };
+  Iterator begin() const noexcept { return Iterator(*this); }
+  std::default_sentinel_t end() const noexcept { return {}; }
+
+  /// The members as plain references, for a reader during whose walk nothing changes: no counting, nothing registered.
+  class Frozen {
+   public:
+    class Iterator {
+     public:
+      using iterator_category = std::forward_iterator_tag;
+      using value_type = T;
+      using difference_type = std::ptrdiff_t;
+      using pointer = T const*;
+      using reference = T const&;
+      Iterator() noexcept = default;
+      explicit Iterator(typename Table::FrozenIterator at) noexcept : at_(at) {}
+      T const& operator*() const noexcept { return **at_; }
+      Iterator& operator++() noexcept {
+        ++at_;
+        return *this;
+      }
+      Iterator operator++(int) noexcept { return Iterator(at_++); }
+      bool operator==(Iterator const&) const noexcept = default;
+
+     private:
+      typename Table::FrozenIterator at_;
+    };
+    explicit Frozen(EntityCollection const& collection) noexcept : collection_(collection) {}
+    Iterator begin() const noexcept { return Iterator(collection_.members_.frozenBegin()); }
+    Iterator end() const noexcept { return Iterator(collection_.members_.frozenEnd()); }
+
+   private:
+    EntityCollection const& collection_;
+  };
+  Frozen frozen() const noexcept { return Frozen(*this); }
+
+ private:
+  Entity& owner_;
+  AttrId attr_;
+  Table members_;
+};
+
+/// Values by key inside an entity; each change is notified with its key. Walked as copies, `{key, value}`, in insertion
+/// order; the collection may change during a walk.
+template <class K, class V>
+class ValueCollection {
+ public:
+  using Key = K;
+  using Value = V;
+  using Entry = typename OrderedMap<K, V>::Entry;
+
+  ValueCollection(Entity& owner, AttrId attr) noexcept : owner_(owner), attr_(attr) {}
+  ValueCollection(ValueCollection const&) = delete;
+  ValueCollection& operator=(ValueCollection const&) = delete;
+
+  U32 size() const noexcept { return values_.size(); }
+  bool empty() const noexcept { return values_.empty(); }
+  bool contains(K const& key) const noexcept { return values_.contains(key); }
+
+  /// The value of `key`, or a default one.
+  V member(K const& key) const {
+    V const* const found = values_.find(key);
+    return found ? *found : V();
+  }
+  /// The value of `key`, or null; valid until the collection changes.
+  V const* find(K const& key) const noexcept { return values_.find(key); }
+
+  /// Stores and notifies with the key, unless an equal value stands there.
+  void memberIs(K const& key, V const& value) {
+    if (values_.set(key, value)) owner_.notify(attr_, NotificationKey::of(key));
+  }
+
+  /// Takes the value out, notifies with the key and returns it; a default value, nobody notified, when it is not there.
+  V memberDel(K const& key) {
+    std::optional<Entry> removed = values_.remove(key);
+    if (!removed) return V();
+    owner_.notify(attr_, NotificationKey::of(removed->key));
+    return std::move(removed->value);
+  }
+
+  /// `memberDel` for every key that is there now.
+  void memberDelAll() {
+    for (auto walk = values_.begin(); walk != values_.end(); ++walk) memberDel((*walk).key);
+  }
+
+  auto begin() const noexcept { return values_.begin(); }
+  std::default_sentinel_t end() const noexcept { return {}; }
+
+ private:
+  Entity& owner_;
+  AttrId attr_;
+  OrderedMap<K, V> values_;
+};
+
+/// A set of keys inside an entity; each change is notified with its key. Walked as copies in insertion order; the set
+/// may change during a walk.
+template <class K>
+class ValueSet {
+  struct Policy {
+    static constexpr U32 inlineCapacity = 0;
+    static constexpr U32 indexAbove = defaultIndexAbove;
+    static K const& key(K const& member) noexcept { return member; }
+  };
+  using Table = OrderedTable<K, Policy>;
+
+ public:
+  using Key = K;
+
+  ValueSet(Entity& owner, AttrId attr) noexcept : owner_(owner), attr_(attr) {}
+  ValueSet(ValueSet const&) = delete;
+  ValueSet& operator=(ValueSet const&) = delete;
+
+  U32 size() const noexcept { return keys_.size(); }
+  bool empty() const noexcept { return keys_.empty(); }
+  bool contains(K const& key) const noexcept { return keys_.contains(key); }
+  bool member(K const& key) const noexcept { return contains(key); }
+
+  /// Adds `key` and notifies with it, unless it is there.
+  void memberIs(K const& key) {
+    if (keys_.contains(key)) return;
+    keys_.add(key);
+    owner_.notify(attr_, NotificationKey::of(key));
+  }
+
+  /// Removes `key`, notifies with it if it was there, and returns whether it was.
+  bool memberDel(K const& key) {
+    std::optional<K> const removed = keys_.remove(key);
+    if (removed) owner_.notify(attr_, NotificationKey::of(*removed));
+    return removed.has_value();
+  }
+
+  /// `memberDel` for every key that is there now.
+  void memberDelAll() {
+    for (K const key : *this) memberDel(key);
+  }
+
+  class Iterator {
+   public:
+    explicit Iterator(ValueSet const& set) noexcept : walk_(set.keys_) {}
+    K operator*() const { return walk_.element(); }
+    Iterator& operator++() noexcept {
+      walk_.next();
+      return *this;
+    }
+    bool operator==(std::default_sentinel_t) const noexcept { return walk_.atEnd(); }
+
+   private:
+    typename Table::Walk walk_;
+  };
+  Iterator begin() const noexcept { return Iterator(*this); }
+  std::default_sentinel_t end() const noexcept { return {}; }
+
+  /// The keys as references, for a reader during whose walk nothing changes: nothing registered.
+  class Frozen {
+   public:
+    explicit Frozen(ValueSet const& set) noexcept : set_(set) {}
+    auto begin() const noexcept { return set_.keys_.frozenBegin(); }
+    auto end() const noexcept { return set_.keys_.frozenEnd(); }
+
+   private:
+    ValueSet const& set_;
+  };
+  Frozen frozen() const noexcept { return Frozen(*this); }
+
+ private:
+  Entity& owner_;
+  AttrId attr_;
+  Table keys_;
+};
+
+/// A single entity, made by name, owned by the entity that has the attribute.
+template <class T>
+class OwnedChild {
+ public:
+  using Member = T;
+
+  OwnedChild(Entity& owner, AttrId attr) noexcept : owner_(owner), attr_(attr) {}
+  OwnedChild(OwnedChild const&) = delete;
+  OwnedChild& operator=(OwnedChild const&) = delete;
+  ~OwnedChild() {
+    if (child_) child_->parentIs(nullptr, attr_);
+  }
+
+  /// The child, or null.
+  Ptr<T> child() const noexcept { return child_; }
+
+  /// The child of that name. One of another name loses its parent and is replaced by a new one, which is notified.
+  Ptr<T> childIs(Name const& name) {
+    if (child_ && child_->name() == name) return child_;
+    Ptr<T> const made = create<T>(name);
+    Ptr<T> const old = child_;
+    if (old) old->parentIs(nullptr, attr_);
+    made->parentIs(&owner_, attr_);
+    child_ = made;
+    owner_.notify(attr_);
+    return made;
+  }
+
+  /// Empties the attribute, clears the child's parent, notifies, and returns the child; null when there is none.
+  Ptr<T> childDel() {
+    Ptr<T> const removed = std::exchange(child_, nullptr);
+    if (!removed) return nullptr;
+    removed->parentIs(nullptr, attr_);
+    owner_.notify(attr_);
+    return removed;
+  }
+
+ private:
+  Entity& owner_;
+  AttrId attr_;
+  Ptr<T> child_;
+};
+
+}  // namespace Fwk

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <RouterPlatform/Fwk/BaseTypes.h>
+#include <RouterPlatform/Trace/Text.h>
+
+#include <typeinfo>
+
+namespace Fwk {
+
+class Entity;
+
+/// The key with which a collection's change is notified. Refers to the mutator's key: valid during the notification.
+class NotificationKey {
+ public:
+  constexpr NotificationKey() noexcept = default;
+
+  template <class K>
+  static NotificationKey of(K const& key) noexcept {
+    NotificationKey result;
+    result.key_ = &key;
+    result.type_ = &typeid(K);
+    result.append_ = [](std::string& out, void const* k) {
+      using Trace::appendText;
+      appendText(out, *static_cast<K const*>(k));
+    };
+    return result;
+  }
+
+  /// The key when there is one and it is a `K`, otherwise null.
+  template <class K>
+  K const* as() const noexcept {
+    return type_ && *type_ == typeid(K) ? static_cast<K const*>(key_) : nullptr;
+  }
+
+  explicit operator bool() const noexcept { return key_ != nullptr; }
+
+  /// Plain text of the key; nothing when there is none.
+  void appendTo(std::string& out) const {
+    if (key_) append_(out, key_);
+  }
+
+ private:
+  void const* key_ = nullptr;
+  std::type_info const* type_ = nullptr;
+  void (*append_)(std::string&, void const*) = nullptr;
+};
+
+/// One change of one attribute of one entity, after the new state is stored.
+struct Notification {
+  Entity& entity;
+  AttrId attr;
+  NotificationKey key;  ///< set for collections only
+};
+
+}  // namespace Fwk

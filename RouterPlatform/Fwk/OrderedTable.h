@@ -1,0 +1,320 @@
+#pragma once
+
+#include <RouterPlatform/Fwk/BaseTypes.h>
+#include <RouterPlatform/Fwk/Hash.h>
+#include <RouterPlatform/Fwk/OrderedIndex.h>
+#include <RouterPlatform/Fwk/Ptr.h>
+
+#include <algorithm>
+#include <iterator>
+#include <memory>
+#include <new>
+#include <optional>
+#include <type_traits>
+#include <utility>
+
+namespace Fwk {
+
+/// Room for one element that may be absent: an optional, or a counted pointer that is null.
+template <class Element>
+struct OrderedSlot {
+  using Type = std::optional<Element>;
+  static Element& get(Type& slot) noexcept { return *slot; }
+  static Element const& get(Type const& slot) noexcept { return *slot; }
+};
+template <class T>
+struct OrderedSlot<Ptr<T>> {
+  using Type = Ptr<T>;
+  static Ptr<T>& get(Type& slot) noexcept { return slot; }
+  static Ptr<T> const& get(Type const& slot) noexcept { return slot; }
+};
+
+/// Where a walk over an `OrderedTable` stands. The table moves the walks that are entered in its list along.
+struct OrderedWalk {
+  U32 position = 0;
+  U32 end = 0;         ///< what is added later stands from here on
+  bool stale = false;  ///< the element it stood at has been compacted away; `position` is the next one's already
+  bool tableGone = false;
+  OrderedWalk* outer = nullptr;
+
+  ROUTER_PLATFORM_EXPORT void enter(OrderedWalk*& walks) noexcept;
+  ROUTER_PLATFORM_EXPORT void leave(OrderedWalk*& walks) noexcept;
+};
+
+/// Room for `capacity` slots in the table itself, not constructed.
+template <class Slot, U32 capacity>
+struct OrderedRoom {
+  Slot* slots() noexcept { return reinterpret_cast<Slot*>(octets); }
+  alignas(Slot) std::byte octets[capacity * sizeof(Slot)];
+};
+template <class Slot>
+struct OrderedRoom<Slot, 0> {
+  Slot* slots() noexcept { return nullptr; }
+};
+
+/// Elements by key, in the order in which they came: what every keyed collection stands on.
+///
+/// `Policy::key(element)` gives an element's key, `Policy::inlineCapacity` how many elements have room in the table
+/// itself, and `Policy::indexAbove` how many are searched without a hash index. Add, find and remove take constant
+/// time.
+///
+/// Elements stand densely in one array; a removed one leaves a hole until the array is compacted. A walk is registered
+/// with the table, which moves it along: a walk sees every element that was there when it began and still is when its
+/// turn comes, whatever else happens, the end of the table included.
+template <class Element, class Policy>
+class OrderedTable {
+  using SlotAccess = OrderedSlot<Element>;
+  using Slot = typename SlotAccess::Type;
+  static constexpr U32 npos = OrderedIndex::npos;
+
+ public:
+  using Key = std::remove_cvref_t<decltype(Policy::key(std::declval<Element const&>()))>;
+
+  OrderedTable() noexcept = default;
+  OrderedTable(OrderedTable const& other) { copyFrom(other); }
+  OrderedTable(OrderedTable&& other) { moveFrom(other); }
+  OrderedTable& operator=(OrderedTable const& other) {
+    if (this != &other) {
+      clear();
+      copyFrom(other);
+    }
+    return *this;
+  }
+  OrderedTable& operator=(OrderedTable&& other) {
+    if (this != &other) {
+      clear();
+      moveFrom(other);
+    }
+    return *this;
+  }
+  ~OrderedTable() {
+    for (OrderedWalk* walk = walks_; walk; walk = walk->outer) walk->tableGone = true;
+    destroySlots();
+    releaseHeap();
+  }
+
+  U32 size() const noexcept { return live_; }
+  bool empty() const noexcept { return live_ == 0; }
+
+  /// The element of `key`, or null; valid until the table changes.
+  Element* find(Key const& key) noexcept {
+    U32 const position = positionOf(key);
+    return position == npos ? nullptr : &SlotAccess::get(slots()[position]);
+  }
+  Element const* find(Key const& key) const noexcept { return const_cast<OrderedTable*>(this)->find(key); }
+  bool contains(Key const& key) const noexcept { return positionOf(key) != npos; }
+
+  /// Appends `element`, whose key is not there. Throws std::bad_alloc, having changed nothing.
+  Element& add(Element element) {
+    reserveOneMore();
+    U32 const position = used_;
+    Slot* const slot = std::construct_at(slots() + position, std::move(element));
+    ++used_;
+    ++live_;
+    if (index_) index_->add(hash(SlotAccess::get(*slot)), position);
+    return SlotAccess::get(*slot);
+  }
+
+  /// Takes the element of `key` out, if it is there.
+  std::optional<Element> remove(Key const& key) noexcept {
+    U32 const position = positionOf(key);
+    if (position == npos) return std::nullopt;
+    Slot& slot = slots()[position];
+    if (index_) index_->remove(hash(SlotAccess::get(slot)), position);
+    std::optional<Element> removed(std::move(SlotAccess::get(slot)));
+    slot = Slot();
+    --live_;
+    dropTrailingHoles();
+    if (used_ - live_ > live_ + 8) compact();
+    return removed;
+  }
+
+  void clear() noexcept {
+    destroySlots();
+    used_ = live_ = 0;
+    index_.reset();
+    limitWalks();
+  }
+
+  /// A walk in progress. Reading the element it stands at is allowed until the table changes.
+  class Walk : private OrderedWalk {
+   public:
+    explicit Walk(OrderedTable const& table) noexcept : OrderedWalk{.end = table.used_}, table_(&table) {
+      enter(table.walks_);
+      skipHoles();
+    }
+    Walk(Walk const& other) noexcept : OrderedWalk(other), table_(other.table_) {
+      if (!tableGone) enter(table_->walks_);
+    }
+    Walk& operator=(Walk const&) = delete;
+    ~Walk() {
+      if (!tableGone) leave(table_->walks_);
+    }
+
+    bool atEnd() const noexcept { return tableGone || position >= end; }
+    Element const& element() const noexcept { return SlotAccess::get(table_->slots()[position]); }
+    void next() noexcept {
+      if (tableGone) return;
+      if (!stale) ++position;
+      stale = false;
+      skipHoles();
+    }
+
+   private:
+    void skipHoles() noexcept {
+      while (position < end && !table_->slots()[position]) ++position;
+    }
+
+    OrderedTable const* table_;
+  };
+
+  /// Calls `call(element)` for each element. The table must not change meanwhile; in return nothing is registered, so
+  /// several threads may do this at once.
+  template <class Call>
+  void forEach(Call call) const {
+    Slot const* const all = slots();
+    for (U32 i = 0; i < used_; ++i)
+      if (all[i]) call(SlotAccess::get(all[i]));
+  }
+
+  /// Elements of a table that does not change while they are walked: plain iterators, nothing registered.
+  class FrozenIterator {
+   public:
+    using iterator_category = std::forward_iterator_tag;
+    using value_type = Element;
+    using difference_type = std::ptrdiff_t;
+    using pointer = Element const*;
+    using reference = Element const&;
+    FrozenIterator() noexcept = default;
+    FrozenIterator(Slot const* slot, Slot const* end) noexcept : slot_(slot), end_(end) { skipHoles(); }
+    Element const& operator*() const noexcept { return SlotAccess::get(*slot_); }
+    FrozenIterator& operator++() noexcept {
+      ++slot_;
+      skipHoles();
+      return *this;
+    }
+    FrozenIterator operator++(int) noexcept {
+      FrozenIterator before(*this);
+      ++*this;
+      return before;
+    }
+    bool operator==(FrozenIterator const&) const noexcept = default;
+
+   private:
+    void skipHoles() noexcept {
+      while (slot_ != end_ && !*slot_) ++slot_;
+    }
+    Slot const* slot_ = nullptr;
+    Slot const* end_ = nullptr;
+  };
+  FrozenIterator frozenBegin() const noexcept { return {slots(), slots() + used_}; }
+  FrozenIterator frozenEnd() const noexcept { return {slots() + used_, slots() + used_}; }
+
+ private:
+  static U32 hashOfKey(Key const& key) noexcept { return static_cast<U32>(hashOf(key, processHashSeed())); }
+  static U32 hash(Element const& element) noexcept { return hashOfKey(Policy::key(element)); }
+
+  Slot* slots() const noexcept { return heap_ ? heap_ : inline_.slots(); }
+
+  U32 positionOf(Key const& key) const noexcept {
+    Slot const* const all = slots();
+    if (index_) return index_->find(hashOfKey(key), [&](U32 i) { return Policy::key(SlotAccess::get(all[i])) == key; });
+    for (U32 i = 0; i < used_; ++i)
+      if (all[i] && Policy::key(SlotAccess::get(all[i])) == key) return i;
+    return npos;
+  }
+
+  /// Everything that may throw on the way to one more element.
+  void reserveOneMore() {
+    if (used_ == capacity_ && used_ - live_ > used_ / 4) compact();
+    if (used_ == capacity_) growSlots(std::max<U32>(4, capacity_ * 2));
+    if (live_ + 1 > Policy::indexAbove && (!index_ || !index_->hasRoomFor(live_ + 1))) buildIndex(live_ * 2 + 1);
+  }
+
+  void buildIndex(U32 members) {
+    auto index = std::make_unique<OrderedIndex>(members);
+    fillIndex(*index);
+    index_ = std::move(index);
+  }
+
+  void fillIndex(OrderedIndex& index) const noexcept {
+    Slot const* const all = slots();
+    for (U32 i = 0; i < used_; ++i)
+      if (all[i]) index.add(hash(SlotAccess::get(all[i])), i);
+  }
+
+  void growSlots(U32 capacity) {
+    Slot* const grown = std::allocator<Slot>().allocate(capacity);
+    Slot* const old = slots();
+    for (U32 i = 0; i < used_; ++i) {
+      std::construct_at(grown + i, std::move(old[i]));
+      std::destroy_at(old + i);
+    }
+    releaseHeap();
+    heap_ = grown;
+    capacity_ = capacity;
+  }
+
+  /// Closes the holes; walks go along.
+  void compact() noexcept {
+    Slot* const all = slots();
+    for (OrderedWalk* walk = walks_; walk; walk = walk->outer) {
+      walk->stale = walk->stale || walk->position >= used_ || !all[walk->position];
+      walk->position = liveBefore(walk->position);
+      walk->end = liveBefore(walk->end);
+    }
+    U32 to = 0;
+    for (U32 from = 0; from < used_; ++from) {
+      if (!all[from]) continue;
+      if (from != to) all[to] = std::exchange(all[from], Slot());
+      ++to;
+    }
+    std::destroy(all + to, all + used_);
+    used_ = to;
+    if (!index_) return;
+    index_->clear();
+    fillIndex(*index_);
+  }
+
+  U32 liveBefore(U32 position) const noexcept {
+    Slot const* const all = slots();
+    return static_cast<U32>(
+        std::count_if(all, all + std::min(position, used_), [](Slot const& slot) { return static_cast<bool>(slot); }));
+  }
+
+  void dropTrailingHoles() noexcept {
+    while (used_ > 0 && !slots()[used_ - 1]) std::destroy_at(slots() + --used_);
+    limitWalks();
+  }
+
+  /// What is added from now on stands behind the end of every walk in progress.
+  void limitWalks() noexcept {
+    for (OrderedWalk* walk = walks_; walk; walk = walk->outer) walk->end = std::min(walk->end, used_);
+  }
+
+  void copyFrom(OrderedTable const& other) {
+    other.forEach([this](Element const& element) { add(element); });
+  }
+
+  void moveFrom(OrderedTable& other) {
+    for (U32 i = 0; i < other.used_; ++i)
+      if (other.slots()[i]) add(std::move(SlotAccess::get(other.slots()[i])));
+    other.clear();
+  }
+
+  void destroySlots() noexcept { std::destroy(slots(), slots() + used_); }
+
+  void releaseHeap() noexcept {
+    if (heap_) std::allocator<Slot>().deallocate(heap_, capacity_);
+  }
+
+  Slot* heap_ = nullptr;
+  std::unique_ptr<OrderedIndex> index_;
+  mutable OrderedWalk* walks_ = nullptr;  ///< walks in progress, innermost first
+  U32 used_ = 0;                          ///< slots in use, holes included
+  U32 live_ = 0;
+  U32 capacity_ = Policy::inlineCapacity;
+  [[no_unique_address]] mutable OrderedRoom<Slot, Policy::inlineCapacity> inline_;
+};
+
+}  // namespace Fwk

@@ -1,0 +1,92 @@
+#include <RouterPlatform/Fwk/Reflection.h>
+
+namespace Fwk {
+
+namespace {
+
+ReflectionResult failure(ReflectionError error, char const* what, TypeRecord const& type, std::string_view attr) {
+  ReflectionResult result{error, String(what)};
+  result.text += " ";
+  result.text += type.name;
+  result.text += "::";
+  result.text += attr;
+  return result;
+}
+
+ReflectionResult noSuchAttribute(TypeRecord const& type, AttrId attr) {
+  return failure(ReflectionError::noSuchAttribute, "no attribute", type, std::to_string(attr));
+}
+
+ReflectionResult noSuchAttribute(TypeRecord const& type, std::string_view attr) {
+  return failure(ReflectionError::noSuchAttribute, "no attribute", type, attr);
+}
+
+template <class Attr>
+ReflectionResult read(ConstObjectRef object, Attr attr, std::string& out) {
+  AttributeRecord const* const record = object.type->attribute(attr);
+  if (!record) return noSuchAttribute(*object.type, attr);
+  if (!record->readable())
+    return failure(ReflectionError::notReadable, "not readable as text:", *object.type, record->name);
+  record->append(object.object, out);
+  return {};
+}
+
+template <class Attr>
+ReflectionResult assign(ObjectRef object, Attr attr, std::string_view text) {
+  AttributeRecord const* const record = object.type->attribute(attr);
+  if (!record) return noSuchAttribute(*object.type, attr);
+  if (!record->settable()) return failure(ReflectionError::notSettable, "not settable:", *object.type, record->name);
+  return record->set(object.object, text);
+}
+
+}  // namespace
+
+ReflectionResult readAttribute(ConstObjectRef object, AttrId attr, std::string& out) { return read(object, attr, out); }
+ReflectionResult readAttribute(ConstObjectRef object, std::string_view attr, std::string& out) {
+  return read(object, attr, out);
+}
+
+ReflectionResult setAttribute(ObjectRef object, AttrId attr, std::string_view text) {
+  return assign(object, attr, text);
+}
+ReflectionResult setAttribute(ObjectRef object, std::string_view attr, std::string_view text) {
+  return assign(object, attr, text);
+}
+
+bool CollectionView::contains(std::string_view key) const {
+  return static_cast<bool>(get(key, [](MemberRef const&) {}));
+}
+
+Ptr<Entity> CollectionView::entity(std::string_view key) const {
+  Ptr<Entity> result;
+  get(key, [&](MemberRef const& member) { result = member.entity; });
+  return result;
+}
+
+ReflectionResult CollectionView::set(std::string_view key, std::string_view value) const {
+  if (!record().set) return failure(ReflectionError::notSettable, "not settable:", *object_.type, attr_->name);
+  return record().set(object_.object, key, value);
+}
+
+ReflectionResult CollectionView::del(std::string_view key) const {
+  if (!record().del) return failure(ReflectionError::notSettable, "not settable:", *object_.type, attr_->name);
+  return record().del(object_.object, key);
+}
+
+ReflectionResult CollectionView::delAll() const {
+  if (!record().delAll) return failure(ReflectionError::notSettable, "not settable:", *object_.type, attr_->name);
+  record().delAll(object_.object);
+  return {};
+}
+
+ReflectionResult reflectCollection(ObjectRef object, std::string_view attr,
+                                   FunctionRef<void(CollectionView const&)> use) {
+  AttributeRecord const* const record = object.type->attribute(attr);
+  if (!record) return noSuchAttribute(*object.type, attr);
+  if (!record->collection)
+    return failure(ReflectionError::notACollection, "not a collection:", *object.type, record->name);
+  use(CollectionView(object, *record));
+  return {};
+}
+
+}  // namespace Fwk
