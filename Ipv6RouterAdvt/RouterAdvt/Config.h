@@ -1,0 +1,66 @@
+#pragma once
+
+#include <Ipv6RouterAdvt/Export.h>
+#include <Ipv6RouterAdvt/RouterAdvt/IntfConfig.h>
+#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
+#include <Ipv6RouterAdvt/RouterAdvt/PrefixProfileEntry.h>
+
+namespace RouterAdvt {
+
+/// Root of the configuration: what is advertised, interface by interface, and the profiles that prefixes may name.
+/// Key: `name`. Setters store any value; an unchanged one notifies nobody. Used by one thread at a time.
+class ROUTER_ADVT_EXPORT Config final : public Fwk::Entity {
+ public:
+  enum Attr : AttrId {
+    intfAttr = Fwk::firstOwnAttr,
+    hopLimitAttr,
+    hopLimitDefaultAttr,
+    raConsistencyAttr,
+    raConsistencyDefaultAttr,
+    prefixProfilesAttr,
+  };
+
+  explicit Config(Name name) : name_(name) {}
+
+  Name name() const override { return name_; }
+  Name const& key() const noexcept { return name_; }
+
+  /// Interfaces to advertise on, in the order in which they were configured.
+  auto const& intf() const { return intf_; }
+  Ptr<IntfConfig> intf(IntfId key) const { return intf_.member(key); }
+  Ptr<IntfConfig> intfIs(IntfId key) { return intf_.memberIs(key); }
+  Ptr<IntfConfig> intfDel(IntfId key) { return intf_.memberDel(key); }
+  void intfDelAll() { intf_.memberDelAll(); }
+
+  /// System-wide hop limit; not copied to the interfaces, each of which has its own.
+  U32 hopLimit() const { return hopLimit_; }
+  void hopLimitIs(U32 v) { attrIs(hopLimit_, v, hopLimitAttr); }
+  static constexpr U32 hopLimitDefault() { return 64; }
+
+  /// Whether advertisements of other routers are to be checked against the own ones. RFC 4861 6.2.7.
+  bool raConsistency() const { return raConsistency_; }
+  void raConsistencyIs(bool v) { attrIs(raConsistency_, v, raConsistencyAttr); }
+  static constexpr bool raConsistencyDefault() { return false; }
+
+  /// Prefix parameters by name.
+  auto const& prefixProfiles() const { return prefixProfiles_; }
+  Ptr<PrefixProfileEntry> prefixProfiles(Name const& key) const { return prefixProfiles_.member(key); }
+  Ptr<PrefixProfileEntry> prefixProfilesIs(Name const& key) { return prefixProfiles_.memberIs(key); }
+  Ptr<PrefixProfileEntry> prefixProfilesDel(Name const& key) { return prefixProfiles_.memberDel(key); }
+  void prefixProfilesDelAll() { prefixProfiles_.memberDelAll(); }
+
+  static constexpr char const* fwkTypeName = "RouterAdvt::Config";
+  static Fwk::TypeRecord const& typeRecord();
+  Fwk::TypeRecord const& fwkType() const override { return typeRecord(); }
+
+ private:
+  ~Config() override = default;
+
+  Name name_;
+  U32 hopLimit_ = hopLimitDefault();
+  bool raConsistency_ = raConsistencyDefault();
+  Fwk::EntityCollection<IntfId, IntfConfig> intf_{*this, intfAttr};
+  Fwk::EntityCollection<Name, PrefixProfileEntry> prefixProfiles_{*this, prefixProfilesAttr};
+};
+
+}  // namespace RouterAdvt

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <Ipv6RouterAdvt/Export.h>
+#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
+
+namespace RouterAdvt {
+
+/// A DNS search suffix to advertise on an interface, as text: `example.com`. Key: `suffix`. Parent: `IntfConfig`.
+/// Setters store any value; an unchanged one notifies nobody, a changed one notifies with the attribute.
+class ROUTER_ADVT_EXPORT DNSSuffixConfigEntry final : public Fwk::Entity {
+ public:
+  enum Attr : AttrId {
+    suffixAttr = Fwk::firstOwnAttr,
+    lifetimeAttr,
+    lifetimeDefaultAttr,
+    lifetimeConfiguredAttr,
+    validLifetimeAttr,
+  };
+
+  explicit DNSSuffixConfigEntry(String const& suffix) : suffix_(suffix) {}
+  static Ptr<DNSSuffixConfigEntry> DNSSuffixConfigEntryIs(String const& suffix) {
+    return Fwk::create<DNSSuffixConfigEntry>(suffix);
+  }
+
+  String const& suffix() const { return suffix_; }
+  String const& key() const noexcept { return suffix_; }
+
+  /// Lifetime of its own, seconds; in force only with `lifetimeConfigured`. RFC 8106 5.2.
+  U32 lifetime() const { return lifetime_; }
+  void lifetimeIs(U32 v) { attrIs(lifetime_, v, lifetimeAttr); }
+  static constexpr U32 lifetimeDefault() { return 300; }
+
+  /// Whether `lifetime` was configured. Setting `lifetime` does not set this.
+  bool lifetimeConfigured() const { return lifetimeConfigured_; }
+  void lifetimeConfiguredIs(bool v) { attrIs(lifetimeConfigured_, v, lifetimeConfiguredAttr); }
+
+  /// The lifetime to advertise, seconds: the own one where configured, else `fallback`, which is the interface's.
+  U32 validLifetime(U32 fallback) const { return lifetimeConfigured_ ? lifetime_ : fallback; }
+
+  static constexpr char const* fwkTypeName = "RouterAdvt::DNSSuffixConfigEntry";
+  static Fwk::TypeRecord const& typeRecord();
+  Fwk::TypeRecord const& fwkType() const override { return typeRecord(); }
+
+ private:
+  ~DNSSuffixConfigEntry() override = default;
+
+  String suffix_;
+  U32 lifetime_ = lifetimeDefault();
+  bool lifetimeConfigured_ = false;
+};
+
+}  // namespace RouterAdvt

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <Ipv6RouterAdvt/Export.h>
+#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
+
+namespace RouterAdvt {
+
+/// Which lifetimes have been dealt with: the builder's notebook while it groups DNS entries by lifetime. Notifies
+/// nobody.
+class ROUTER_ADVT_EXPORT LifeTimeHashMap {
+ public:
+  // As many DNS options as ever fit into one advertisement have room without allocation.
+  using Visited = Fwk::OrderedMap<U32, bool, 96, 96>;
+
+  /// Lifetimes in seconds to whether they were visited.
+  Visited const& visited() const { return visited_; }
+  /// False for a lifetime that is not there.
+  bool visited(U32 lifetime) const {
+    bool const* const found = visited_.find(lifetime);
+    return found && *found;
+  }
+  void visitedIs(U32 lifetime, bool value) { visited_.set(lifetime, value); }
+  /// Removes the entry, if there is one.
+  void visitedDel(U32 lifetime) { visited_.remove(lifetime); }
+  void visitedDelAll() { visited_.clear(); }
+
+  bool operator==(LifeTimeHashMap const& other) const { return visited_ == other.visited_; }
+  /// True when nothing is stored.
+  bool operator!() const { return visited_.empty(); }
+
+  static constexpr char const* fwkTypeName = "RouterAdvt::LifeTimeHashMap";
+  static Fwk::TypeRecord const& typeRecord();
+
+ private:
+  Visited visited_;
+};
+
+}  // namespace RouterAdvt

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <RouterPlatform/Fwk/BaseTypes.h>
+#include <RouterPlatform/Fwk/Collections.h>
+#include <RouterPlatform/Fwk/Entity.h>
+#include <RouterPlatform/Fwk/Name.h>
+#include <RouterPlatform/Fwk/Ptr.h>
+#include <RouterPlatform/Fwk/TypeRecord.h>
+#include <RouterPlatform/Net/EthAddr.h>
+#include <RouterPlatform/Net/Icmp6RouterAdvtRouterPreferenceType.h>
+#include <RouterPlatform/Net/IntfId.h>
+#include <RouterPlatform/Net/Ip6Addr.h>
+#include <RouterPlatform/Net/Ip6AddrWithMask.h>
+#include <RouterPlatform/Net/VrfName.h>
+
+/// The platform's names that the library uses unqualified.
+namespace RouterAdvt {
+
+using Fwk::AttrId;
+using Fwk::Name;
+using Fwk::Ptr;
+using Fwk::S32;
+using Fwk::String;
+using Fwk::U16;
+using Fwk::U32;
+using Fwk::U64;
+using Fwk::U8;
+
+using Net::EthAddr;
+using Net::Icmp6RouterAdvtRouterPreferenceType;
+using Net::IntfId;
+using Net::Ip6Addr;
+using Net::Ip6AddrWithMask;
+using Net::VrfName;
+
+}  // namespace RouterAdvt

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <Ipv6RouterAdvt/Export.h>
+#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
+
+namespace RouterAdvt {
+
+/// The built-in prefix parameters. A value without stored attributes: any two are equal.
+class ROUTER_ADVT_EXPORT PrefixDefault {
+ public:
+  static constexpr bool noAdvertise() { return false; }
+  static constexpr U32 validLifetime() { return 2592000; }     ///< seconds: 30 days
+  static constexpr U32 preferredLifetime() { return 604800; }  ///< seconds: 7 days
+  static constexpr bool noOnLink() { return false; }
+  static constexpr bool noAutoConfig() { return false; }
+
+  constexpr bool operator==(PrefixDefault const&) const noexcept { return true; }
+
+  static constexpr char const* fwkTypeName = "RouterAdvt::PrefixDefault";
+  static Fwk::TypeRecord const& typeRecord();
+};
+
+}  // namespace RouterAdvt
