@@ -8,15 +8,16 @@
 #include <fuzz/Fuzzer.h>
 
 #include <fcntl.h>
-#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -36,6 +37,7 @@ constexpr std::size_t maxGeneratedSize = 4096;
 struct Current {
   char name[512] = "";
   Input const* generated = nullptr;  ///< not in a file yet
+  std::string reproducer;            ///< where it is written to then
 } current;
 
 void say(char const* text) {
@@ -49,18 +51,21 @@ void reportDeath() {
   say(current.name);
   say("\n");
   if (!current.generated) return;
-  int const file = open("replay-reproducer.bin", O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+  int const file = open(current.reproducer.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
   if (file < 0) return;
-  if (write(file, current.generated->data(), current.generated->size()) >= 0)
-    say("replay: it stands in replay-reproducer.bin\n");
+  if (write(file, current.generated->data(), current.generated->size()) >= 0) {
+    say("replay: it stands in ");
+    say(current.reproducer.c_str());
+    say("\n");
+  }
   close(file);
   current.name[0] = '\0';
 }
 
-extern "C" void onDeadlySignal(int signal) {
+extern "C" void onDeadlySignal(int number) {
   reportDeath();
-  std::signal(signal, SIG_DFL);
-  raise(signal);
+  std::signal(number, SIG_DFL);
+  std::raise(number);
 }
 
 void reportDeaths() {
@@ -69,7 +74,7 @@ void reportDeaths() {
     std::signal(SIGABRT, onDeadlySignal);  // the others are the sanitizer's
     return;
   }
-  for (int const signal : {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGALRM}) std::signal(signal, onDeadlySignal);
+  for (int const number : {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL}) std::signal(number, onDeadlySignal);
 }
 
 void run(std::string const& name, Input const& input, bool isGenerated) {
@@ -160,6 +165,7 @@ class Generator {
 }  // namespace
 
 int main(int argc, char** argv) try {
+  current.reproducer = fs::absolute(fs::path(argv[0]).filename()).string() + "-reproducer.bin";
   reportDeaths();
   std::vector<Input> seeds;
   for (fs::path const& path : filesOf({argv + 1, argv + argc})) {
