@@ -9,7 +9,10 @@ namespace {
 
 /// One and a half times the longest advertisement interval, in whole seconds. RFC 8106 5.1: SHOULD be at least
 /// MaxRtrAdvInterval.
-U32 dnsLifetimeFromInterval(U32 raIntervalMaxMsec) { return static_cast<U32>(raIntervalMaxMsec / 1000 * 1.5); }
+U32 dnsLifetimeFromInterval(U32 raIntervalMaxMsec) {
+  U32 const seconds = raIntervalMaxMsec / 1000;
+  return static_cast<U32>(seconds * 1.5);
+}
 
 }  // namespace
 

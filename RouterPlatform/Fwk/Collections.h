@@ -54,7 +54,7 @@ class EntityCollection {
   /// The member of that key. Makes it if it is not there: all defaults, parent set, then notified with the key.
   Ptr<T> memberIs(K const& key) {
     if (Ptr<T> const* const found = members_.find(key)) return *found;
-    Ptr<T> const made = create<T>(key);
+    Ptr<T> made = create<T>(key);
     members_.add(made);
     made->parentIs(&owner_, attr_);
     owner_.notify(attr_, NotificationKey::of(made->key()));

@@ -72,6 +72,8 @@ class OrderedTable {
 
   OrderedTable() noexcept = default;
   OrderedTable(OrderedTable const& other) { copyFrom(other); }
+  // Moves the elements one by one into slots of its own, for which it allocates.
+  // NOLINTNEXTLINE(performance-noexcept-move-constructor)
   OrderedTable(OrderedTable&& other) { moveFrom(other); }
   OrderedTable& operator=(OrderedTable const& other) {
     if (this != &other) {
@@ -80,6 +82,7 @@ class OrderedTable {
     }
     return *this;
   }
+  // NOLINTNEXTLINE(performance-noexcept-move-constructor)
   OrderedTable& operator=(OrderedTable&& other) {
     if (this != &other) {
       clear();

@@ -19,7 +19,8 @@ void appendText(std::string& out, Icmp6RouterAdvtRouterPreferenceType value) {
 }
 
 bool parseText(std::string_view text, Icmp6RouterAdvtRouterPreferenceType& value) noexcept {
-  for (Fwk::U8 number = 0; number < names.size(); ++number)
+  constexpr auto count = static_cast<Fwk::U8>(names.size());
+  for (Fwk::U8 number = 0; number < count; ++number)
     if (text == names[number] || (text.size() == 1 && text[0] == '0' + number)) {
       value = Icmp6RouterAdvtRouterPreferenceType{number};
       return true;
