@@ -1,0 +1,58 @@
+#pragma once
+
+#include <RouterPlatform/Fwk/BaseTypes.h>
+
+#include <array>
+#include <bit>
+#include <concepts>
+#include <cstring>
+#include <type_traits>
+
+namespace Net {
+
+using Fwk::U16;
+using Fwk::U32;
+using Fwk::U64;
+using Fwk::U8;
+
+/// An unsigned number as it stands in a packet: network order, any address. It reads and is assigned like the number;
+/// this is the one place that knows about byte order.
+template <std::unsigned_integral T>
+class NetInt {
+ public:
+  constexpr NetInt() noexcept = default;
+  constexpr NetInt(T value) noexcept
+      : octets_(std::bit_cast<Octets>(swapped(value))) {}  // NOLINT(google-explicit-constructor)
+
+  constexpr operator T() const noexcept {
+    return swapped(std::bit_cast<T>(octets_));
+  }  // NOLINT(google-explicit-constructor)
+
+  constexpr NetInt& operator|=(T bits) noexcept { return *this = static_cast<T>(*this | bits); }
+  constexpr NetInt& operator&=(T bits) noexcept { return *this = static_cast<T>(*this & bits); }
+
+ private:
+  using Octets = std::array<U8, sizeof(T)>;
+
+  /// From the machine's order to network order, and back.
+  static constexpr T swapped(T value) noexcept {
+    static_assert(std::endian::native == std::endian::little || std::endian::native == std::endian::big);
+    if constexpr (std::endian::native == std::endian::big || sizeof(T) == 1)
+      return value;
+    else if constexpr (sizeof(T) == 2)
+      return __builtin_bswap16(value);
+    else
+      return __builtin_bswap32(value);
+  }
+
+  Octets octets_{};
+};
+
+using NetU8 = NetInt<U8>;
+using NetU16 = NetInt<U16>;
+using NetU32 = NetInt<U32>;
+static_assert(sizeof(NetU8) == 1 && sizeof(NetU16) == 2 && sizeof(NetU32) == 4);
+static_assert(alignof(NetU8) == 1 && alignof(NetU16) == 1 && alignof(NetU32) == 1);
+static_assert(std::is_trivially_copyable_v<NetU32>);
+
+}  // namespace Net

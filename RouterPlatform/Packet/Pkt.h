@@ -1,0 +1,96 @@
+#pragma once
+
+#include <RouterPlatform/Export.h>
+#include <RouterPlatform/Fwk/Ptr.h>
+#include <RouterPlatform/Packet/Icmp6Hdr.h>
+#include <RouterPlatform/Packet/Ip6Hdr.h>
+#include <RouterPlatform/Packet/NetInt.h>
+
+#include <memory>
+#include <span>
+
+namespace Net {
+
+class PktManager;
+template <class T>
+class FreeList;
+
+/// A packet: one buffer that holds its data with head room before and tail room behind. Made by `PktManager::newPkt`,
+/// to which it returns with its last `Ptr`. Used by one thread at a time.
+class ROUTER_PLATFORM_EXPORT Pkt final : public Fwk::PtrInterface<Pkt> {
+ public:
+  /// Tail room that every reservation leaves, in octets, zero.
+  static constexpr U64 minTailRoom = 16;
+  /// Greatest size of a packet's data, octets. To ask for more is a programming error.
+  static constexpr U64 maxSize = U64{1} << 24;
+
+  U8* data() noexcept { return buffer_.get() + start_; }
+  U8 const* data() const noexcept { return buffer_.get() + start_; }
+  U64 size() const noexcept { return size_; }
+  std::span<U8> octets() noexcept { return {data(), size_}; }
+  std::span<U8 const> octets() const noexcept { return {data(), size_}; }
+  U64 headRoom() const noexcept { return start_; }
+  U64 tailRoom() const noexcept { return capacity_ - start_ - size_; }
+
+  /// Puts `count` zero octets before the data and returns the new first one. At least `minTailRoom` octets behind the
+  /// data are zero then. Moves to another buffer when this one lacks room: earlier pointers into it end.
+  U8* reserveHeadData(U64 count);
+
+  /// Takes `count` octets off the end of the data. A negative count takes the first octets of the tail room in, as they
+  /// are; more than the room holds, or more than there are, is a programming error. A message that loses octets is so
+  /// much shorter; a header that does is not located any more.
+  void trimTailData(Fwk::S64 count);
+
+  /// Replaces the data by a copy of `octets`, which are not in this packet. No header is located then.
+  void dataIs(std::span<U8 const> octets);
+
+  /// The data from `offset` on, as a header, which must lie inside the data.
+  template <class Header>
+  Header& headerAt(U64 offset) noexcept {
+    static_assert(alignof(Header) == 1 && std::is_trivially_copyable_v<Header>);
+    checkInside(offset, sizeof(Header));
+    return *reinterpret_cast<Header*>(data() + offset);
+  }
+
+  /// Where the IPv6 header begins. It must lie inside the data.
+  void ip6HdrOffsetIs(U64 offset);
+  /// The IPv6 header, or null when none is located.
+  Ip6Hdr* ip6Hdr() noexcept { return ip6Located_ ? reinterpret_cast<Ip6Hdr*>(data() + ip6Offset_) : nullptr; }
+
+  /// Where the ICMPv6 message lies. All of it must lie inside the data, and it has a header at least.
+  void icmp6MsgIs(U64 offset, U64 length);
+  /// The ICMPv6 message from its Type octet on. Never null: when none is located this is the start of the data, and the
+  /// octets of a header are there, whatever they hold.
+  Icmp6Hdr* icmp6Hdr() noexcept { return reinterpret_cast<Icmp6Hdr*>(data() + icmp6Offset_); }
+  /// Octets of the ICMPv6 message that are in the data; 0 when none is located.
+  U64 icmp6MsgLen() const noexcept { return icmp6Length_; }
+
+ private:
+  friend class Fwk::PtrInterface<Pkt>;
+  friend class PktManager;
+  friend class FreeList<Pkt>;
+
+  Pkt(PktManager& manager, std::unique_ptr<U8[]> buffer, U64 capacity) noexcept;
+  ~Pkt() = default;
+  void onZeroReferences() noexcept;
+  void reset() noexcept;
+  void growFor(U64 headData);
+  U8* reserveUninitialized(U64 count);
+  void checkInside(U64 offset, U64 length) const noexcept;
+
+  void forgetHeadersOutside() noexcept;
+
+  // Kept: start_ + size_ <= capacity_ and start_ + minTailRoom <= capacity_; located headers lie inside the data.
+  PktManager& manager_;
+  std::unique_ptr<U8[]> buffer_;
+  U64 capacity_;
+  U64 start_ = 0;
+  U64 size_ = 0;
+  U64 ip6Offset_ = 0;  // offsets count from the start of the data
+  U64 icmp6Offset_ = 0;
+  U64 icmp6Length_ = 0;  // 0: not located, and the offset is 0
+  bool ip6Located_ = false;
+  Pkt* nextFree_ = nullptr;
+};
+
+}  // namespace Net
