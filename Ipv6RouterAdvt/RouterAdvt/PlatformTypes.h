@@ -6,12 +6,18 @@
 #include <RouterPlatform/Fwk/Name.h>
 #include <RouterPlatform/Fwk/Ptr.h>
 #include <RouterPlatform/Fwk/TypeRecord.h>
+#include <RouterPlatform/Ip6/IntfStatus.h>
+#include <RouterPlatform/Ip6/VirtualRouterStatusV6.h>
 #include <RouterPlatform/Net/EthAddr.h>
 #include <RouterPlatform/Net/Icmp6RouterAdvtRouterPreferenceType.h>
 #include <RouterPlatform/Net/IntfId.h>
 #include <RouterPlatform/Net/Ip6Addr.h>
 #include <RouterPlatform/Net/Ip6AddrWithMask.h>
 #include <RouterPlatform/Net/VrfName.h>
+
+namespace Net {
+class Pkt;
+}  // namespace Net
 
 /// The platform's names that the library uses unqualified.
 namespace RouterAdvt {
@@ -31,6 +37,9 @@ using Net::Icmp6RouterAdvtRouterPreferenceType;
 using Net::IntfId;
 using Net::Ip6Addr;
 using Net::Ip6AddrWithMask;
+using Net::Pkt;
 using Net::VrfName;
+
+using Ip6::VirtualRouterStatusV6;
 
 }  // namespace RouterAdvt

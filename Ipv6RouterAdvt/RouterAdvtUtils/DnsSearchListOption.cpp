@@ -1,0 +1,110 @@
+#include <Ipv6RouterAdvt/RouterAdvtUtils/DnsSearchListOption.h>
+#include <Ipv6RouterAdvt/RouterAdvtUtils/OptionWriter.h>
+#include <RouterPlatform/Packet/Icmp6HdrOptions.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace RouterAdvt {
+
+using Net::Icmp6HdrDnsslOption;
+
+namespace {
+
+/// Writes one label; false when it does not fit. A label above 63 octets, which RFC 1035 3.1 does not allow, is written
+/// with the low 8 bits of its length.
+bool encodeLabel(U8* buf, U64& msgLen, U64 pktBufSize, std::string_view label) {
+  U64 const end = msgLen + label.size() + 1;
+  if (end > pktBufSize) {
+    traceCouldNotCopy("dns suffx", end, pktBufSize);
+    return false;
+  }
+  buf[msgLen] = static_cast<U8>(label.size());
+  std::memcpy(buf + msgLen + 1, label.data(), label.size());
+  msgLen = end;
+  return true;
+}
+
+/// Writes one suffix as labels with a terminating zero octet, RFC 1035 3.1. Empty labels, of a trailing dot too, are
+/// written as they are.
+void encodeDNSSuffix(U8* buf, U64& msgLen, U64 pktBufSize, String const& suffix) {
+  UTILS_TRACE(1, "Before Encoding DNS Suffix: ", suffix, " length: ", msgLen);
+  if (!suffix.empty()) {
+    std::size_t labelEnd = 0;
+    for (std::size_t pos = 0; labelEnd < suffix.size(); pos = labelEnd + 1) {
+      labelEnd = std::min(suffix.find('.', pos), suffix.size());
+      if (!encodeLabel(buf, msgLen, pktBufSize, std::string_view(suffix).substr(pos, labelEnd - pos))) return;
+    }
+  }
+  buf[msgLen++] = 0;
+  UTILS_TRACE(8, "After Encoding DNS Suffix: ", suffix, " length: ", msgLen);
+}
+
+constexpr U64 roundedUpTo8(U64 size) { return (size + 7) / 8 * 8; }
+
+/// Closes the option that began at `option`, with its names from `start` to `msgLen`: padding, type and length.
+void closeOption(U8* buf, U64& msgLen, U64 start, Icmp6HdrDnsslOption& option) {
+  U64 const numBytesToPad = roundedUpTo8(msgLen - start) - (msgLen - start);
+  UTILS_TRACE(8, "numBytesToPad: ", numBytesToPad, "at offset: ", msgLen);
+  std::memset(buf + msgLen, 0, numBytesToPad);
+  msgLen += numBytesToPad;
+  option.type = Icmp6HdrDnsslOption::typeValue;
+  option.length = static_cast<U8>((msgLen - start) / 8 + 1);
+}
+
+/// The size of the option by the estimate: its head, and a suffix's octets and one more. 0: the group is empty.
+U64 estimatedSize(IntfConfig const& intfConfig, U32 intfLifetime, U32 lifetime) {
+  U64 total = sizeof(Icmp6HdrDnsslOption);
+  bool any = false;
+  for (DNSSuffixConfigEntry const& entry : intfConfig.dnsSuffixes().frozen()) {
+    if (entry.validLifetime(intfLifetime) != lifetime) continue;
+    any = true;
+    total += entry.suffix().size() + 1;
+    UTILS_TRACE(8, "Computing Length DNS Suffix: ", entry.suffix(), " length: ", total);
+  }
+  return any ? total : 0;
+}
+
+}  // namespace
+
+int copyDNSSuffixesWithSameLifeTimeToRaMsgBuf(U8* buf, U64& msgLen, U64 pktBufSize, U32 lifetime,
+                                              Ptr<IntfConfig const> const& intfConfig, LifeTimeHashMap& visited) {
+  U32 const intfLifetime = intfConfig->validDnsSuffixesLifetime();
+  U64 const total = estimatedSize(*intfConfig, intfLifetime, lifetime);
+  if (total == 0) return 1;
+  UTILS_TRACE(8, "Total Length of DNS Suffixes: ", total);
+  U64 const padded = roundedUpTo8(total);
+  UTILS_TRACE(8, "Total Length of DNS Suffixes after padding: ", padded);
+  UTILS_TRACE(8, "PktBufSize: ", pktBufSize);
+  if (pktBufSize < msgLen + padded) {
+    traceCouldNotCopy("dnsSuffixes", msgLen + padded, pktBufSize);
+    return 0;
+  }
+
+  auto& option = *reinterpret_cast<Icmp6HdrDnsslOption*>(buf + msgLen);
+  option.reserved = 0;
+  option.lifetime = lifetime;
+  msgLen += sizeof option;
+  U64 const start = msgLen;
+  for (DNSSuffixConfigEntry const& entry : intfConfig->dnsSuffixes().frozen()) {
+    if (entry.validLifetime(intfLifetime) == lifetime) encodeDNSSuffix(buf, msgLen, pktBufSize, entry.suffix());
+    visited.visitedIs(lifetime, true);
+  }
+  UTILS_TRACE(8, "MsgLenBforeDnsSuffixes: ", start, "MsgLenAfterDnsSuffixes:", msgLen);
+  closeOption(buf, msgLen, start, option);
+  return 1;
+}
+
+void copyDNSSuffixesToRaMsgBuf(U8* buf, U64& msgLen, U64 pktBufSize, Ptr<IntfConfig const> const& intfConfig) {
+  U32 const intfLifetime = intfConfig->validDnsSuffixesLifetime();
+  UTILS_TRACE(8, "Number of Dns Suffixes: ", intfConfig->dnsSuffixes().size(), "intf lifetime: ", intfLifetime);
+  LifeTimeHashMap visited;
+  for (DNSSuffixConfigEntry const& entry : intfConfig->dnsSuffixes().frozen()) {
+    U32 const lifetime = entry.validLifetime(intfLifetime);
+    bool const done = visited.visited(lifetime);
+    UTILS_TRACE(8, "dnsSuffixLifetime: ", lifetime, "visited: ", done);
+    if (!done) copyDNSSuffixesWithSameLifeTimeToRaMsgBuf(buf, msgLen, pktBufSize, lifetime, intfConfig, visited);
+  }
+}
+
+}  // namespace RouterAdvt

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
+#include <RouterPlatform/Trace/Trace.h>
+
+#include <string_view>
+
+/// What the option writers share. A writer takes the frame's first octet and `msgLen`, the octets written so far, which
+/// it advances. The frame's buffer is zero-filled; it ends at `pktBufSize`, behind which there is tail room.
+namespace RouterAdvt {
+
+inline constexpr char const* utilsSource = "Ipv6RouterAdvt/RouterAdvtUtils";
+
+/// Messages of everything that builds and reads packets.
+extern Trace::Handle const utilsTrace;
+
+/// A message of the packet functions; its parts are evaluated only when the level is enabled.
+#define UTILS_TRACE(level, ...) \
+  TRACE_AT(::RouterAdvt::utilsTrace, level, ::Trace::Location::here(::RouterAdvt::utilsSource), __VA_ARGS__)
+
+/// Says that something was left out, with the two lengths that were compared.
+inline void traceCouldNotCopy(std::string_view what, U64 length, U64 pktBufSize,
+                              Trace::Location place = Trace::Location::here(utilsSource)) {
+  TRACE_AT(utilsTrace, 3, place, "Could not copy ", what, " as msgLen ( ", length, " ) > pktBufSize > ( ", pktBufSize,
+           ")");
+}
+
+/// Takes the next `sizeof(Option)` octets for an option's fixed part and sets its type. What is not written stays as it
+/// is in the buffer.
+template <class Option>
+Option& appendOption(U8* buf, U64& msgLen, U8 type) {
+  auto& option = *reinterpret_cast<Option*>(buf + msgLen);
+  msgLen += sizeof(Option);
+  option.type = type;
+  return option;
+}
+
+}  // namespace RouterAdvt
