@@ -1,7 +1,10 @@
 #pragma once
 
-/// The model: what to advertise.
+/// The model: what to advertise, what was received, and what the agent publishes.
 #include <Ipv6RouterAdvt/RouterAdvt/Config.h>
 #include <Ipv6RouterAdvt/RouterAdvt/Factories.h>
 #include <Ipv6RouterAdvt/RouterAdvt/LifeTimeHashMap.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PrefixDefault.h>
+#include <Ipv6RouterAdvt/RouterAdvt/RaPacketStatus.h>
+#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborStatus.h>
+#include <Ipv6RouterAdvt/RouterAdvt/Status.h>

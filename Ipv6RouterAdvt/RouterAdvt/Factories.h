@@ -3,6 +3,11 @@
 #include <Ipv6RouterAdvt/Export.h>
 #include <Ipv6RouterAdvt/RouterAdvt/Config.h>
 #include <Ipv6RouterAdvt/RouterAdvt/IntfConfig.h>
+#include <Ipv6RouterAdvt/RouterAdvt/IntfStatus.h>
+#include <Ipv6RouterAdvt/RouterAdvt/ProcFileDirDataSet.h>
+#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborStatus.h>
+#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighbors.h>
+#include <Ipv6RouterAdvt/RouterAdvt/Status.h>
 
 /// Entities that stand on their own. Each call makes a new one, every attribute at its default, notification active,
 /// and returns the only reference to it. Throws std::bad_alloc, having undone everything.
@@ -10,5 +15,10 @@ namespace RouterAdvt {
 
 ROUTER_ADVT_EXPORT Ptr<Config> configFactory(Name name);
 ROUTER_ADVT_EXPORT Ptr<IntfConfig> intfConfigFactory(IntfId intfId);
+ROUTER_ADVT_EXPORT Ptr<Status> statusFactory(Name name);
+ROUTER_ADVT_EXPORT Ptr<IntfStatus> intfStatusFactory(IntfId intfId);
+ROUTER_ADVT_EXPORT Ptr<ProcFileDirDataSet> procFileDirDataSetFactory(Name name);
+ROUTER_ADVT_EXPORT Ptr<RouterNeighborStatus> routerNeighborStatusFactory(Name name);
+ROUTER_ADVT_EXPORT Ptr<RouterNeighbors> routerNeighborsFactory(IntfId intfId);
 
 }  // namespace RouterAdvt

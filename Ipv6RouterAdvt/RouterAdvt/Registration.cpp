@@ -1,6 +1,9 @@
 #include <Ipv6RouterAdvt/RouterAdvt/Config.h>
 #include <Ipv6RouterAdvt/RouterAdvt/LifeTimeHashMap.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PrefixDefault.h>
+#include <Ipv6RouterAdvt/RouterAdvt/RaPacketStatus.h>
+#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborStatus.h>
+#include <Ipv6RouterAdvt/RouterAdvt/Status.h>
 #include <RouterPlatform/Fwk/TypeRegistry.h>
 
 namespace RouterAdvt {
@@ -11,14 +14,23 @@ namespace {
 struct Registration {
   Registration() {
     for (Fwk::TypeRecord const* type : {
+             &Status::typeRecord(),
+             &RaPacketStatus::typeRecord(),
+             &RouterNeighbor::typeRecord(),
              &PrefixDefault::typeRecord(),
+             &RouterNeighborStatus::typeRecord(),
              &PrefixProfileEntry::typeRecord(),
              &PrefixConfigEntry::typeRecord(),
+             &RaPacket::typeRecord(),
              &IntfConfig::typeRecord(),
              &LifeTimeHashMap::typeRecord(),
              &DNSServerConfigEntry::typeRecord(),
              &DNSSuffixConfigEntry::typeRecord(),
+             &RaPacketPrefixInfo::typeRecord(),
+             &ProcFileDirDataSet::typeRecord(),
              &Config::typeRecord(),
+             &IntfStatus::typeRecord(),
+             &RouterNeighbors::typeRecord(),
          })
       Fwk::typeRegistry().add(*type);
   }

@@ -1,0 +1,16 @@
+#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborStatus.h>
+#include <RouterPlatform/Fwk/Attributes.h>
+
+namespace RouterAdvt {
+
+Fwk::TypeRecord const& RouterNeighborStatus::typeRecord() {
+  using namespace Fwk;
+  static constinit LiveCount live;
+  static constexpr auto attrs =
+      attributes<RouterNeighborStatus>(collection<&RouterNeighborStatus::routerNeighbor_>("routerNeighbor"),
+                                       collection<&RouterNeighborStatus::neighbor_>("neighbor"));
+  static constexpr TypeRecord record = entityRecord<RouterNeighborStatus, Name>(attrs, live);
+  return record;
+}
+
+}  // namespace RouterAdvt
