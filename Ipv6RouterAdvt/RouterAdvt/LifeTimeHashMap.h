@@ -12,6 +12,10 @@ class ROUTER_ADVT_EXPORT LifeTimeHashMap {
   // As many DNS options as ever fit into one advertisement have room without allocation.
   using Visited = Fwk::OrderedMap<U32, bool, 96, 96>;
 
+  LifeTimeHashMap() = default;
+  /// The text form of a value that holds a collection cannot be read: calling this stops the process.
+  LifeTimeHashMap(String::IteratorConst& pos, String::IteratorConst const& end);
+
   /// Lifetimes in seconds to whether they were visited.
   Visited const& visited() const { return visited_; }
   /// False for a lifetime that is not there.
@@ -34,5 +38,9 @@ class ROUTER_ADVT_EXPORT LifeTimeHashMap {
  private:
   Visited visited_;
 };
+
+/// The text form: `None`, whatever is stored.
+ROUTER_ADVT_EXPORT String valueToStrep(LifeTimeHashMap const& value);
+ROUTER_ADVT_EXPORT std::ostream& operator<<(std::ostream& out, LifeTimeHashMap const& value);
 
 }  // namespace RouterAdvt

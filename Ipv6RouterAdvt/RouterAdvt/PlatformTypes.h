@@ -5,6 +5,7 @@
 #include <RouterPlatform/Fwk/Entity.h>
 #include <RouterPlatform/Fwk/Name.h>
 #include <RouterPlatform/Fwk/Ptr.h>
+#include <RouterPlatform/Fwk/TextForm.h>
 #include <RouterPlatform/Fwk/TypeRecord.h>
 #include <RouterPlatform/Ip6/IntfStatus.h>
 #include <RouterPlatform/Ip6/VirtualRouterStatusV6.h>
@@ -14,6 +15,8 @@
 #include <RouterPlatform/Net/Ip6Addr.h>
 #include <RouterPlatform/Net/Ip6AddrWithMask.h>
 #include <RouterPlatform/Net/VrfName.h>
+
+#include <iosfwd>
 
 namespace Net {
 class Pkt;
@@ -26,6 +29,7 @@ using Fwk::AttrId;
 using Fwk::Name;
 using Fwk::Ptr;
 using Fwk::S32;
+using Fwk::strepToValue;
 using Fwk::String;
 using Fwk::U16;
 using Fwk::U32;

@@ -8,6 +8,10 @@ namespace RouterAdvt {
 /// The built-in prefix parameters. A value without stored attributes: any two are equal.
 class ROUTER_ADVT_EXPORT PrefixDefault {
  public:
+  constexpr PrefixDefault() = default;
+  /// Reads the text form, which is empty: `pos` stays where it is.
+  PrefixDefault(String::IteratorConst& pos, String::IteratorConst const& end);
+
   static constexpr bool noAdvertise() { return false; }
   static constexpr U32 validLifetime() { return 2592000; }     ///< seconds: 30 days
   static constexpr U32 preferredLifetime() { return 604800; }  ///< seconds: 7 days
@@ -19,5 +23,9 @@ class ROUTER_ADVT_EXPORT PrefixDefault {
   static constexpr char const* fwkTypeName = "RouterAdvt::PrefixDefault";
   static Fwk::TypeRecord const& typeRecord();
 };
+
+/// The text form: empty.
+ROUTER_ADVT_EXPORT String valueToStrep(PrefixDefault const& value);
+ROUTER_ADVT_EXPORT std::ostream& operator<<(std::ostream& out, PrefixDefault const& value);
 
 }  // namespace RouterAdvt

@@ -33,6 +33,9 @@ class ROUTER_ADVT_EXPORT RaPacket {
   /// A packet that arrived on `intfId`; everything else at its default, no prefixes.
   explicit RaPacket(IntfId intfId) : intfId_(intfId) {}
 
+  /// The text form of a value that holds a collection cannot be read: calling this stops the process.
+  RaPacket(String::IteratorConst& pos, String::IteratorConst const& end);
+
   /// Interface on which the advertisement arrived; the packet's key in `RaPacketStatus`.
   IntfId intfId() const { return intfId_; }
 
@@ -96,6 +99,20 @@ class ROUTER_ADVT_EXPORT RaPacket {
   static constexpr char const* fwkTypeName = "RouterAdvt::RaPacket";
   static Fwk::TypeRecord const& typeRecord();
 
+  static constexpr auto storedAttributes() {
+    return std::tuple(Fwk::StoredAttribute{"intfId", &RaPacket::intfId_},
+                      Fwk::StoredAttribute{"curHopLimit", &RaPacket::curHopLimit_},
+                      Fwk::StoredAttribute{"managedConfigFlag", &RaPacket::managedConfigFlag_},
+                      Fwk::StoredAttribute{"otherConfigFlag", &RaPacket::otherConfigFlag_},
+                      Fwk::StoredAttribute{"reachableTime", &RaPacket::reachableTime_},
+                      Fwk::StoredAttribute{"retransTimer", &RaPacket::retransTimer_},
+                      Fwk::StoredAttribute{"mtuSpecified", &RaPacket::mtuSpecified_},
+                      Fwk::StoredAttribute{"mtu", &RaPacket::mtu_},
+                      Fwk::StoredAttribute{"srcIp6Addr", &RaPacket::srcIp6Addr_},
+                      Fwk::StoredAttribute{"routerLifeTime", &RaPacket::routerLifeTime_},
+                      Fwk::StoredAttribute{"prefixInfo", &RaPacket::prefixInfo_});
+  }
+
  private:
   IntfId intfId_;
   U8 curHopLimit_ = 0;
@@ -109,5 +126,9 @@ class ROUTER_ADVT_EXPORT RaPacket {
   U16 routerLifeTime_ = 0;
   PrefixInfo prefixInfo_;
 };
+
+/// The text form. Prefixes are not shown: they print as `None`.
+ROUTER_ADVT_EXPORT String valueToStrep(RaPacket const& value);
+ROUTER_ADVT_EXPORT std::ostream& operator<<(std::ostream& out, RaPacket const& value);
 
 }  // namespace RouterAdvt

@@ -21,6 +21,9 @@ class ROUTER_ADVT_EXPORT RaPacketPrefixInfo {
   /// Of that prefix; flags clear, lifetimes 0.
   explicit RaPacketPrefixInfo(Ip6AddrWithMask const& prefix) : prefix_(prefix) {}
 
+  /// Reads the text form at `pos` and moves `pos` behind it. Throws `Fwk::ParseError`.
+  RaPacketPrefixInfo(String::IteratorConst& pos, String::IteratorConst const& end);
+
   /// Prefix and Prefix Length, bits behind the length included. The length is what was received, above 128 too.
   Ip6AddrWithMask prefix() const { return prefix_; }
 
@@ -45,6 +48,14 @@ class ROUTER_ADVT_EXPORT RaPacketPrefixInfo {
   static constexpr char const* fwkTypeName = "RouterAdvt::RaPacketPrefixInfo";
   static Fwk::TypeRecord const& typeRecord();
 
+  static constexpr auto storedAttributes() {
+    return std::tuple(Fwk::StoredAttribute{"prefix", &RaPacketPrefixInfo::prefix_},
+                      Fwk::StoredAttribute{"onLinkFlag", &RaPacketPrefixInfo::onLinkFlag_},
+                      Fwk::StoredAttribute{"autoConfigFlag", &RaPacketPrefixInfo::autoConfigFlag_},
+                      Fwk::StoredAttribute{"validLifetime", &RaPacketPrefixInfo::validLifetime_},
+                      Fwk::StoredAttribute{"preferredLifetime", &RaPacketPrefixInfo::preferredLifetime_});
+  }
+
  private:
   Ip6AddrWithMask prefix_;
   bool onLinkFlag_ = false;
@@ -52,5 +63,9 @@ class ROUTER_ADVT_EXPORT RaPacketPrefixInfo {
   U32 validLifetime_ = 0;
   U32 preferredLifetime_ = 0;
 };
+
+/// The text form.
+ROUTER_ADVT_EXPORT String valueToStrep(RaPacketPrefixInfo const& value);
+ROUTER_ADVT_EXPORT std::ostream& operator<<(std::ostream& out, RaPacketPrefixInfo const& value);
 
 }  // namespace RouterAdvt

@@ -19,6 +19,9 @@ class ROUTER_ADVT_EXPORT RouterNeighbor {
   RouterNeighbor(IntfId intfId, VrfName const& vrf, Ip6Addr const& linkLocalAddr)
       : intfId_(intfId), vrf_(vrf), linkLocalAddr_(linkLocalAddr) {}
 
+  /// Reads the text form at `pos` and moves `pos` behind it. Throws `Fwk::ParseError`.
+  RouterNeighbor(String::IteratorConst& pos, String::IteratorConst const& end);
+
   /// Interface on which the router was heard; the value's key in `RouterNeighborStatus`.
   IntfId intfId() const { return intfId_; }
   /// VRF of that interface; empty: the default one.
@@ -33,10 +36,20 @@ class ROUTER_ADVT_EXPORT RouterNeighbor {
   static constexpr char const* fwkTypeName = "RouterAdvt::RouterNeighbor";
   static Fwk::TypeRecord const& typeRecord();
 
+  static constexpr auto storedAttributes() {
+    return std::tuple(Fwk::StoredAttribute{"intfId", &RouterNeighbor::intfId_},
+                      Fwk::StoredAttribute{"vrf", &RouterNeighbor::vrf_},
+                      Fwk::StoredAttribute{"linkLocalAddr", &RouterNeighbor::linkLocalAddr_});
+  }
+
  private:
   IntfId intfId_;
   VrfName vrf_;
   Ip6Addr linkLocalAddr_;
 };
+
+/// The text form.
+ROUTER_ADVT_EXPORT String valueToStrep(RouterNeighbor const& value);
+ROUTER_ADVT_EXPORT std::ostream& operator<<(std::ostream& out, RouterNeighbor const& value);
 
 }  // namespace RouterAdvt

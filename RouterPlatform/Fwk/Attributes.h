@@ -3,6 +3,7 @@
 #include <RouterPlatform/Fwk/Collections.h>
 #include <RouterPlatform/Fwk/Entity.h>
 #include <RouterPlatform/Fwk/TextCodec.h>
+#include <RouterPlatform/Fwk/TextForm.h>
 #include <RouterPlatform/Fwk/TypeRecord.h>
 
 #include <array>
@@ -398,10 +399,39 @@ constexpr TypeRecord entityRecord(std::span<AttributeRecord const> attributes, L
   return record;
 }
 
-/// The record of value type `T`.
+namespace detail {
+
+template <class T>
+struct ValueTypeOperations {
+  static T const& as(void const* value) { return *static_cast<T const*>(value); }
+  static U64 hash(void const* value, U64 seed) {
+    if constexpr (requires { as(value).hash(seed); }) return as(value).hash(seed);
+    return seed;
+  }
+  static constexpr bool isKey = requires(T const& value) { value.hash(U64{}); };
+
+  static constexpr ValueTypeRecord record{
+      sizeof(T),
+      alignof(T),
+      [](void* room) { std::construct_at(static_cast<T*>(room)); },
+      [](void* value) { std::destroy_at(static_cast<T*>(value)); },
+      [](void* value, void const* from) { *static_cast<T*>(value) = as(from); },
+      [](void const* a, void const* b) { return as(a) == as(b); },
+      isKey ? &hash : nullptr,
+      [](void const* value) { return valueToStrep(as(value)); },
+      [](String const& text, void* value) { *static_cast<T*>(value) = strepToValue<T>(text, nullptr); },
+  };
+};
+
+}  // namespace detail
+
+/// The record of value type `T`, which is default-constructible and has a text form: `valueToStrep` in its namespace
+/// and a constructor that reads it.
 template <class T>
 constexpr TypeRecord valueRecord(std::span<AttributeRecord const> attributes) {
-  return TypeRecord{T::fwkTypeName, TypeKind::value, attributes};
+  TypeRecord record{T::fwkTypeName, TypeKind::value, attributes};
+  record.value = &detail::ValueTypeOperations<T>::record;
+  return record;
 }
 
 }  // namespace Fwk

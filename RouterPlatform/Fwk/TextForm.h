@@ -111,13 +111,22 @@ class ROUTER_PLATFORM_EXPORT TextFormReader {
       return readQuoted(name);
     } else {
       std::size_t const at = offset();
-      std::optional<T> const value = T::parse(readQuoted(name));
+      std::optional<T> const value = parsePrinted<T>(readQuoted(name));
       if (!value || value->toString() != lastQuoted_) throw ParseError(name, at, T::textTypeName);
       return *value;
     }
   }
 
  private:
+  /// What printing gives can be more than what a user may write: a received value is kept as it came.
+  template <class T>
+  static std::optional<T> parsePrinted(std::string_view text) {
+    if constexpr (requires { T::parsePrinted(text); })
+      return T::parsePrinted(text);
+    else
+      return T::parse(text);
+  }
+
   std::size_t offset() const { return static_cast<std::size_t>(pos_ - start_); }
   std::string_view rest() const { return {std::to_address(pos_), static_cast<std::size_t>(end_ - pos_)}; }
   bool readBool(char const* name);

@@ -143,6 +143,21 @@ struct AttributeRecord {
 
 enum class TypeKind : U8 { entity, value };
 
+/// Generic handling of a value type's objects by address. Nothing here notifies anybody.
+struct ValueTypeRecord {
+  std::size_t size;
+  std::size_t alignment;
+  void (*construct)(void* room);  ///< a default value
+  void (*destruct)(void* value);
+  void (*assign)(void* value, void const* from);
+  bool (*equal)(void const* a, void const* b);
+  U64 (*hash)(void const* value, U64 seed);  ///< null unless the type is a key
+  String (*text)(void const* value);         ///< the text form
+  /// Assigns the value that `text` is the form of. Throws `ParseError`. A type that holds a collection cannot be read:
+  /// to try stops the process.
+  void (*parse)(String const& text, void* value);
+};
+
 /// What is known of a type at run time. Immutable; registered by name in the type registry.
 struct TypeRecord {
   char const* name;  ///< qualified: `RouterAdvt::IntfConfig`
@@ -151,7 +166,8 @@ struct TypeRecord {
 
   /// Entities: makes one from the plain text of its key; the result is null when the text is not a key.
   Ptr<Entity> (*create)(std::string_view key) = nullptr;
-  LiveCount* liveCount = nullptr;  ///< entities
+  LiveCount* liveCount = nullptr;          ///< entities
+  ValueTypeRecord const* value = nullptr;  ///< value types
 
   /// The attribute with that identifier or name, the base attributes of entities included; null when there is none.
   ROUTER_PLATFORM_EXPORT AttributeRecord const* attribute(AttrId id) const noexcept;

@@ -22,12 +22,12 @@ Ip6Addr masked(Ip6Addr const& address, U8 maskLen) noexcept {
   return Ip6Addr::fromBytes(octets);
 }
 
-/// A decimal number from 0 to 128, without sign or leading zero.
+/// A decimal number from 0 to 255, without sign or leading zero.
 std::optional<U8> parseMaskLen(std::string_view text) noexcept {
   U8 value = 0;
   auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
-  if (value > Ip6AddrWithMask::maxMaskLen || (text.size() > 1 && text[0] == '0')) return std::nullopt;
+  if (text.size() > 1 && text[0] == '0') return std::nullopt;
   return value;
 }
 
@@ -40,6 +40,11 @@ Ip6AddrWithMask::Ip6AddrWithMask(std::string_view text) {
 }
 
 std::optional<Ip6AddrWithMask> Ip6AddrWithMask::parse(std::string_view text) noexcept {
+  auto const value = parsePrinted(text);
+  return value && value->maskLen() <= maxMaskLen ? value : std::nullopt;
+}
+
+std::optional<Ip6AddrWithMask> Ip6AddrWithMask::parsePrinted(std::string_view text) noexcept {
   auto const slash = text.find('/');
   if (slash == std::string_view::npos) return std::nullopt;
   auto const address = Ip6Addr::parse(text.substr(0, slash));

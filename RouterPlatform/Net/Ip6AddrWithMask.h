@@ -20,6 +20,8 @@ class ROUTER_PLATFORM_EXPORT Ip6AddrWithMask {
   explicit Ip6AddrWithMask(std::string_view text);
 
   static std::optional<Ip6AddrWithMask> parse(std::string_view text) noexcept;
+  /// The same for what was printed from a received value: the mask length may be up to 255.
+  static std::optional<Ip6AddrWithMask> parsePrinted(std::string_view text) noexcept;
   void appendTo(std::string& out) const;
   Fwk::String toString() const;
 
