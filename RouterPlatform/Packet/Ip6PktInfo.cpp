@@ -4,7 +4,6 @@
 #include <RouterPlatform/Packet/FreeList.h>
 
 #include <mutex>
-#include <optional>
 
 namespace Net {
 
@@ -13,25 +12,24 @@ using Octets = std::span<U8 const>;
 
 namespace {
 
-/// A copy of the header at `offset`, or nothing when not all of it is there.
+/// The header at `offset`, or null when not all of it is there.
 template <class Header>
-std::optional<Header> headerAt(Octets octets, U64 offset) {
-  if (offset > octets.size() || sizeof(Header) > octets.size() - offset) return std::nullopt;
-  Header header;
-  std::memcpy(static_cast<void*>(&header), octets.data() + offset, sizeof header);
-  return header;
+Header const* headerAt(Octets octets, U64 offset) {
+  static_assert(alignof(Header) == 1);
+  if (offset > octets.size() || sizeof(Header) > octets.size() - offset) return nullptr;
+  return reinterpret_cast<Header const*>(octets.data() + offset);
 }
 
 bool isTag(U16 etherType) { return etherType == EtherType::customerTag || etherType == EtherType::serviceTag; }
 
 /// Finds where the IPv6 header of an Ethernet frame begins.
 Reason locateIp6(Octets frame, U64& ip6Offset) {
-  auto const ethernet = headerAt<EthernetHdr>(frame, 0);
+  auto const* const ethernet = headerAt<EthernetHdr>(frame, 0);
   if (!ethernet) return Reason::truncated;
   U16 etherType = ethernet->etherType;
   ip6Offset = sizeof *ethernet;
   while (isTag(etherType)) {
-    auto const tag = headerAt<EthernetTagHdr>(frame, ip6Offset);
+    auto const* const tag = headerAt<EthernetTagHdr>(frame, ip6Offset);
     if (!tag) return Reason::truncated;
     etherType = tag->etherType;
     ip6Offset += sizeof *tag;
@@ -39,15 +37,13 @@ Reason locateIp6(Octets frame, U64& ip6Offset) {
   return etherType == EtherType::ip6 ? Reason::none : Reason::notIp6;
 }
 
-/// Reads the IPv6 header at the start of `packet`; none, or why the packet is of no use.
-Reason readIp6Hdr(Octets packet, Ip6Hdr& header) {
+/// Finds the IPv6 header at the start of `packet`; none, or why the packet is of no use.
+Reason findIp6Hdr(Octets packet, Ip6Hdr const*& header) {
   if (packet.empty()) return Reason::truncated;
   if (packet[0] >> 4 != Ip6Hdr::version6) return Reason::notIp6;
-  auto const read = headerAt<Ip6Hdr>(packet, 0);
-  if (!read) return Reason::truncated;
-  header = *read;
-  if (header.payloadLength > packet.size() - sizeof header) return Reason::truncated;
-  return header.payloadLength == 0 ? Reason::emptyPayload : Reason::none;
+  header = headerAt<Ip6Hdr>(packet, 0);
+  if (!header || header->payloadLength > packet.size() - sizeof *header) return Reason::truncated;
+  return header->payloadLength == 0 ? Reason::emptyPayload : Reason::none;
 }
 
 /// Passes over the extension headers at the start of `payload` and finds where the ICMPv6 message begins. Every round
@@ -65,7 +61,7 @@ Reason locateIcmp6(Octets payload, U8 nextHeader, U64& icmp6Offset) {
       default:
         return Reason::notIcmp6;
     }
-    auto const extension = headerAt<Ip6ExtensionHdr>(payload, icmp6Offset);
+    auto const* const extension = headerAt<Ip6ExtensionHdr>(payload, icmp6Offset);
     if (!extension) return Reason::badExtension;
     U64 const size = (U64{extension->hdrExtLen} + 1) * 8;
     if (size > payload.size() - icmp6Offset) return Reason::badExtension;
@@ -87,20 +83,20 @@ Fwk::Ptr<Pkt> copied(Octets octets, U64 icmp6Offset, PktManager& manager) {
 
 /// From octets in which the IPv6 header begins at `ip6Offset`.
 Ip6PktInfo::Result fromIp6At(Octets octets, U64 ip6Offset, PktManager& manager) {
-  Ip6Hdr header;
+  Ip6Hdr const* header = nullptr;
   Octets const packet = octets.subspan(ip6Offset);
-  if (Reason const reason = readIp6Hdr(packet, header); reason != Reason::none) return {nullptr, reason};
+  if (Reason const reason = findIp6Hdr(packet, header); reason != Reason::none) return {nullptr, reason};
   U64 icmp6Offset = 0;
-  Octets const payload = packet.subspan(sizeof header, header.payloadLength);
-  if (Reason const reason = locateIcmp6(payload, header.nextHeader, icmp6Offset); reason != Reason::none)
+  Octets const payload = packet.subspan(sizeof *header, header->payloadLength);
+  if (Reason const reason = locateIcmp6(payload, header->nextHeader, icmp6Offset); reason != Reason::none)
     return {nullptr, reason};
 
-  U64 const payloadOffset = ip6Offset + sizeof header;
+  U64 const payloadOffset = ip6Offset + sizeof *header;
   auto pkt = copied(octets.first(payloadOffset + payload.size()), payloadOffset + icmp6Offset, manager);
   if (!pkt) return {nullptr, Reason::noPacket};
   pkt->ip6HdrOffsetIs(ip6Offset);
-  return {Ip6PktInfo::make(std::move(pkt), Ip6Addr::fromBytes(header.sourceAddress),
-                           Ip6Addr::fromBytes(header.destinationAddress), header.hopLimit),
+  return {Ip6PktInfo::make(std::move(pkt), Ip6Addr::fromBytes(header->sourceAddress),
+                           Ip6Addr::fromBytes(header->destinationAddress), header->hopLimit),
           Reason::none};
 }
 

@@ -3,6 +3,7 @@
 #include <RouterPlatform/Export.h>
 #include <RouterPlatform/Packet/NetInt.h>
 
+#include <bit>
 #include <cstddef>
 
 namespace Net {
@@ -26,9 +27,18 @@ class ROUTER_PLATFORM_EXPORT IpChecksumAccumulator {
  public:
   /// Up to 2^34 octets in all.
   void add(void const* data, std::size_t size) noexcept;
-  IpChecksum result() const noexcept;
+
+  IpChecksum result() const noexcept {
+    U64 const lowHalves = words_ - (highHalves_ << 32);
+    U64 sum = foldedOnce(foldedOnce(lowHalves, 32) + foldedOnce(highHalves_, 32), 32);
+    sum = foldedOnce(foldedOnce(sum, 16), 16);
+    // The sum's octets are in the order in which they were loaded, whatever that is, RFC 1071 2 (B).
+    return IpChecksum(std::bit_cast<NetU16>(static_cast<U16>(~sum)));
+  }
 
  private:
+  static constexpr U64 foldedOnce(U64 sum, int bits) { return (sum >> bits) + (sum & ((U64{1} << bits) - 1)); }
+
   // Any sum that is equal modulo 2^16 - 1 will do: both hold sums of 64-bit words, one of the whole words, one of
   // their high halves.
   U64 words_ = 0;
