@@ -1,0 +1,60 @@
+#pragma once
+
+#include <RouterPlatform/SharedTable/Error.h>
+#include <RouterPlatform/SharedTable/Memory.h>
+
+#include <sys/types.h>
+
+#include <atomic>
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// What tables ask of the operating system: directories and files that can be trusted, locks, waiting.
+namespace SharedTable::FileIo {
+
+/// Who may own a table and its directories, besides root and this process's effective user.
+using Owner = std::optional<uid_t>;
+
+/// $SHARED_TABLE_DIR, or /dev/shm/router-shared-tables. The variable is ignored in a set-user-id program.
+std::string tableDirectory();
+/// `directory`, or the above if it is empty; without slashes at the end, which would follow a symbolic link.
+std::string directoryOr(std::string directory);
+
+/// Whether `mountPath` is names joined by single slashes, and `collection` one name. A name is not empty, does not
+/// begin with a dot, and has neither slash nor NUL.
+bool namesAreSound(std::string_view mountPath, std::string_view collection) noexcept;
+
+/// The error of a system call on `what`.
+Error systemFailure(int systemError, std::string const& what);
+
+/// Opens the directory of a mount path, component by component, following no symbolic link. `create` makes what is
+/// missing, mode 0755. Every component has a trusted owner and cannot be written by others.
+Error openDirectory(std::string const& base, std::string_view mountPath, bool create, Owner owner, Fd& out);
+
+/// Opens a regular file of a trusted owner that others cannot write; follows no symbolic link.
+Error openTrusted(Fd const& directory, std::string const& name, int flags, Owner owner, Fd& out);
+
+/// Whether `name` in `directory` is the very file that `file` has open.
+bool namesFile(Fd const& directory, std::string const& name, int file) noexcept;
+
+/// A write lock on the file, bound to the open file description: it ends with the last descriptor of it, so with the
+/// process at the latest. False: somebody else holds a lock.
+bool lockForWriting(int file) noexcept;
+/// Whether somebody else holds a write lock on the file. A lock for reading, which anybody may place, does not count.
+bool isLockedForWriting(int file) noexcept;
+
+/// Sleeps while `word` is `value`, at most `milliseconds`. Works on a read-only mapping of a file.
+void wait(std::atomic<U32> const& word, U32 value, int milliseconds) noexcept;
+/// Wakes everybody who waits on `word`, in any process; how many.
+int wakeAll(std::atomic<U32> const& word) noexcept;
+
+std::array<U8, 16> bootId() noexcept;
+/// Start of this process, clock ticks since boot.
+U64 processStartTime() noexcept;
+U64 realtime() noexcept;
+/// The same clock as of the last tick: cheaper by the cost of reading the hardware.
+U64 coarseRealtime() noexcept;
+void fillRandom(void* out, std::size_t size) noexcept;
+
+}  // namespace SharedTable::FileIo

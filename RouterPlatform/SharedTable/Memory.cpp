@@ -1,0 +1,59 @@
+#include <RouterPlatform/SharedTable/Memory.h>
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+namespace SharedTable {
+
+Fd::~Fd() {
+  if (fd_ >= 0) close(fd_);
+}
+
+Memory::~Memory() {
+  if (base_) munmap(base_, size_);
+}
+
+int Memory::map(U64 size, int protection, int flags) noexcept {
+  void* const base = mmap(nullptr, size, protection, flags, fd_.get(), 0);
+  if (base == MAP_FAILED) return errno;
+  base_ = static_cast<std::byte*>(base);
+  size_ = size;
+  return 0;
+}
+
+int Memory::mapPrivate(U64 size) noexcept { return map(size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE); }
+
+int Memory::mapFile(Fd file, U64 size) noexcept {
+  if (ftruncate(file.get(), static_cast<off_t>(size)) != 0) return errno;
+  fd_ = std::move(file);
+  return map(size, PROT_READ | PROT_WRITE, MAP_SHARED);
+}
+
+int Memory::mapReadOnly(Fd file, U64 size) noexcept {
+  fd_ = std::move(file);
+  return map(size, PROT_READ, MAP_SHARED);
+}
+
+int Memory::reserve(U64 offset, U64 size) noexcept {
+  if (!isFile()) {
+    U64 const page = static_cast<U64>(sysconf(_SC_PAGESIZE));
+    U64 const begin = offset / page * page;
+    return mprotect(base_ + begin, offset + size - begin, PROT_READ | PROT_WRITE) == 0 ? 0 : errno;
+  }
+  // In pieces: a signal makes tmpfs give back what the interrupted call had allocated.
+  constexpr U64 piece = U64{1} << 20;
+  for (U64 const end = offset + size; offset < end;) {
+    U64 const length = std::min(piece, end - offset);
+    int const error = posix_fallocate(fd_.get(), static_cast<off_t>(offset), static_cast<off_t>(length));
+    if (error == EINTR) continue;
+    if (error != 0) return error;
+    offset += length;
+  }
+  return 0;
+}
+
+}  // namespace SharedTable

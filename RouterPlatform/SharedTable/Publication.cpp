@@ -1,0 +1,87 @@
+#include <RouterPlatform/SharedTable/Format.h>
+#include <RouterPlatform/SharedTable/Publication.h>
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+
+namespace SharedTable {
+namespace {
+
+/// Marks a file that a writer left without a word, and wakes its readers so that they find the new one.
+void retireFormer(Fd const& file) noexcept {
+  void* const page = mmap(nullptr, headerSize, PROT_READ | PROT_WRITE, MAP_SHARED, file.get(), 0);
+  if (page == MAP_FAILED) return;
+  auto& live = *reinterpret_cast<LiveState*>(static_cast<std::byte*>(page) + liveStateOffset);
+  if (live.retired.load(std::memory_order_relaxed) == 0) {
+    live.retiredTime.store(FileIo::realtime(), std::memory_order_relaxed);
+    // Release; pairs with the acquire load in ReaderCore::isRetired.
+    live.retired.store(retiredMark, std::memory_order_release);
+    live.changeWord.fetch_add(1, std::memory_order_release);
+    FileIo::wakeAll(live.changeWord);
+  }
+  munmap(page, headerSize);
+}
+
+}  // namespace
+
+Error Publication::claim(std::string const& directory, std::string_view mountPath, std::string_view collection) {
+  mountPath_ = mountPath;
+  collection_ = collection;
+  if (!FileIo::namesAreSound(mountPath, collection))
+    return {Errc::badName, 0, path(collection_) + ": not a mount path and collection name"};
+  if (Error error = FileIo::openDirectory(directory, mountPath, true, {}, directory_)) return error;
+  std::string const lockName = collection_ + ".lock";
+  do {
+    if (Error error = FileIo::openTrusted(directory_, lockName, O_RDWR | O_CREAT, {}, lock_)) return error;
+    if (!FileIo::lockForWriting(lock_.get()))
+      return {Errc::secondWriter, EAGAIN, path(collection_) + ": another writer has this table"};
+    // A lock on a file that has lost its name keeps nobody out.
+  } while (!FileIo::namesFile(directory_, lockName, lock_.get()));
+  return {};
+}
+
+Publication::~Publication() {
+  if (building_) unlinkat(directory_.get(), temporaryName().c_str(), 0);
+}
+
+Error Publication::createFile(U64 size, Memory& out) {
+  unlinkat(directory_.get(), temporaryName().c_str(), 0);  // what a killed writer may have left
+  Fd file;
+  if (Error error = FileIo::openTrusted(directory_, temporaryName(), O_RDWR | O_CREAT | O_EXCL, {}, file)) return error;
+  building_ = true;
+  if (int const error = out.mapFile(std::move(file), size)) return FileIo::systemFailure(error, path(temporaryName()));
+  return {};
+}
+
+/// The file that has the name now, if it is a table of ours.
+Fd Publication::openFormer() const {
+  Fd file;
+  if (FileIo::openTrusted(directory_, name(), O_RDWR, {}, file)) return {};
+  std::array<char, 8> magic{};
+  struct stat status {};
+  bool const isTable = fstat(file.get(), &status) == 0 && status.st_size >= static_cast<off_t>(headerSize) &&
+                       pread(file.get(), magic.data(), magic.size(), 0) == 8 && magic == magicText;
+  return isTable ? std::move(file) : Fd();
+}
+
+Error Publication::publish(Memory const& memory, mode_t mode) {
+  Fd const former = openFormer();
+  // Nobody else can have the file open yet, so nobody's lock is in the way: this one tells readers that we live.
+  if (!FileIo::lockForWriting(memory.fd()) || fchmod(memory.fd(), mode & 0755) != 0 ||
+      renameat(directory_.get(), temporaryName().c_str(), directory_.get(), name().c_str()) != 0)
+    return FileIo::systemFailure(errno, path(name()));
+  building_ = false;
+  if (former) retireFormer(former);
+  return {};
+}
+
+void Publication::withdraw(Memory const& memory) noexcept {
+  if (FileIo::namesFile(directory_, name(), memory.fd())) unlinkat(directory_.get(), name().c_str(), 0);
+}
+
+}  // namespace SharedTable

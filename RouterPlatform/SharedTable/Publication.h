@@ -1,0 +1,49 @@
+#pragma once
+
+#include <RouterPlatform/SharedTable/Error.h>
+#include <RouterPlatform/SharedTable/FileIo.h>
+#include <RouterPlatform/SharedTable/Memory.h>
+
+#include <sys/types.h>
+
+#include <string>
+#include <string_view>
+
+namespace SharedTable {
+
+/// A table's place in the file system, held by its one writer: directory, lock, names. It ends with the object.
+class Publication {
+ public:
+  Publication() = default;
+  Publication(Publication const&) = delete;
+  Publication& operator=(Publication const&) = delete;
+  /// An unpublished file goes.
+  ~Publication();
+
+  /// Takes the place: makes the directories and locks `COLLECTION.lock`. `secondWriter` if somebody has it; nothing is
+  /// touched then.
+  Error claim(std::string const& directory, std::string_view mountPath, std::string_view collection);
+
+  /// A new file under a temporary name, `size` octets without space.
+  Error createFile(U64 size, Memory& out);
+
+  /// Gives the finished file its name and mode, and retires the file that had the name before.
+  Error publish(Memory const& memory, mode_t mode);
+
+  /// Removes the name, if it is still that of `memory`.
+  void withdraw(Memory const& memory) noexcept;
+
+ private:
+  std::string name() const { return collection_ + ".tbl"; }
+  std::string temporaryName() const { return "." + collection_ + ".tmp"; }
+  std::string path(std::string const& name) const { return mountPath_ + "/" + name; }
+  Fd openFormer() const;
+
+  std::string mountPath_;
+  std::string collection_;
+  Fd directory_;
+  Fd lock_;
+  bool building_ = false;
+};
+
+}  // namespace SharedTable

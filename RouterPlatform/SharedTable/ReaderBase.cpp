@@ -1,0 +1,169 @@
+#include <RouterPlatform/SharedTable/FileIo.h>
+#include <RouterPlatform/SharedTable/Memory.h>
+#include <RouterPlatform/SharedTable/ReaderBase.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <thread>
+
+namespace SharedTable {
+namespace {
+
+using std::chrono::milliseconds;
+
+/// Longest sleep before the writer is looked after.
+constexpr milliseconds slice{1000};
+/// First sleep of a wait, more than two clock ticks: a writer whose wake woke nobody does not wake again in the same
+/// tick, so what changes right after a wait began may come without a wake.
+constexpr milliseconds firstSlice{25};
+
+constexpr U32 swappedByteOrderMark = 0x04030201;
+
+/// Magic, byte order mark, version, and place and kind of the CRC are the same in all versions.
+Error checkHeader(FixedHeader const& header, RowType const& type, std::string const& path) {
+  if (header.magic != magicText) return {Errc::damaged, 0, path + ": not a table"};
+  if (header.byteOrder == swappedByteOrderMark)
+    return {Errc::incompatible, 0, path + ": written in the other byte order"};
+  if (crc32(&header, offsetof(FixedHeader, crc)) != header.crc)
+    return {Errc::damaged, 0, path + ": the header is damaged"};
+  if (header.version != formatVersion)
+    return {Errc::incompatible, 0, path + ": format version " + std::to_string(header.version)};
+  if (header.layoutHash != type.layoutHash || header.rowSize != type.rowSize || header.keySize != type.keySize)
+    return {Errc::incompatible, 0, path + ": rows of another layout"};
+  return {};
+}
+
+bool geometryIsSound(FixedHeader const& header) noexcept {
+  if (header.maxRows == 0 || header.maxRows > Capacity::largestMaxRows || header.minIndexBits < 3) return false;
+  Geometry const g = Geometry::of(header.rowSize, header.keySize, header.maxRows, header.minIndexBits);
+  return header.minIndexBits <= g.maxIndexBits && header.maxIndexBits == g.maxIndexBits &&
+         header.indexOffset == g.indexOffset && header.slotsOffset == g.slotsOffset && header.fileSize == g.fileSize;
+}
+
+}  // namespace
+
+struct ReaderBase::Attachment {
+  Memory memory;
+  FixedHeader header{};
+  View view;
+  bool writerWasAlive = false;
+};
+
+ReaderBase::ReaderBase(RowType const& type, std::string_view mountPath, std::string_view collection,
+                       ReaderOptions options)
+    : type_(type),
+      owner_(options.owner),
+      directory_(FileIo::directoryOr(std::move(options.directory))),
+      mountPath_(mountPath),
+      collection_(collection),
+      path_(directory_ + "/" + mountPath_ + "/" + collection_ + ".tbl") {}
+
+ReaderBase::~ReaderBase() = default;
+
+bool ReaderBase::attached() const noexcept { return attachment_ != nullptr; }
+void ReaderBase::detach() noexcept { attachment_.reset(); }
+
+View const& ReaderBase::view() const noexcept {
+  static View const none;
+  return attachment_ ? attachment_->view : none;
+}
+
+U32 ReaderBase::count() const noexcept { return attachment_ ? attachment_->view.count().value_or(0) : 0; }
+U64 ReaderBase::changeCount() const noexcept { return attachment_ ? attachment_->view.changeCount() : 0; }
+
+Error ReaderBase::open(std::unique_ptr<Attachment>& out) const {
+  if (!FileIo::namesAreSound(mountPath_, collection_))
+    return {Errc::badName, 0, path_ + ": not a mount path and collection name"};
+  Fd directory;
+  Fd file;
+  if (Error error = FileIo::openDirectory(directory_, mountPath_, false, owner_, directory)) return error;
+  if (Error error = FileIo::openTrusted(directory, collection_ + ".tbl", O_RDONLY, owner_, file)) return error;
+  auto attachment = std::make_unique<Attachment>();
+  FixedHeader& header = attachment->header;
+  ssize_t const size = pread(file.get(), &header, sizeof header, 0);
+  if (size < 0) return FileIo::systemFailure(errno, path_);
+  if (size < static_cast<ssize_t>(sizeof header)) return {Errc::damaged, 0, path_ + ": truncated"};
+  if (Error error = checkHeader(header, type_, path_)) return error;
+  struct stat status {};
+  if (fstat(file.get(), &status) != 0) return FileIo::systemFailure(errno, path_);
+  if (!geometryIsSound(header)) return {Errc::damaged, 0, path_ + ": the header contradicts itself"};
+  if (static_cast<U64>(status.st_size) != header.fileSize) return {Errc::damaged, 0, path_ + ": truncated"};
+  attachment->writerWasAlive = FileIo::isLockedForWriting(file.get());
+  if (int const error = attachment->memory.mapReadOnly(std::move(file), header.fileSize))
+    return FileIo::systemFailure(error, path_);
+  attachment->view = View(attachment->memory.base(), header, type_);
+  out = std::move(attachment);
+  return {};
+}
+
+Error ReaderBase::attach() {
+  detach();
+  return open(attachment_);
+}
+
+/// Acquire; pairs with the release store in WriterCore::retire.
+bool ReaderBase::isRetired() const noexcept {
+  return attachment_->view.live().retired.load(std::memory_order_acquire) != 0;
+}
+
+WriterState ReaderBase::writer() const noexcept {
+  if (!attachment_) return {};
+  LiveState const& live = attachment_->view.live();
+  WriterState state;
+  bool const retired = isRetired();
+  state.alive = !retired && FileIo::isLockedForWriting(attachment_->memory.fd());
+  state.pid = attachment_->header.writerPid;
+  state.createdTime = attachment_->header.createdTime;
+  state.changeTime = live.changeTime.load(std::memory_order_relaxed);
+  if (retired) state.retiredTime = live.retiredTime.load(std::memory_order_relaxed);
+  return state;
+}
+
+/// Whether the name leads to another file than the attached one, or to none.
+bool ReaderBase::isReplaced() const {
+  Fd directory;
+  if (Error error = FileIo::openDirectory(directory_, mountPath_, false, owner_, directory)) return true;
+  return !FileIo::namesFile(directory, collection_ + ".tbl", attachment_->memory.fd());
+}
+
+WaitResult ReaderBase::reattach() { return attach() ? WaitResult::tableGone : WaitResult::attached; }
+
+std::optional<WaitResult> ReaderBase::checkWriter() {
+  if (FileIo::isLockedForWriting(attachment_->memory.fd())) return std::nullopt;
+  if (isReplaced()) return reattach();
+  if (!std::exchange(attachment_->writerWasAlive, false)) return std::nullopt;
+  return WaitResult::writerGone;
+}
+
+WaitResult ReaderBase::wait(U64 seen, milliseconds timeout) {
+  using Clock = std::chrono::steady_clock;
+  auto const deadline = Clock::now() + timeout;
+  milliseconds longest = firstSlice;
+  while (true) {
+    auto const left = std::chrono::ceil<milliseconds>(deadline - Clock::now());
+    milliseconds const sleep = std::min(longest, left);
+    longest = slice;
+    if (!attachment_) {
+      if (!attach()) return WaitResult::attached;
+      if (left <= milliseconds::zero()) return WaitResult::timedOut;
+      std::this_thread::sleep_for(sleep);
+      continue;
+    }
+    LiveState const& live = attachment_->view.live();
+    // Acquire; pairs with the release store in WriterCore::announce. Loaded before the count: if both change after
+    // that, the word is another one and the sleep does not begin.
+    U32 const word = live.changeWord.load(std::memory_order_acquire);
+    if (isRetired()) return reattach();
+    if (changeCount() != seen) return WaitResult::changed;
+    if (left <= milliseconds::zero()) return checkWriter().value_or(WaitResult::timedOut);
+    FileIo::wait(live.changeWord, word, static_cast<int>(sleep.count()));
+    if (live.changeWord.load(std::memory_order_relaxed) != word) continue;
+    if (auto const happened = checkWriter()) return *happened;
+  }
+}
+
+}  // namespace SharedTable

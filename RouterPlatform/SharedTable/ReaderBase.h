@@ -1,0 +1,91 @@
+#pragma once
+
+#include <RouterPlatform/Export.h>
+#include <RouterPlatform/SharedTable/Error.h>
+#include <RouterPlatform/SharedTable/RowType.h>
+#include <RouterPlatform/SharedTable/View.h>
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace SharedTable {
+
+struct ReaderOptions {
+  std::optional<uid_t> owner;  ///< who may own the table, besides root and this process's user
+  std::string directory;       ///< empty: $SHARED_TABLE_DIR, or /dev/shm/router-shared-tables
+};
+
+/// What ended a `wait`.
+enum class WaitResult : U8 {
+  changed,     ///< rows changed
+  timedOut,    ///< nothing happened
+  attached,    ///< another table has the name now and is attached: a writer (re)started; read everything anew
+  writerGone,  ///< no writer is alive any more; the rows are the last ones it left
+  tableGone    ///< the writer ended the table, and there is no other; nothing is attached
+};
+
+/// The writer of the attached table.
+struct WriterState {
+  bool alive = false;
+  U32 pid = 0;          ///< in the writer's own process namespace
+  U64 createdTime = 0;  ///< of the table; nanoseconds of the realtime clock, like the others
+  U64 changeTime = 0;   ///< of the last change, 0: none yet. With a dead writer, its last sign of life
+  U64 retiredTime = 0;  ///< when it ended the table, 0: it did not
+};
+
+/// The part of a `Reader` that knows no row type: finding the table, and waiting.
+class ROUTER_PLATFORM_EXPORT ReaderBase {
+ public:
+  ReaderBase(ReaderBase const&) = delete;
+  ReaderBase& operator=(ReaderBase const&) = delete;
+
+  /// Maps the table that has the name now, read-only. On an error, which says whether there is none, or it is not to be
+  /// trusted, damaged, or of another layout, nothing is attached.
+  Error attach();
+  void detach() noexcept;
+  bool attached() const noexcept;
+
+  /// Rows, as the writer counts them: one off at most while it works. 0 without a table.
+  U32 count() const noexcept;
+
+  /// Committed changes of the attached table; what `wait` compares. Read it before the rows.
+  U64 changeCount() const noexcept;
+
+  /// State of the writer, asked of the operating system.
+  WriterState writer() const noexcept;
+
+  /// Waits until the table's change count is not `seen`, or something else happens to the table, or the time is over.
+  /// Sleeps; a change wakes it at once, the end of a writer within about a second. Without a table it waits for one.
+  WaitResult wait(U64 seen, std::chrono::milliseconds timeout);
+
+  std::string const& path() const noexcept { return path_; }
+  View const& view() const noexcept;
+
+ protected:
+  ReaderBase(RowType const& type, std::string_view mountPath, std::string_view collection, ReaderOptions options);
+  ~ReaderBase();
+
+ private:
+  struct Attachment;
+
+  Error open(std::unique_ptr<Attachment>& out) const;
+  bool isRetired() const noexcept;
+  bool isReplaced() const;
+  WaitResult reattach();
+  std::optional<WaitResult> checkWriter();
+
+  RowType const& type_;
+  std::optional<uid_t> const owner_;
+  std::string const directory_;
+  std::string const mountPath_;
+  std::string const collection_;
+  std::string const path_;
+  std::unique_ptr<Attachment> attachment_;
+};
+
+}  // namespace SharedTable

@@ -1,0 +1,119 @@
+#pragma once
+
+#include <RouterPlatform/Fwk/Hash.h>
+#include <RouterPlatform/SharedTable/Format.h>
+
+#include <array>
+#include <string_view>
+#include <type_traits>
+
+/// What a row type tells the table about itself. A row has a key, `key()`, at its start, and lists its fields in the
+/// order in which they stand:
+///
+///     class Neighbor {
+///      public:
+///       Key const& key() const { return key_; }
+///       static constexpr std::array tableFields{SharedTable::field<Net::IntfId>("key.intfId"),
+///                                               SharedTable::field<Net::Ip6Addr>("key.neighborAddr"),
+///                                               SharedTable::field<double>("lastRaReceived")};
+///      private:
+///       Key key_;
+///       double lastRaReceived_ = 0;
+///     };
+///
+/// Rows are octets to the table and to readers built by others: trivially copyable, no padding, a multiple of 8 octets.
+/// The key has a hash that is the same in every binary.
+namespace SharedTable {
+
+/// A field of a row. A structure in a row is listed field by field.
+struct Field {
+  std::string_view name;
+  U32 size;
+  U32 alignment;
+};
+
+template <class T>
+constexpr Field field(std::string_view name) noexcept {
+  static_assert(std::is_trivially_copyable_v<T>);
+  static_assert(std::has_unique_object_representations_v<T> || std::is_same_v<T, double> || std::is_same_v<T, float>,
+                "a field with padding bits");
+  return {name, sizeof(T), alignof(T)};
+}
+
+/// Whether fields of these sizes, one after another, fill exactly `rowSize` octets without padding between or after
+/// them.
+template <std::size_t n>
+constexpr bool fieldsFillRow(std::array<Field, n> const& fields, std::size_t rowSize) noexcept {
+  std::size_t offset = 0;
+  for (Field const& f : fields) {
+    if (offset % f.alignment != 0) return false;
+    offset += f.size;
+  }
+  return offset == rowSize;
+}
+
+/// Hash over name, size and offset of every field and over the sizes of row and key (FNV-1a). A reader built from
+/// another layout finds another hash in the file.
+template <std::size_t n>
+constexpr U64 layoutHashOf(std::array<Field, n> const& fields, U64 rowSize, U64 keySize) noexcept {
+  U64 hash = 0xcbf29ce484222325U;
+  auto const octet = [&](U64 value) { hash = (hash ^ (value & 0xff)) * 0x100000001b3U; };
+  auto const number = [&](U64 value) {
+    for (int shift = 0; shift < 32; shift += 8) octet(value >> shift);
+  };
+  U64 offset = 0;
+  for (Field const& f : fields) {
+    for (char const c : f.name) octet(static_cast<unsigned char>(c));
+    octet(0);
+    number(f.size);
+    number(offset);
+    offset += f.size;
+  }
+  number(rowSize);
+  number(keySize);
+  return hash;
+}
+
+/// A row type as the parts that know only octets see it.
+struct RowType {
+  U32 rowSize;
+  U32 keySize;
+  U64 layoutHash;
+  U64 (*keyHash)(void const* key, U64 seed) noexcept;
+};
+
+template <class R>
+using KeyOf = std::remove_cvref_t<decltype(std::declval<R const&>().key())>;
+
+/// An object made of octets.
+template <class T>
+T copyOf(void const* octets) noexcept {
+  T value;
+  std::memcpy(static_cast<void*>(&value), octets, sizeof value);
+  return value;
+}
+
+/// Hands a row to a visitor; whether the walk goes on.
+template <class R, class Visit>
+bool visitRow(Visit& visit, void const* octets) {
+  R const row = copyOf<R>(octets);
+  if constexpr (std::is_same_v<decltype(visit(row)), bool>) return visit(row);
+  visit(row);
+  return true;
+}
+
+template <class R>
+RowType const& rowTypeOf() noexcept {
+  using Key = KeyOf<R>;
+  static_assert(std::is_trivially_copyable_v<R> && std::is_standard_layout_v<R>);
+  static_assert(sizeof(R) % 8 == 0 && alignof(R) <= 8, "a row is a multiple of 8 octets");
+  static_assert(std::is_trivially_copyable_v<Key> && std::has_unique_object_representations_v<Key>,
+                "equal keys are equal octets");
+  static_assert(fieldsFillRow(R::tableFields, sizeof(R)), "a field is not listed, or there is padding");
+  static constexpr RowType type{
+      sizeof(R), sizeof(Key), layoutHashOf(R::tableFields, sizeof(R), sizeof(Key)),
+      [](void const* octets, U64 seed) noexcept -> U64 { return Fwk::hashOf(copyOf<Key>(octets), seed); }};
+  return type;
+}
+
+}  // namespace SharedTable

@@ -1,0 +1,217 @@
+#include <RouterPlatform/SharedTable/Publication.h>
+#include <RouterPlatform/SharedTable/WriterBase.h>
+#include <RouterPlatform/SharedTable/WriterCore.h>
+#include <RouterPlatform/Stats/Counter.h>
+#include <RouterPlatform/Trace/Assert.h>
+#include <RouterPlatform/Trace/Trace.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <new>
+#include <vector>
+
+namespace SharedTable {
+namespace {
+
+Trace::Handle const traceHandle("SharedTable");
+constexpr char const* source = "RouterPlatform/SharedTable";
+
+struct Counters {
+  Stats::Counter& full = Stats::counter("sharedTableFull");
+  Stats::Counter& noSpace = Stats::counter("sharedTableNoSpace");
+  Stats::Counter& corrupt = Stats::counter("sharedTableCorrupt");
+  Stats::Counter& mountFailed = Stats::counter("sharedTableMountFailed");
+};
+
+Counters& counters() {
+  static Counters all;
+  return all;
+}
+
+std::unique_ptr<WriterCore> privateCore(RowType const& type, Capacity capacity, U32 rows) {
+  auto core = std::make_unique<WriterCore>(type, capacity);
+  Memory memory;
+  if (memory.mapPrivate(core->memorySize()) != 0 || core->start(std::move(memory), rows) != 0) throw std::bad_alloc();
+  return core;
+}
+
+template <class Callback, class... Args>
+void callIfSet(Callback const& callback, Args... args) {
+  if (callback) callback(args...);
+}
+
+}  // namespace
+
+void appendText(std::string& out, MountStatus status) {
+  static constexpr std::string_view texts[] = {"unmounted", "mounted", "failed"};
+  out += texts[static_cast<U8>(status)];
+}
+
+WriterBase::WriterBase(RowType const& type, std::string collection, WriterOptions const& options)
+    : type_(type),
+      collection_(std::move(collection)),
+      options_(options),
+      core_(privateCore(type, options.capacity, options.capacity.initialRows)) {}
+
+WriterBase::~WriterBase() {
+  if (mountStatus_ != MountStatus::mounted) return;
+  core_->retire();
+  publication_->withdraw(core_->memory());
+}
+
+U32 WriterBase::count() const noexcept { return core_->count(); }
+U32 WriterBase::maxRows() const noexcept { return core_->maxRows(); }
+U64 WriterBase::changeCount() const noexcept { return core_->changeCount(); }
+
+Error WriterBase::mountPathIs(std::string_view path) {
+  if (path.empty()) return mountPathDel();
+  if (mountStatus_ == MountStatus::mounted) {
+    if (path == mountPath_) return {};
+    if (Error error = unmount()) return error;
+  }
+  return mount(path);
+}
+
+Error WriterBase::mountPathDel() {
+  if (mountStatus_ == MountStatus::mounted) return unmount();
+  mountPath_.clear();
+  if (mountStatus_ == MountStatus::failed) {
+    mountStatus_ = MountStatus::unmounted;
+    callIfSet(callbacks_.mountStatus);
+  }
+  return {};
+}
+
+/// Copies the rows into `next` and makes it the table. `lostRows` are those that cannot be trusted any more.
+Error WriterBase::moveRows(WriterCore& next, std::vector<std::vector<U64>>& lostRows) {
+  auto const lost = [&](Corruption const& corruption, void const* row) {
+    reportCorruption(corruption, "moving the rows");
+    if (!row) return;
+    auto const* words = static_cast<U64 const*>(row);
+    lostRows.emplace_back(words, words + type_.rowSize / 8);
+  };
+  WriteStatus const status = next.copyFrom(*core_, lost);
+  if (status == WriteStatus::ok) return {};
+  return {status == WriteStatus::noSpace ? Errc::noSpace : Errc::damaged, ENOSPC, collection_ + ": rows do not fit"};
+}
+
+Error WriterBase::mount(std::string_view path) {
+  auto place = std::make_unique<Publication>();
+  auto next = std::make_unique<WriterCore>(type_, options_.capacity);
+  std::vector<std::vector<U64>> lostRows;
+  Memory memory;
+  Error error = place->claim(FileIo::directoryOr(options_.directory), path, collection_);
+  if (!error) error = place->createFile(next->memorySize(), memory);
+  if (!error)
+    if (int const failure = next->start(std::move(memory), core_->count()))
+      error = FileIo::systemFailure(failure, collection_);
+  if (!error) error = moveRows(*next, lostRows);
+  if (!error) {
+    next->completeHeader();
+    error = place->publish(next->memory(), options_.mode);
+  }
+  mountPath_ = path;
+  if (error) {
+    ++counters().mountFailed;
+    TRACE(traceHandle, 2, "Could not mount ", path, "/", collection_, ": ", error.code, ": ", error.text);
+    mountStatus_ = MountStatus::failed;
+    callIfSet(callbacks_.mountStatus);
+    return error;
+  }
+  core_ = std::move(next);
+  publication_ = std::move(place);
+  mountStatus_ = MountStatus::mounted;
+  callIfSet(callbacks_.quiesced, false);
+  callIfSet(callbacks_.mountStatus);
+  rowsMoved(lostRows);
+  return {};
+}
+
+Error WriterBase::unmount() {
+  std::vector<std::vector<U64>> lostRows;
+  auto next = privateCore(type_, options_.capacity, std::max(core_->count(), options_.capacity.initialRows));
+  if (Error error = moveRows(*next, lostRows)) return error;
+  core_->retire();
+  publication_->withdraw(core_->memory());
+  core_ = std::move(next);
+  publication_.reset();
+  mountPath_.clear();
+  mountStatus_ = MountStatus::unmounted;
+  rowsMoved(lostRows);
+  callIfSet(callbacks_.mountStatus);
+  // Nothing of this object after this call, which may have ended it.
+  auto const quiesced = callbacks_.quiesced;
+  callIfSet(quiesced, true);
+  return {};
+}
+
+void WriterBase::rowsMoved(std::vector<std::vector<U64>> const& lostRows) {
+  for (auto const& row : lostRows) callIfSet(callbacks_.rowChanged, row.data());
+}
+
+void WriterBase::reportCorruption(Corruption const& corruption, std::string_view during) const {
+  ++counters().corrupt;
+  std::string message;
+  Trace::appendTexts(message, "Table ", mountPath_, "/", collection_, ": ", corruption, " while ", during);
+  if (corruptionHandler_)
+    corruptionHandler_(message);
+  else
+    TRACE(traceHandle, 1, message);
+}
+
+WriteStatus WriterBase::finishWrite(WriteStatus status, Corruption const& corruption) {
+  if (status == WriteStatus::ok) [[likely]]
+    return status;
+  if (status == WriteStatus::corrupt) {
+    reportCorruption(corruption, "writing");
+    ASSERT_AT_TEXT(false, (Trace::Location{source, __LINE__, "safeWrite"}), "TableMap::safeWrite() in no man's land");
+  }
+  ++(status == WriteStatus::full ? counters().full : counters().noSpace);
+  TRACE(traceHandle, 2, "Could not write row to ", mountPath_, "/", collection_, ": ", status, " ( ", count(),
+        " rows, ", maxRows(), " at most )");
+  return status;
+}
+
+WriteStatus WriterBase::write(void const* row) {
+  Corruption corruption;
+  WriteStatus const status = core_->write(row, corruption);
+  return finishWrite(status, corruption);
+}
+
+WriteStatus WriterBase::commit(void const* row) {
+  Corruption corruption;
+  WriteStatus const status = core_->commit(row, corruption);
+  return finishWrite(status, corruption);
+}
+
+bool WriterBase::remove(void const* key, void* removed) {
+  Corruption corruption;
+  WriterCore::RemoveStatus const status = core_->remove(key, removed, corruption);
+  if (status == WriterCore::RemoveStatus::corrupt) {
+    reportCorruption(corruption, "removing");
+    ASSERT_AT_TEXT(false, (Trace::Location{source, __LINE__, "safeRemove"}), "TableMap::safeRemove() in no man's land");
+  }
+  return status == WriterCore::RemoveStatus::removed;
+}
+
+bool WriterBase::lookup(void const* key, void* row) const {
+  Corruption corruption;
+  LookupStatus const status = core_->view().lookup(key, row, corruption);
+  if (status == LookupStatus::corrupt) reportCorruption(corruption, "looking up");
+  return status == LookupStatus::found;
+}
+
+bool WriterBase::stage(void const* key, void* row) {
+  Corruption corruption;
+  LookupStatus const status = core_->stage(key, row, corruption);
+  if (status == LookupStatus::corrupt) reportCorruption(corruption, "looking up");
+  return status == LookupStatus::found;
+}
+
+WalkResult WriterBase::walk(View::Visitor const& visit) const {
+  WalkResult const result = core_->view().walk(visit);
+  if (result.corrupt > 0) reportCorruption(result.firstCorruption, "walking");
+  return result;
+}
+
+}  // namespace SharedTable

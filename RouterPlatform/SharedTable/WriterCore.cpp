@@ -1,0 +1,323 @@
+#include <RouterPlatform/SharedTable/FileIo.h>
+#include <RouterPlatform/SharedTable/SlotWords.h>
+#include <RouterPlatform/SharedTable/WriterCore.h>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+namespace SharedTable {
+namespace {
+
+FixedHeader makeHeader(RowType const& type, Geometry const& geometry) noexcept {
+  FixedHeader header{};
+  header.magic = magicText;
+  header.byteOrder = byteOrderMark;
+  header.version = formatVersion;
+  header.layoutHash = type.layoutHash;
+  header.rowSize = geometry.rowSize;
+  header.keySize = geometry.keySize;
+  header.maxRows = geometry.maxRows;
+  header.minIndexBits = geometry.minIndexBits;
+  header.maxIndexBits = geometry.maxIndexBits;
+  header.indexOffset = geometry.indexOffset;
+  header.slotsOffset = geometry.slotsOffset;
+  header.fileSize = geometry.fileSize;
+  FileIo::fillRandom(&header.hashSeed, sizeof header.hashSeed);
+  FileIo::fillRandom(header.instanceId.data(), header.instanceId.size());
+  header.bootId = FileIo::bootId();
+  header.writerPid = static_cast<U32>(getpid());
+  header.writerStartTime = FileIo::processStartTime();
+  header.createdTime = FileIo::realtime();
+  return header;
+}
+
+WriteStatus statusOf(int systemError) noexcept { return systemError == 0 ? WriteStatus::ok : WriteStatus::noSpace; }
+
+}  // namespace
+
+WriterCore::WriterCore(RowType const& type, Capacity capacity) noexcept : type_(&type) {
+  U32 const maxRows = std::clamp(capacity.maxRows, U32{1}, Capacity::largestMaxRows);
+  U32 const firstRows = std::min(capacity.initialRows, maxRows);
+  geometry_ = Geometry::of(type.rowSize, type.keySize, maxRows, Geometry::indexBitsFor(firstRows));
+}
+
+int WriterCore::start(Memory memory, U32 rows) {
+  memory_ = std::move(memory);
+  header_ = makeHeader(*type_, geometry_);
+  scratch_.resize(geometry_.rowSize / 8);
+  stagedKey_.resize((geometry_.keySize + 7) / 8);
+  indexBits_ = std::max(geometry_.minIndexBits, Geometry::indexBitsFor(std::min(rows, geometry_.maxRows)));
+  usedBuckets_ = {buckets(), 0};
+  if (int const error = memory_.reserve(0, headerSize)) return error;
+  if (int const error = memory_.reserve(geometry_.bucketOffset(0, 0), 8 * buckets())) return error;
+  put(live().rowCount, CheckedNumber::of(0).bits, std::memory_order_relaxed);
+  if (int const error = reserveSlot()) return error;
+  spare_ = takeSlot();
+  put(live().active, ActiveWord::of(epoch_, indexBits_).bits, std::memory_order_release);
+  view_ = View(memory_.base(), header_, *type_);
+  return 0;
+}
+
+void WriterCore::completeHeader() noexcept {
+  header_.crc = crc32(&header_, offsetof(FixedHeader, crc));
+  std::memcpy(memory_.base(), &header_, sizeof header_);
+}
+
+template <class Word, class Value>
+void WriterCore::put(std::atomic<Word>& word, Value value, std::memory_order order) noexcept {
+  word.store(value, order);
+  if (log_) [[unlikely]]
+    log_->stored(static_cast<U64>(reinterpret_cast<std::byte*>(&word) - memory_.base()), value, sizeof(Word));
+}
+
+/// The fence pairs with the one after a reader's copy: a reader that meets a word stored here sees that the bucket
+/// which named this slot before has moved on.
+void WriterCore::fillSpare(void const* row) noexcept {
+  std::size_t const words = geometry_.rowSize / 8;
+  SlotWords::fenceBeforeFill();
+  SlotWords::fill(slot(spare_), row, words, RowCheck(checkSeedOf(header_), spare_));
+  if (log_) [[unlikely]]
+    for (std::size_t i = 0; i <= words; ++i)
+      log_->stored(geometry_.slotOffset(spare_) + 8 * i, slot(spare_)[i].load(std::memory_order_relaxed), 8);
+}
+
+/// Commits a change. The release store pairs with the acquire load of the bucket in View::probe and View::walkClusters:
+/// whoever sees the word sees the row.
+void WriterCore::publish(U64 number, BucketWord word) noexcept {
+  put(bucket(half(), number), word.bits, std::memory_order_release);
+}
+
+/// Counts a change and wakes who waits for one. The release stores pair with the acquire loads of
+/// View::changeCount and ReaderCore::wait. A change counts only after it was committed, so a walk that finds the
+/// same count before and after met at most one change that is not counted yet, and that is one row in one moment.
+void WriterCore::announce() noexcept {
+  changes_ += 1;
+  put(live().rowCount, CheckedNumber::of(rows_).bits, std::memory_order_relaxed);
+  if (!memory_.isFile()) {
+    put(live().changeCount, changes_, std::memory_order_release);
+    return;
+  }
+  U64 const now = FileIo::coarseRealtime();
+  put(live().changeTime, now, std::memory_order_relaxed);
+  put(live().changeCount, changes_, std::memory_order_release);
+  put(live().changeWord, static_cast<U32>(changes_), std::memory_order_release);
+  // A wake is a system call. When one woke nobody, the rest of that clock tick goes without: whoever began to wait in
+  // it looks again on his own before he settles down to wait longer (ReaderCore::wait).
+  if (now == lastIdleWake_) return;
+  if (FileIo::wakeAll(live().changeWord) == 0) lastIdleWake_ = now;
+}
+
+WriterCore::Position WriterCore::find(void const* key, U64 hash, Corruption& corruption) {
+  U64 const mask = buckets() - 1;
+  U8 const tag = tagOf(hash);
+  Position reusable{Find::missing, 0, {}};
+  bool haveReusable = false;
+  U64 number = homeBucket(hash, indexBits_);
+  for (U64 seen = 0; seen <= mask; ++seen, number = (number + 1) & mask) {
+    BucketWord const word = wordOf(number);
+    if (isDamaged(word)) {
+      corruption = {Corruption::Place::bucket, number, geometry_.bucketOffset(half(), number)};
+      return {Find::corrupt, number, word};
+    }
+    if (word.empty()) return haveReusable ? reusable : Position{Find::missing, number, word};
+    if (word.tombstone()) {
+      if (!haveReusable) reusable = {Find::missing, number, word};
+      haveReusable = true;
+      continue;
+    }
+    if (word.tag() != tag) continue;
+    RowCheck const check(checkSeedOf(header_), word.slot());
+    if (!SlotWords::copy(slot(word.slot()), scratch_.data(), scratch_.size(), check)) {
+      corruption = {Corruption::Place::slot, word.slot(), geometry_.slotOffset(word.slot())};
+      return {Find::corrupt, number, word};
+    }
+    if (std::memcmp(scratch_.data(), key, geometry_.keySize) == 0) return {Find::found, number, word};
+  }
+  corruption = {Corruption::Place::index, 0, geometry_.indexOffset[half()]};
+  return {Find::corrupt, 0, {}};
+}
+
+WriteStatus WriterCore::write(void const* row, Corruption& corruption) {
+  U64 const hash = type_->keyHash(row, header_.hashSeed);
+  Position const position = find(row, hash, corruption);
+  if (position.outcome == Find::corrupt) return WriteStatus::corrupt;
+  if (position.outcome == Find::missing) return insert(row, hash, position, corruption);
+  replace(position, row);
+  return WriteStatus::ok;
+}
+
+void WriterCore::replace(Position const& position, void const* row) noexcept {
+  U32 const former = position.word.slot();
+  fillSpare(row);
+  publish(position.bucket, position.word.next(spare_, position.word.tag()));
+  slotHash_[spare_] = slotHash_[former];
+  spare_ = former;
+  announce();
+}
+
+WriteStatus WriterCore::insert(void const* row, U64 hash, Position position, Corruption& corruption) {
+  bool rebuilt = false;
+  if (WriteStatus const status = makeRoom(rebuilt, corruption); status != WriteStatus::ok) return status;
+  if (rebuilt) position = find(row, hash, corruption);
+  if (position.outcome != Find::missing) return WriteStatus::corrupt;
+  fillSpare(row);
+  slotHash_[spare_] = static_cast<U32>(hash >> 32);
+  publish(position.bucket, position.word.next(spare_, tagOf(hash)));
+  if (position.word.tombstone()) tombstones_ -= 1;
+  rows_ += 1;
+  spare_ = takeSlot();
+  announce();
+  return WriteStatus::ok;
+}
+
+WriterCore::RemoveStatus WriterCore::remove(void const* key, void* removed, Corruption& corruption) {
+  Position const position = find(key, type_->keyHash(key, header_.hashSeed), corruption);
+  if (position.outcome == Find::corrupt) return RemoveStatus::corrupt;
+  if (position.outcome == Find::missing) return RemoveStatus::absent;
+  std::memcpy(removed, scratch_.data(), geometry_.rowSize);
+  rows_ -= 1;
+  emptyBucket(position.bucket);
+  freeSlots_.push_back(position.word.slot());
+  announce();
+  return RemoveStatus::removed;
+}
+
+/// Takes the row out of a bucket. What stands behind it may have been probed past it, so a tombstone stays - unless the
+/// next bucket is empty: then nothing stands behind, and the tombstones right before it have become idle too.
+void WriterCore::emptyBucket(U64 number) noexcept {
+  U64 const mask = buckets() - 1;
+  BucketWord const behind = wordOf((number + 1) & mask);
+  if (!behind.empty() || isDamaged(behind)) {
+    publish(number, wordOf(number).next(BucketWord::tombstoneSlot, 0));
+    tombstones_ += 1;
+    return;
+  }
+  publish(number, wordOf(number).next(0, 0));
+  for (number = (number - 1) & mask; wordOf(number).tombstone(); number = (number - 1) & mask) {
+    publish(number, wordOf(number).next(0, 0));
+    tombstones_ -= 1;
+  }
+}
+
+LookupStatus WriterCore::stage(void const* key, void* row, Corruption& corruption) {
+  staged_ = find(key, type_->keyHash(key, header_.hashSeed), corruption);
+  if (staged_.outcome == Find::corrupt) return LookupStatus::corrupt;
+  if (staged_.outcome == Find::missing) return LookupStatus::missing;
+  std::memcpy(row, scratch_.data(), geometry_.rowSize);
+  std::memcpy(stagedKey_.data(), key, geometry_.keySize);
+  stagedEpoch_ = epoch_;
+  return LookupStatus::found;
+}
+
+WriteStatus WriterCore::commit(void const* row, Corruption& corruption) {
+  bool const stands = staged_.outcome == Find::found && stagedEpoch_ == epoch_ &&
+                      wordOf(staged_.bucket).bits == staged_.word.bits &&
+                      std::memcmp(row, stagedKey_.data(), geometry_.keySize) == 0;
+  if (!stands) return write(row, corruption);
+  replace(staged_, row);
+  staged_.word = wordOf(staged_.bucket);
+  return WriteStatus::ok;
+}
+
+/// Before a row is added: an index that is not too full, and a slot to follow the spare one.
+WriteStatus WriterCore::makeRoom(bool& rebuilt, Corruption& corruption) {
+  if (rows_ >= geometry_.maxRows) return WriteStatus::full;
+  if (int const error = reserveSlot()) return statusOf(error);
+  bool const grow = U64{rows_} + 1 > buckets() / 2;
+  // Without this, removals in the middle of long runs would leave tombstones until probing found no end.
+  bool const clean = U64{rows_} + tombstones_ + 1 > buckets() / 4 * 3;
+  if (!grow && !clean) return WriteStatus::ok;
+  rebuilt = true;
+  return rebuild(grow ? indexBits_ + 1 : indexBits_, corruption);
+}
+
+/// Fills the other half with an index of the same rows and brings it into force with one store. Readers go on in the
+/// old one, whose words stay until the next rebuild. The release store of `active` pairs with the acquire loads of it
+/// in View; each word is released too, so that a reader who is two indexes late and meets one sees that `active` moved.
+WriteStatus WriterCore::rebuild(U32 indexBits, Corruption& corruption) {
+  U32 const other = 1 - half();
+  U64 const mask = (U64{1} << indexBits) - 1;
+  if (int const error = memory_.reserve(geometry_.bucketOffset(other, 0), 8 * (mask + 1))) return statusOf(error);
+  for (U64 i = 0; i < usedBuckets_[other]; ++i)
+    if (bucket(other, i).load(std::memory_order_relaxed) != 0) put(bucket(other, i), U64{0}, std::memory_order_release);
+  usedBuckets_[other] = mask + 1;
+  U32 placed = 0;
+  for (U64 i = 0; i < buckets(); ++i) {
+    BucketWord const word = wordOf(i);
+    if (isDamaged(word)) {
+      corruption = {Corruption::Place::bucket, i, geometry_.bucketOffset(half(), i)};
+      return WriteStatus::corrupt;
+    }
+    if (word.empty() || word.tombstone()) continue;
+    if (++placed > rows_) {
+      corruption = {Corruption::Place::index, 0, geometry_.indexOffset[half()]};
+      return WriteStatus::corrupt;
+    }
+    U64 number = slotHash_[word.slot()] >> (32 - indexBits);
+    while (bucket(other, number).load(std::memory_order_relaxed) != 0) number = (number + 1) & mask;
+    put(bucket(other, number), word.bits, std::memory_order_release);
+  }
+  indexBits_ = indexBits;
+  epoch_ += 1;
+  tombstones_ = 0;
+  put(live().active, ActiveWord::of(epoch_, indexBits_).bits, std::memory_order_release);
+  return WriteStatus::ok;
+}
+
+/// Makes sure that `takeSlot` has one to give. Space comes in growing steps, for one slot at a time when it is short.
+int WriterCore::reserveSlot() {
+  if (!freeSlots_.empty() || slotsTaken_ < slotsReady_) return 0;
+  U64 const least = Geometry::pageCeil(geometry_.slotSize());
+  U64 const most = geometry_.fileSize - geometry_.slotsOffset - slotSpace_;
+  U64 step = std::min(std::max(Geometry::pageCeil(std::min(slotSpace_ / 2, U64{1} << 20)), least), most);
+  int error = memory_.reserve(geometry_.slotsOffset + slotSpace_, step);
+  if (error != 0 && step > least) error = memory_.reserve(geometry_.slotsOffset + slotSpace_, step = least);
+  if (error != 0) return error;
+  U64 const ready = std::min((slotSpace_ + step) / geometry_.slotSize(), geometry_.slotCount());
+  slotHash_.resize(ready + 1);
+  freeSlots_.reserve(ready);
+  slotSpace_ += step;
+  slotsReady_ = static_cast<U32>(ready);
+  // Relaxed: a reader learns of it through the release store of the first bucket that names such a slot.
+  put(live().slotsReady, CheckedNumber::of(slotsReady_).bits, std::memory_order_relaxed);
+  return 0;
+}
+
+U32 WriterCore::takeSlot() noexcept {
+  if (freeSlots_.empty()) return ++slotsTaken_;
+  U32 const number = freeSlots_.back();
+  freeSlots_.pop_back();
+  return number;
+}
+
+WriteStatus WriterCore::copyFrom(WriterCore& other, Lost const& lost) {
+  std::vector<U64> row(geometry_.rowSize / 8);
+  for (U64 number = 0; number < other.buckets(); ++number) {
+    BucketWord const word = other.wordOf(number);
+    if (other.isDamaged(word)) {
+      lost({Corruption::Place::bucket, number, geometry_.bucketOffset(other.half(), number)}, nullptr);
+    } else if (!word.empty() && !word.tombstone()) {
+      RowCheck const check(checkSeedOf(other.header_), word.slot());
+      Corruption corruption{Corruption::Place::slot, word.slot(), geometry_.slotOffset(word.slot())};
+      if (SlotWords::copy(other.slot(word.slot()), row.data(), row.size(), check)) {
+        if (WriteStatus const status = write(row.data(), corruption); status != WriteStatus::ok) return status;
+      } else {
+        bool const keyHolds = type_->keyHash(row.data(), other.header_.hashSeed) >> 32 == other.slotHash_[word.slot()];
+        lost(corruption, keyHolds ? row.data() : nullptr);
+      }
+    }
+  }
+  return WriteStatus::ok;
+}
+
+void WriterCore::retire() noexcept {
+  put(live().retiredTime, FileIo::realtime(), std::memory_order_relaxed);
+  // Release; pairs with the acquire load in ReaderCore::isRetired: who sees the mark sees the time.
+  put(live().retired, retiredMark, std::memory_order_release);
+  put(live().changeWord, static_cast<U32>(changes_) + 1, std::memory_order_release);
+  FileIo::wakeAll(live().changeWord);
+}
+
+}  // namespace SharedTable

@@ -1,0 +1,235 @@
+#include <RouterPlatform/SharedTable/WriterCore.h>
+#include <RouterPlatform/Stats/Counter.h>
+#include <tests/RouterPlatform/SharedTable/TableFixture.h>
+#include <tests/RouterPlatform/Trace/TraceCapture.h>
+
+#include <cstddef>
+#include <set>
+#include <vector>
+
+namespace {
+
+using namespace SharedTableTest;
+using SharedTable::BucketWord;
+using SharedTable::Corruption;
+using SharedTable::Geometry;
+using SharedTable::LiveState;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+/// A mounted table of a few rows whose octets are damaged from outside, as a stray write of a privileged process or bad
+/// memory would.
+class DamagedTable : public Tables {
+ protected:
+  DamagedTable() : writer_(collection, writerOptions()), reader_(mountPath, collection, readerOptions()) {
+    for (U64 i = 0; i < 6; ++i) writer_.rowIs(Row(i, 1));
+    EXPECT_FALSE(writer_.mountPathIs(mountPath));
+    EXPECT_FALSE(reader_.attach());
+  }
+
+  /// The bucket of a key in the index in force.
+  U64 bucketOf(U64 number) const {
+    SharedTable::View const& view = reader_.view();
+    SharedTable::ActiveWord const active{view.live().active.load()};
+    for (U64 i = 0; i < U64{1} << active.indexBits(); ++i) {
+      BucketWord const word{view.bucket(active.half(), i).load()};
+      if (word.empty() || word.tombstone()) continue;
+      Row row;
+      std::memcpy(static_cast<void*>(&row), view.slot(word.slot()), sizeof row);
+      if (row.number() == number) return i;
+    }
+    ADD_FAILURE() << "no bucket";
+    return 0;
+  }
+  U64 bucketOffset(U64 number) const { return geometry().bucketOffset(0, bucketOf(number)); }
+  U32 slotOf(U64 number) const { return BucketWord{reader_.view().bucket(0, bucketOf(number)).load()}.slot(); }
+  U64 slotOffset(U64 number) const { return geometry().slotOffset(slotOf(number)); }
+  Geometry const& geometry() const { return reader_.view().geometry(); }
+
+  void damage(U64 offset, U8 change = 0x04) { octetAtIs(path(), offset, octetAt(path(), offset) ^ change); }
+
+  Writer writer_;
+  Reader reader_;
+};
+
+TEST_F(DamagedTable, EveryDamagedOctetOfARowIsReportedWithItsPlace) {
+  for (U64 i = 0; i < geometry().slotSize(); ++i) {
+    U64 const place = slotOffset(3);
+    for (U8 const change : {U8{0x01}, U8{0x80}, U8{0xff}}) {
+      damage(place + i, change);
+      auto const found = reader_.row(Key::of(3));
+      ASSERT_EQ(found.status, LookupStatus::corrupt) << i;
+      EXPECT_EQ(found.corruption.place, Corruption::Place::slot);
+      EXPECT_EQ(found.corruption.offset, place);
+      EXPECT_EQ(found.row, Row());
+      damage(place + i, change);
+    }
+  }
+  EXPECT_EQ(reader_.row(Key::of(3)).row, Row(3, 1));
+}
+
+TEST_F(DamagedTable, EveryDamagedOctetOfABucketIsReportedWithItsPlace) {
+  U64 const place = bucketOffset(3);
+  for (U64 i = 0; i < 8; ++i) {
+    damage(place + i);
+    auto const found = reader_.row(Key::of(3));
+    ASSERT_EQ(found.status, LookupStatus::corrupt) << i;
+    EXPECT_EQ(found.corruption.place, Corruption::Place::bucket);
+    EXPECT_EQ(found.corruption.offset, place);
+    damage(place + i);
+  }
+  EXPECT_EQ(reader_.row(Key::of(3)).row, Row(3, 1));
+}
+
+TEST_F(DamagedTable, ABucketThatNamesASlotWithoutSpaceIsReported) {
+  U64 const place = bucketOffset(3);
+  BucketWord const word{reader_.view().bucket(0, bucketOf(3)).load()};
+  U64 const wrong = BucketWord::of(1000, word.tag(), word.generation()).bits;
+  for (U64 i = 0; i < 8; ++i) octetAtIs(path(), place + i, static_cast<U8>(wrong >> (8 * i)));
+  auto const found = reader_.row(Key::of(3));
+  EXPECT_EQ(found.status, LookupStatus::corrupt);
+  EXPECT_EQ(found.corruption.place, Corruption::Place::bucket);
+}
+
+TEST_F(DamagedTable, EveryDamagedOctetOfWhatLookupsStandOnIsReported) {
+  for (U64 i = 0; i < 16; ++i) {  // `active` and `slotsReady`
+    U64 const place = SharedTable::liveStateOffset + i;
+    damage(place);
+    auto const found = reader_.row(Key::of(3));
+    ASSERT_EQ(found.status, LookupStatus::corrupt) << i;
+    EXPECT_EQ(found.corruption.place, Corruption::Place::header);
+    SharedTable::WalkResult const walked = reader_.forEach([](Row const&) {});
+    EXPECT_GT(walked.corrupt, 0u) << i;
+    EXPECT_FALSE(walked.exact);
+    damage(place);
+  }
+}
+
+TEST_F(DamagedTable, ADamagedRowCountIsNotBelieved) {
+  EXPECT_EQ(reader_.view().count(), 6u);
+  for (U64 i = 0; i < 8; ++i) {
+    U64 const place = SharedTable::liveStateOffset + offsetof(LiveState, rowCount) + i;
+    damage(place);
+    EXPECT_EQ(reader_.view().count(), std::nullopt) << i;
+    damage(place);
+  }
+}
+
+TEST_F(DamagedTable, AWalkLeavesOutWhatIsDamagedAndSaysSo) {
+  U64 const slot = slotOffset(3);
+  U64 const bucket = bucketOffset(5);
+  damage(slot + 50);
+  damage(bucket + 2);
+  std::multiset<U64> seen;
+  SharedTable::WalkResult const walked = reader_.forEach([&](Row const& row) { seen.insert(row.number()); });
+  EXPECT_THAT(seen, ElementsAre(0, 1, 2, 4));
+  EXPECT_EQ(walked.rows, 4u);
+  EXPECT_EQ(walked.corrupt, 2u);
+  EXPECT_FALSE(walked.exact);
+  EXPECT_TRUE(walked.firstCorruption.offset == slot || walked.firstCorruption.offset == bucket);
+}
+
+TEST_F(DamagedTable, AnIndexWithoutAnEndHoldsNobodyUp) {
+  // Every bucket a tombstone: probing would go round for ever.
+  U64 const word = BucketWord::of(BucketWord::tombstoneSlot, 0, 1).bits;
+  for (U64 bucket = 0; bucket < 16; ++bucket)
+    for (U64 i = 0; i < 8; ++i)
+      octetAtIs(path(), geometry().bucketOffset(0, bucket) + i, static_cast<U8>(word >> (8 * i)));
+  auto const found = reader_.row(Key::of(3));
+  EXPECT_EQ(found.status, LookupStatus::corrupt);
+  EXPECT_EQ(found.corruption.place, Corruption::Place::index);
+  SharedTable::WalkResult const walked = reader_.forEach([](Row const&) {});
+  EXPECT_EQ(walked.rows, 0u);
+  EXPECT_EQ(walked.corrupt, 1u);
+}
+
+TEST_F(DamagedTable, ALookupOfTheWriterTellsTheHandlerAndFindsNothing) {
+  std::vector<std::string> messages;
+  writer_.corruptionHandlerIs([&](std::string_view message) { messages.emplace_back(message); });
+  U64 const counted = Stats::counter("sharedTableCorrupt").value();
+  damage(slotOffset(3) + 9);
+  EXPECT_EQ(writer_.row(Key::of(3)), std::nullopt);
+  EXPECT_THAT(messages, ElementsAre(HasSubstr("Table test/tables/row: damaged slot ")));
+  EXPECT_THAT(messages, ElementsAre(HasSubstr(" while looking up")));
+  EXPECT_EQ(Stats::counter("sharedTableCorrupt").value(), counted + 1);
+  EXPECT_EQ(writer_.row(Key::of(4)), Row(4, 1)) << "the others are there";
+  EXPECT_EQ(writer_.writable(Key::of(3)), nullptr);
+  EXPECT_EQ(messages.size(), 2u);
+}
+
+TEST_F(DamagedTable, WithoutAHandlerTheMessageIsTraced) {
+  Trace::Capture trace("SharedTable", "1");
+  damage(bucketOffset(3) + 1);
+  EXPECT_EQ(writer_.row(Key::of(3)), std::nullopt);
+  EXPECT_THAT(trace.texts(1), ElementsAre(HasSubstr("damaged bucket ")));
+}
+
+using DamagedTableDeathTest = DamagedTable;
+
+TEST_F(DamagedTableDeathTest, AWriteTellsTheHandlerAndFailsTheAssertion) {
+  writer_.corruptionHandlerIs([](std::string_view message) { std::cerr << "handler: " << message << '\n'; });
+  damage(slotOffset(3) + 60);
+  EXPECT_DEATH(writer_.rowIs(Row(3, 2)),
+               "handler: Table .*damaged slot .* while writing(.|\n)*"
+               "RouterPlatform/SharedTable:[0-9]+: safeWrite: assertion "
+               "\"TableMap::safeWrite\\(\\) in no man's land\" failed");
+}
+
+TEST_F(DamagedTableDeathTest, ARemovalTellsTheHandlerAndFailsTheAssertion) {
+  writer_.corruptionHandlerIs([](std::string_view message) { std::cerr << "handler: " << message << '\n'; });
+  damage(bucketOffset(3) + 4);
+  EXPECT_DEATH(writer_.rowDel(Key::of(3)),
+               "handler: Table .*damaged bucket .* while removing(.|\n)*"
+               "RouterPlatform/SharedTable:[0-9]+: safeRemove: assertion "
+               "\"TableMap::safeRemove\\(\\) in no man's land\" failed");
+}
+
+TEST_F(DamagedTableDeathTest, ARebuildOfADamagedIndexFailsTheAssertion) {
+  damage(bucketOffset(3) + 4);
+  EXPECT_DEATH(
+      {
+        for (U64 i = 100; i < 600; ++i) writer_.rowIs(Row(i, 0));
+      },
+      "in no man's land");
+}
+
+TEST_F(DamagedTable, ACommitInPlaceNeedsNoLookupAndRepairsTheRow) {
+  Row* const row = writer_.writable(Key::of(3));
+  damage(slotOffset(3) + 60);
+  row->versionIs(2);
+  EXPECT_EQ(writer_.commit(*row), WriteStatus::ok);
+  EXPECT_EQ(reader_.row(Key::of(3)).row, Row(3, 2));
+}
+
+TEST_F(DamagedTable, UnmountingSavesWhatIsWholeAndNamesTheRowThatIsLost) {
+  std::vector<std::string> messages;
+  std::vector<U64> lost;
+  writer_.corruptionHandlerIs([&](std::string_view message) { messages.emplace_back(message); });
+  writer_.callbacksAre({[&](Key const& key) {
+                          lost.push_back(key.number());
+                          EXPECT_EQ(writer_.row(key), std::nullopt) << "it is told after the change";
+                        },
+                        nullptr, nullptr});
+  damage(slotOffset(3) + 60);  // the key is whole
+  ASSERT_FALSE(writer_.mountPathDel());
+  EXPECT_THAT(lost, ElementsAre(3));
+  EXPECT_THAT(messages, ElementsAre(HasSubstr("while moving the rows")));
+  EXPECT_EQ(writer_.count(), 5u);
+  EXPECT_EQ(writer_.row(Key::of(4)), Row(4, 1));
+}
+
+TEST_F(DamagedTable, UnmountingNamesNoRowWhoseKeyIsLostToo) {
+  std::vector<U64> lost;
+  std::vector<std::string> messages;
+  writer_.corruptionHandlerIs([&](std::string_view message) { messages.emplace_back(message); });
+  writer_.callbacksAre({[&](Key const& key) { lost.push_back(key.number()); }, nullptr, nullptr});
+  damage(slotOffset(3) + 47);  // within the key
+  damage(bucketOffset(4) + 1);
+  ASSERT_FALSE(writer_.mountPathDel());
+  EXPECT_THAT(lost, IsEmpty());
+  EXPECT_EQ(messages.size(), 2u);
+  EXPECT_EQ(writer_.count(), 4u);
+}
+
+}  // namespace

@@ -1,0 +1,83 @@
+#include <RouterPlatform/Stats/Counter.h>
+#include <tests/RouterPlatform/SharedTable/TableFixture.h>
+#include <tests/RouterPlatform/Trace/TraceCapture.h>
+
+#include <memory>
+#include <vector>
+
+namespace {
+
+using namespace SharedTableTest;
+
+/// A flat row that costs little to make, so that the table is what takes the time.
+class PlainRow {
+ public:
+  struct Key {
+    std::array<U64, 6> words{};
+    U64 hash(U64 seed) const noexcept { return Fwk::hashBytes(words.data(), sizeof words, seed); }
+  };
+  PlainRow() = default;
+  explicit PlainRow(U64 number, double time = 0) : time_(time) { key_.words[5] = number; }
+  Key const& key() const { return key_; }
+  U64 number() const { return key_.words[5]; }
+  double time() const { return time_; }
+  static constexpr std::array tableFields{SharedTable::field<std::array<U64, 6>>("key"),
+                                          SharedTable::field<double>("time"), SharedTable::field<U64>("spare")};
+
+ private:
+  Key key_;
+  double time_ = 0;
+  U64 spare_ = 0;
+};
+static_assert(sizeof(PlainRow) == 64);
+
+PlainRow::Key keyOf(U64 number) { return PlainRow(number).key(); }
+
+class MillionRows : public Tables {
+ protected:
+  static constexpr U32 million = 1000000;
+
+  static bool seesAll(auto const& table) {
+    std::vector<bool> seen(million);
+    U64 rows = 0;
+    SharedTable::WalkResult const walked = table.forEach([&](PlainRow const& row) {
+      rows += row.number() < million && !seen[row.number()];
+      seen[row.number()] = true;
+    });
+    return walked.exact && walked.rows == million && rows == million;
+  }
+};
+
+TEST_F(MillionRows, AreWrittenReadWalkedUnmountedAndMountedAndOneMoreIsRefused) {
+  SharedTable::Writer<PlainRow> writer(collection, writerOptions(4096, million));
+  SharedTable::Reader<PlainRow> reader(mountPath, collection, readerOptions());
+  ASSERT_FALSE(writer.mountPathIs(mountPath));
+  ASSERT_FALSE(reader.attach());
+  for (U64 i = 0; i < million; ++i) ASSERT_EQ(writer.rowIs(PlainRow(i, 0.5)), WriteStatus::ok);
+
+  Trace::Capture trace("SharedTable", "2");
+  U64 const refused = Stats::counter("sharedTableFull").value();
+  EXPECT_EQ(writer.rowIs(PlainRow(million)), WriteStatus::full);
+  EXPECT_EQ(Stats::counter("sharedTableFull").value(), refused + 1);
+  EXPECT_EQ(trace.texts(2).size(), 1u);
+
+  EXPECT_EQ(reader.count(), million);
+  EXPECT_TRUE(seesAll(reader));
+  for (U64 i = 0; i < million; i += 7) {
+    ASSERT_EQ(writer.rowIs(PlainRow(i, 1.5)), WriteStatus::ok);
+    ASSERT_EQ(reader.row(keyOf(i)).row.time(), 1.5);
+  }
+  EXPECT_EQ(reader.row(keyOf(million)).status, LookupStatus::missing);
+
+  ASSERT_FALSE(writer.mountPathDel());
+  EXPECT_EQ(writer.count(), million);
+  EXPECT_TRUE(seesAll(writer));
+  ASSERT_FALSE(writer.mountPathIs(mountPath));
+  EXPECT_EQ(reader.wait(reader.changeCount(), std::chrono::seconds(1)), SharedTable::WaitResult::attached);
+  EXPECT_TRUE(seesAll(reader));
+  EXPECT_EQ(writer.rowDel(keyOf(7))->time(), 1.5);
+  EXPECT_EQ(writer.rowIs(PlainRow(million)), WriteStatus::ok);
+  EXPECT_TRUE(reader.row(keyOf(million)));
+}
+
+}  // namespace

@@ -1,0 +1,368 @@
+#include <RouterPlatform/Stats/Counter.h>
+#include <tests/RouterPlatform/SharedTable/TableFixture.h>
+#include <tests/RouterPlatform/Trace/TraceCapture.h>
+
+#include <map>
+#include <memory>
+#include <random>
+#include <set>
+
+namespace {
+
+using namespace SharedTableTest;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+std::map<U64, U64> contentsOf(Writer const& writer) {
+  std::map<U64, U64> contents;
+  SharedTable::WalkResult const result = writer.forEach([&](Row const& row) {
+    EXPECT_TRUE(row.whole());
+    EXPECT_TRUE(contents.emplace(row.number(), row.version()).second) << "visited twice: " << row.number();
+  });
+  EXPECT_TRUE(result.exact);
+  EXPECT_EQ(result.rows, contents.size());
+  return contents;
+}
+
+/// Everything holds for a writer whose rows are its own and for one whose rows are mounted.
+class WriterOperations : public Tables, public testing::WithParamInterface<bool> {
+ protected:
+  WriterOperations() : writer_(collection, writerOptions()) {
+    if (GetParam()) {
+      EXPECT_FALSE(writer_.mountPathIs(mountPath));
+    }
+  }
+  Writer writer_;
+};
+INSTANTIATE_TEST_SUITE_P(SharedTable, WriterOperations, testing::Bool(),
+                         [](auto const& of) { return of.param ? "Mounted" : "Unmounted"; });
+
+TEST_P(WriterOperations, ANewTableIsEmpty) {
+  EXPECT_EQ(writer_.count(), 0u);
+  EXPECT_EQ(writer_.row(Key::of(1)), std::nullopt);
+  EXPECT_THAT(contentsOf(writer_), IsEmpty());
+}
+
+TEST_P(WriterOperations, AWrittenRowIsFound) {
+  EXPECT_EQ(writer_.rowIs(Row(1, 10)), WriteStatus::ok);
+  EXPECT_EQ(writer_.row(Key::of(1)), Row(1, 10));
+  EXPECT_TRUE(writer_.contains(Key::of(1)));
+  EXPECT_FALSE(writer_.contains(Key::of(2)));
+  EXPECT_EQ(writer_.count(), 1u);
+}
+
+TEST_P(WriterOperations, WritingAgainReplacesTheRow) {
+  writer_.rowIs(Row(1, 10));
+  writer_.rowIs(Row(1, 11));
+  EXPECT_EQ(writer_.row(Key::of(1)), Row(1, 11));
+  EXPECT_EQ(writer_.count(), 1u);
+  EXPECT_EQ(writer_.changeCount(), 2u);
+}
+
+TEST_P(WriterOperations, RemovingReturnsTheRow) {
+  writer_.rowIs(Row(1, 10));
+  writer_.rowIs(Row(2, 20));
+  EXPECT_EQ(writer_.rowDel(Key::of(1)), Row(1, 10));
+  EXPECT_EQ(writer_.row(Key::of(1)), std::nullopt);
+  EXPECT_EQ(writer_.row(Key::of(2)), Row(2, 20));
+  EXPECT_EQ(writer_.count(), 1u);
+}
+
+TEST_P(WriterOperations, RemovingAnAbsentKeyReturnsNothingAndIsNoChange) {
+  writer_.rowIs(Row(1, 10));
+  EXPECT_EQ(writer_.rowDel(Key::of(2)), std::nullopt);
+  EXPECT_EQ(writer_.changeCount(), 1u);
+}
+
+TEST_P(WriterOperations, RemovingAllLeavesAnEmptyTable) {
+  for (U64 i = 0; i < 200; ++i) writer_.rowIs(Row(i, i));
+  writer_.rowDelAll();
+  EXPECT_EQ(writer_.count(), 0u);
+  EXPECT_THAT(contentsOf(writer_), IsEmpty());
+}
+
+TEST_P(WriterOperations, TheTableGrowsWithItsRows) {
+  std::map<U64, U64> expected;
+  for (U64 i = 0; i < 1024; ++i) {
+    ASSERT_EQ(writer_.rowIs(Row(i, i * 3)), WriteStatus::ok);
+    expected[i] = i * 3;
+  }
+  EXPECT_EQ(writer_.count(), 1024u);
+  EXPECT_EQ(contentsOf(writer_), expected);
+}
+
+TEST_P(WriterOperations, ARowAboveTheMaximumIsRefusedCountedAndTracedAndTheRestStaysUsable) {
+  Trace::Capture trace("SharedTable", "2");
+  for (U64 i = 0; i < 1024; ++i) writer_.rowIs(Row(i, 0));
+  U64 const refused = Stats::counter("sharedTableFull").value();
+  EXPECT_EQ(writer_.rowIs(Row(5000, 0)), WriteStatus::full);
+  EXPECT_EQ(Stats::counter("sharedTableFull").value(), refused + 1);
+  EXPECT_THAT(trace.texts(2), ElementsAre(HasSubstr("Could not write row to ")));
+  EXPECT_THAT(trace.texts(2), ElementsAre(HasSubstr("table full ( 1024 rows, 1024 at most )")));
+  EXPECT_EQ(writer_.row(Key::of(5000)), std::nullopt);
+  for (U64 i = 0; i < 1024; ++i) ASSERT_EQ(writer_.rowIs(Row(i, 1)), WriteStatus::ok);
+  EXPECT_TRUE(writer_.rowDel(Key::of(7)));
+  EXPECT_EQ(writer_.rowIs(Row(5000, 0)), WriteStatus::ok);
+  EXPECT_EQ(writer_.count(), 1024u);
+}
+
+TEST_P(WriterOperations, ARowChangedInTheWritableSlotIsPublishedByCommit) {
+  writer_.rowIs(Row(1, 10));
+  Row* const row = writer_.writable(Key::of(1));
+  ASSERT_NE(row, nullptr);
+  EXPECT_EQ(*row, Row(1, 10));
+  row->versionIs(11);
+  EXPECT_EQ(writer_.row(Key::of(1)), Row(1, 10)) << "not before the commit";
+  EXPECT_EQ(writer_.commit(*row), WriteStatus::ok);
+  EXPECT_EQ(writer_.row(Key::of(1)), Row(1, 11));
+  row->versionIs(12);
+  EXPECT_EQ(writer_.commit(*row), WriteStatus::ok);
+  EXPECT_EQ(writer_.row(Key::of(1)), Row(1, 12));
+  EXPECT_EQ(writer_.count(), 1u);
+}
+
+TEST_P(WriterOperations, ThereIsNoWritableSlotForAnAbsentKey) { EXPECT_EQ(writer_.writable(Key::of(1)), nullptr); }
+
+TEST_P(WriterOperations, ACommitOfARowThatWentMeanwhileCreatesItAnew) {
+  writer_.rowIs(Row(1, 10));
+  Row* const row = writer_.writable(Key::of(1));
+  writer_.rowDel(Key::of(1));
+  writer_.rowIs(Row(2, 20));
+  EXPECT_EQ(writer_.commit(*row), WriteStatus::ok);
+  EXPECT_EQ(writer_.row(Key::of(1)), Row(1, 10));
+  EXPECT_EQ(writer_.row(Key::of(2)), Row(2, 20));
+}
+
+TEST_P(WriterOperations, ACommitAfterTheTableGrewFindsTheRow) {
+  writer_.rowIs(Row(1, 10));
+  Row* const row = writer_.writable(Key::of(1));
+  for (U64 i = 2; i < 500; ++i) writer_.rowIs(Row(i, 0));
+  row->versionIs(11);
+  EXPECT_EQ(writer_.commit(*row), WriteStatus::ok);
+  EXPECT_EQ(writer_.row(Key::of(1)), Row(1, 11));
+  EXPECT_EQ(writer_.count(), 499u);
+}
+
+TEST_P(WriterOperations, ACommitOfAnotherRowWritesThatRow) {
+  writer_.rowIs(Row(1, 10));
+  writer_.writable(Key::of(1));
+  EXPECT_EQ(writer_.commit(Row(2, 20)), WriteStatus::ok);
+  EXPECT_EQ(writer_.row(Key::of(1)), Row(1, 10));
+  EXPECT_EQ(writer_.row(Key::of(2)), Row(2, 20));
+}
+
+TEST_P(WriterOperations, AWalkCanBeStopped) {
+  for (U64 i = 0; i < 100; ++i) writer_.rowIs(Row(i, 0));
+  int visited = 0;
+  SharedTable::WalkResult const result = writer_.forEach([&](Row const&) { return ++visited < 5; });
+  EXPECT_EQ(visited, 5);
+  EXPECT_TRUE(result.stopped);
+  EXPECT_FALSE(result.exact);
+}
+
+TEST_P(WriterOperations, AWalkBearsEveryChangeOfRowsAndVisitsWhatStaysOnce) {
+  for (U64 i = 0; i < 100; ++i) writer_.rowIs(Row(i, 0));
+  std::multiset<U64> visited;
+  U64 next = 1000;
+  SharedTable::WalkResult const result = writer_.forEach([&](Row const& row) {
+    visited.insert(row.number());
+    if (row.number() < 50) writer_.rowDel(row.key());
+    for (int i = 0; i < 5 && next < 1500; ++i) writer_.rowIs(Row(next++, 0));  // the index grows several times
+  });
+  EXPECT_FALSE(result.exact);
+  for (U64 i = 50; i < 100; ++i) EXPECT_EQ(visited.count(i), 1u) << i;
+  for (U64 const number : visited) EXPECT_EQ(visited.count(number), 1u) << number;
+}
+
+TEST_P(WriterOperations, ManyChangesLeaveWhatAMapWouldHold) {
+  std::mt19937_64 random(7);
+  std::map<U64, U64> expected;
+  for (U64 version = 1; version < 60000; ++version) {
+    // New keys all the time, so that tombstones pile up and the index is cleaned; and keys that come back.
+    U64 const number = random() % 2 ? random() % 400 : version / 100 * 50 + random() % 200;
+    if (random() % 5 < 2 || expected.size() > 600) {
+      auto const removed = writer_.rowDel(Key::of(number));
+      auto const it = expected.find(number);
+      ASSERT_EQ(removed.has_value(), it != expected.end());
+      if (removed) {
+        ASSERT_EQ(removed->version(), it->second);
+        expected.erase(it);
+      }
+    } else {
+      ASSERT_EQ(writer_.rowIs(Row(number, version)), WriteStatus::ok);
+      expected[number] = version;
+    }
+    if (version % 5000 == 0) {
+      ASSERT_EQ(contentsOf(writer_), expected);
+      for (auto const& [n, v] : expected) ASSERT_EQ(writer_.row(Key::of(n)), Row(n, v));
+    }
+  }
+  EXPECT_EQ(writer_.count(), expected.size());
+}
+
+class WriterMounting : public Tables {};
+
+TEST_F(WriterMounting, KeepsTheRowsInTheTableAndTakesThemBack) {
+  Writer writer(collection, writerOptions());
+  std::map<U64, U64> expected;
+  for (U64 i = 0; i < 300; ++i) {
+    writer.rowIs(Row(i, i));
+    expected[i] = i;
+  }
+  ASSERT_FALSE(writer.mountPathIs(mountPath));
+  EXPECT_EQ(writer.mountStatus(), MountStatus::mounted);
+  EXPECT_EQ(contentsOf(writer), expected);
+  EXPECT_TRUE(std::filesystem::exists(path()));
+  writer.rowIs(Row(500, 1));
+  expected[500] = 1;
+  ASSERT_FALSE(writer.mountPathDel());
+  EXPECT_EQ(writer.mountStatus(), MountStatus::unmounted);
+  EXPECT_EQ(contentsOf(writer), expected);
+  EXPECT_FALSE(std::filesystem::exists(path()));
+}
+
+TEST_F(WriterMounting, CanBeRepeatedAndMoved) {
+  Writer writer(collection, writerOptions());
+  writer.rowIs(Row(1, 1));
+  for (int i = 0; i < 3; ++i) {
+    ASSERT_FALSE(writer.mountPathIs(mountPath));
+    ASSERT_FALSE(writer.mountPathIs(mountPath)) << "the same path again is no change";
+    ASSERT_FALSE(writer.mountPathIs("elsewhere"));
+    EXPECT_FALSE(std::filesystem::exists(path()));
+    EXPECT_TRUE(std::filesystem::exists(directory_ + "/elsewhere/row.tbl"));
+    ASSERT_FALSE(writer.mountPathIs(""));
+    EXPECT_EQ(writer.row(Key::of(1)), Row(1, 1));
+  }
+}
+
+TEST_F(WriterMounting, EndsWithTheWriter) {
+  {
+    Writer writer(collection, writerOptions());
+    ASSERT_FALSE(writer.mountPathIs(mountPath));
+    EXPECT_TRUE(std::filesystem::exists(path()));
+  }
+  EXPECT_FALSE(std::filesystem::exists(path()));
+}
+
+TEST_F(WriterMounting, TellsItsOwnerInOrder) {
+  Writer writer(collection, writerOptions());
+  std::vector<std::string> heard;
+  writer.callbacksAre(
+      {[&](Key const&) { heard.push_back("row"); },
+       [&] { heard.push_back(writer.mountStatus() == MountStatus::mounted ? "mounted" : "not mounted"); },
+       [&](bool quiesced) { heard.push_back(quiesced ? "quiesced" : "active"); }});
+  writer.rowIs(Row(1, 1));
+  ASSERT_FALSE(writer.mountPathIs(mountPath));
+  writer.rowIs(Row(1, 2));
+  writer.rowDel(Key::of(1));
+  ASSERT_FALSE(writer.mountPathDel());
+  EXPECT_THAT(heard, ElementsAre("active", "mounted", "not mounted", "quiesced"));
+}
+
+TEST_F(WriterMounting, TheLastCallbackMayEndTheWriter) {
+  auto writer = std::make_unique<Writer>(collection, writerOptions());
+  ASSERT_FALSE(writer->mountPathIs(mountPath));
+  writer->callbacksAre({nullptr, nullptr, [&](bool quiesced) {
+                          if (quiesced) writer.reset();
+                        }});
+  EXPECT_FALSE(writer->mountPathDel());
+  EXPECT_EQ(writer, nullptr);
+}
+
+TEST_F(WriterMounting, ASecondWriterIsRefusedAndTouchesNothing) {
+  Writer first(collection, writerOptions());
+  first.rowIs(Row(1, 1));
+  ASSERT_FALSE(first.mountPathIs(mountPath));
+  Reader reader(mountPath, collection, readerOptions());
+  ASSERT_FALSE(reader.attach());
+
+  Trace::Capture trace("SharedTable", "2");
+  U64 const failed = Stats::counter("sharedTableMountFailed").value();
+  Writer second(collection, writerOptions());
+  second.rowIs(Row(2, 2));
+  EXPECT_EQ(second.mountPathIs(mountPath).code, Errc::secondWriter);
+  EXPECT_EQ(second.mountStatus(), MountStatus::failed);
+  EXPECT_EQ(second.row(Key::of(2)), Row(2, 2)) << "the rows stay in the process";
+  EXPECT_EQ(second.rowIs(Row(3, 3)), WriteStatus::ok);
+  EXPECT_EQ(Stats::counter("sharedTableMountFailed").value(), failed + 1);
+  EXPECT_THAT(trace.texts(2), ElementsAre(HasSubstr("another writer has this table")));
+
+  EXPECT_EQ(reader.row(Key::of(1)).row, Row(1, 1));
+  EXPECT_TRUE(reader.writer().alive);
+  first.rowIs(Row(1, 2));
+  EXPECT_EQ(reader.row(Key::of(1)).row, Row(1, 2));
+  ASSERT_FALSE(first.mountPathDel());
+  EXPECT_FALSE(second.mountPathIs(mountPath)) << "free again";
+}
+
+struct NameCase {
+  char const* name;
+  char const* path;
+  char const* collection;
+  friend void PrintTo(NameCase const& c, std::ostream* out) { *out << c.name; }
+};
+class WriterNames : public Tables, public testing::WithParamInterface<NameCase> {};
+INSTANTIATE_TEST_SUITE_P(SharedTable, WriterNames,
+                         testing::Values(NameCase{"ParentDirectory", "a/../b", "row"},
+                                         NameCase{"Absolute", "/a", "row"}, NameCase{"SlashAtTheEnd", "a/", "row"},
+                                         NameCase{"TwoSlashes", "a//b", "row"}, NameCase{"HiddenName", ".a", "row"},
+                                         NameCase{"NoCollection", "a", ""},
+                                         NameCase{"SlashInTheCollection", "a", "b/c"},
+                                         NameCase{"HiddenCollection", "a", ".."}),
+                         [](auto const& of) { return of.param.name; });
+
+TEST_P(WriterNames, ThatCouldLeadElsewhereAreRefused) {
+  Writer writer(GetParam().collection, writerOptions());
+  EXPECT_EQ(writer.mountPathIs(GetParam().path).code, Errc::badName);
+  EXPECT_TRUE(std::filesystem::is_empty(directory_));
+  Reader reader(GetParam().path, GetParam().collection, readerOptions());
+  EXPECT_EQ(reader.attach().code, Errc::badName);
+}
+
+TEST_F(WriterMounting, FilesHaveTheModesThatTheyShould) {
+  mode_t const before = umask(077);
+  SharedTable::WriterOptions options = writerOptions();
+  Writer usual(collection, options);
+  options.mode = 0666;
+  Writer open("open", options);
+  options.mode = 0600;
+  Writer closed("closed", options);
+  EXPECT_FALSE(usual.mountPathIs(mountPath));
+  EXPECT_FALSE(open.mountPathIs(mountPath));
+  EXPECT_FALSE(closed.mountPathIs(mountPath));
+  umask(before);
+  auto const modeOf = [](std::string const& file) {
+    struct stat status {};
+    EXPECT_EQ(stat(file.c_str(), &status), 0);
+    return status.st_mode & 07777;
+  };
+  EXPECT_EQ(modeOf(path()), 0644u);
+  EXPECT_EQ(modeOf(path("row.lock")), 0600u);
+  EXPECT_EQ(modeOf(path("open.tbl")), 0644u) << "nobody else may write it";
+  EXPECT_EQ(modeOf(path("closed.tbl")), 0600u);
+  EXPECT_EQ(modeOf(path("")), 0755u) << "readers get there";
+}
+
+TEST_F(WriterMounting, WhatAKilledWriterWasBuildingIsSweptAway) {
+  {
+    Writer writer(collection, writerOptions());
+    ASSERT_FALSE(writer.mountPathIs(mountPath));
+  }
+  SharedTable::Fd(open(path(".row.tmp").c_str(), O_CREAT | O_WRONLY, 0644));
+  Writer writer(collection, writerOptions());
+  ASSERT_FALSE(writer.mountPathIs(mountPath));
+  EXPECT_FALSE(std::filesystem::exists(path(".row.tmp")));
+}
+
+TEST_F(WriterMounting, TheFileNeverShrinksAndHasItsFullSizeFromTheStart) {
+  Writer writer(collection, writerOptions(8, 100000));
+  ASSERT_FALSE(writer.mountPathIs(mountPath));
+  auto const size = std::filesystem::file_size(path());
+  for (U64 i = 0; i < 5000; ++i) writer.rowIs(Row(i, 0));
+  EXPECT_EQ(std::filesystem::file_size(path()), size);
+  writer.rowDelAll();
+  EXPECT_EQ(std::filesystem::file_size(path()), size);
+}
+
+}  // namespace
