@@ -1,0 +1,26 @@
+#include <Ipv6RouterAdvt/RouterAdvtUtils/Icmp6ChecksumValid.h>
+#include <Ipv6RouterAdvt/RouterAdvtUtils/OptionWriter.h>
+
+namespace RouterAdvt {
+
+using Net::Icmp6Hdr;
+using Net::IpChecksum;
+
+bool icmp6ChecksumValid(Ptr<Ip6PktInfo> const& pktInfo) {
+  TRACE_AT(utilsTrace, 8, Trace::Location{utilsSource, 598, "icmp6ChecksumValid"},
+           "bool RouterAdvt::icmp6ChecksumValid(const Ptr&)");
+  Pkt& pkt = *pktInfo->packet();
+  Icmp6Hdr& icmp6Hdr = *pkt.icmp6Hdr();
+  Net::Icmp6PseudoHdr const pseudoHdr{.sourceAddress = pktInfo->sourceAddr().octets(),
+                                      .destinationAddress = pktInfo->destAddr().octets(),
+                                      .upperLayerPacketLength = static_cast<U32>(pkt.icmp6MsgLen()),
+                                      .zero = {},
+                                      .nextHeader = Net::Ip6NextHeader::icmp6};
+  IpChecksum const received(icmp6Hdr.checksum);
+  icmp6Hdr.checksum = 0;
+  IpChecksum const computed = icmp6Hdr.computedChecksum(pseudoHdr);
+  icmp6Hdr.checksum = received.field();
+  return received == computed;
+}
+
+}  // namespace RouterAdvt

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
+#include <RouterPlatform/Packet/Icmp6HdrOptions.h>
+
+#include <span>
+
+namespace RouterAdvt {
+
+/// The `Header` at `offset` of a message, or null when not all of it lies in the message.
+template <class Header>
+Header const* viewAt(std::span<U8 const> message, U64 offset) noexcept {
+  static_assert(alignof(Header) == 1 && std::is_trivially_copyable_v<Header>);
+  if (offset > message.size() || sizeof(Header) > message.size() - offset) return nullptr;
+  return reinterpret_cast<Header const*>(message.data() + offset);
+}
+
+/// Goes from option to option of a Router Advertisement, RFC 4861 4.6. Only type and length of an option have to lie in
+/// the message; its fields are read through `as`. Refers to the message.
+///
+/// The offset has 16 bits. In a message of about 64 KiB or more it wraps, and the walk goes on at a small offset, among
+/// octets that it has passed before.
+class OptionReader {
+ public:
+  /// Octets of a message before its options, RFC 4861 4.2.
+  static constexpr U16 optionsOffset = 16;
+  /// Offsets are multiples of 8 below 2^16: after so many options the walk only repeats itself, and ends.
+  static constexpr U32 optionsMax = (1U << 16) / 8;
+
+  explicit OptionReader(std::span<U8 const> message) noexcept : message_(message) {}
+
+  /// Goes to the next option; false: there is none. An option of length 0 is followed by itself.
+  bool next() noexcept {
+    Net::Icmp6HdrOption const* const found = viewAt<Net::Icmp6HdrOption>(message_, nextOffset_);
+    if (!found || count_ == optionsMax) return false;
+    ++count_;
+    option_ = found;
+    offset_ = nextOffset_;
+    nextOffset_ = static_cast<U16>(nextOffset_ + 8 * found->length);
+    return true;
+  }
+
+  /// How many options the walk has come to.
+  U32 count() const noexcept { return count_; }
+
+  // Of the option it has come to:
+  U16 offset() const noexcept { return offset_; }
+  U8 type() const noexcept { return option_->type; }
+  U8 length() const noexcept { return option_->length; }  ///< units of 8 octets
+  /// The option's fields, whatever its length says; null when they pass the end of the message.
+  template <class Option>
+  Option const* as() const noexcept {
+    return viewAt<Option>(message_, offset_);
+  }
+
+ private:
+  std::span<U8 const> message_;
+  Net::Icmp6HdrOption const* option_ = nullptr;
+  U16 offset_ = 0;
+  U16 nextOffset_ = optionsOffset;
+  U32 count_ = 0;
+};
+
+}  // namespace RouterAdvt

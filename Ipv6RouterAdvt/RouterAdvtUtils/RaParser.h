@@ -1,0 +1,24 @@
+#pragma once
+
+#include <Ipv6RouterAdvt/Export.h>
+#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
+#include <Ipv6RouterAdvt/RouterAdvt/RaPacket.h>
+#include <RouterPlatform/Packet/Ip6PktInfo.h>
+
+namespace RouterAdvt {
+
+using Net::Ip6PktInfo;
+
+/// Reads a received Router Advertisement, RFC 4861 4.2: its header, MTU option (the last one counts) and Prefix
+/// Information options (the first one of a prefix counts); other options are passed over.
+///
+/// Lenient: type, code, checksum, hop limit and source address are the caller's to check. The one thing that is
+/// rejected, traced at level 3, is an option of length 0: the result is the empty packet then (`!packet`).
+///
+/// Nothing outside the message's octets is read, whatever lengths it has. Header fields that a short message lacks are
+/// 0. A Prefix Information or MTU option with a field behind the end of the message ends the options, without being
+/// counted among them. The time is linear in the size of the message, and bounded. Up to 4 prefixes take no allocation.
+/// Keeps no state: any thread that owns the packet may call this. A descriptor without a packet is a programming error.
+ROUTER_ADVT_EXPORT RaPacket makeRaPacketType(IntfId intfId, Ptr<Ip6PktInfo> const& pktInfo);
+
+}  // namespace RouterAdvt
