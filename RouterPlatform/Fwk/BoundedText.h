@@ -60,14 +60,17 @@ class alignas(8) BoundedText {
 
   /// Takes the same time for every text.
   U64 hash(U64 seed = 0) const noexcept {
-    std::array<U64, (bound + 1) / 8> words;
-    std::memcpy(words.data(), this, sizeof words);
     HashAccumulator accumulator(seed);
-    for (U64 const word : words) accumulator.mix(word);
+    for (std::size_t i = 0; i < wordCount; ++i) accumulator.mix(word(i));
     return accumulator.result();
   }
 
-  bool operator==(BoundedText const& other) const noexcept = default;
+  /// Takes the same time for every text, too: keys are compared in a row when they are looked up.
+  bool operator==(BoundedText const& other) const noexcept {
+    U64 difference = 0;
+    for (std::size_t i = 0; i < wordCount; ++i) difference |= word(i) ^ other.word(i);
+    return difference == 0;
+  }
 
   /// Octet by octet, as unsigned numbers; a text stands before those that it begins.
   std::strong_ordering operator<=>(BoundedText const& other) const noexcept { return view() <=> other.view(); }
@@ -77,6 +80,13 @@ class alignas(8) BoundedText {
   friend bool operator==(Derived const& value, Text const& text) noexcept { return value.view() == text; }
 
  private:
+  static constexpr std::size_t wordCount = (bound + 1) / 8;
+  U64 word(std::size_t i) const noexcept {
+    U64 result;
+    std::memcpy(&result, reinterpret_cast<unsigned char const*>(this) + i * sizeof result, sizeof result);
+    return result;
+  }
+
   void assign(std::string_view text) {
     if (!fits(text)) detail::throwTextTooLong(Derived::textTypeName, text, bound);
     text.copy(octets_.data(), text.size());

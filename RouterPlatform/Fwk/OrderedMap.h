@@ -8,7 +8,9 @@ namespace Fwk {
 inline constexpr U32 defaultIndexAbove = 8;
 
 /// Values by key in insertion order; notifies nobody. What a collection inside a value type is made of.
-/// `inlineRoom`: members that need no allocation.
+/// `inlineRoom`: members that need no allocation. `indexAboveMembers`: members that are searched one by one.
+///
+/// A moved-from map is empty. Thread rule: that of `OrderedTable`; `find`, `contains`, `==` and `forEach` only read.
 template <class K, class V, U32 inlineRoom = 0, U32 indexAboveMembers = defaultIndexAbove>
 class OrderedMap {
  public:
@@ -37,7 +39,8 @@ class OrderedMap {
     return entry ? &entry->value : nullptr;
   }
 
-  /// Stores `value` under `key`. True unless an equal value stood there.
+  /// Stores `value` under `key`; a new key comes last, another keeps its place. True unless an equal value stood there.
+  /// Throws what copying throws, and std::bad_alloc, having added nothing.
   bool set(K const& key, V const& value) {
     if (Entry* const entry = table_.find(key)) {
       if (entry->value == value) return false;

@@ -61,32 +61,33 @@ struct OrderedRoom<Slot, 0> {
 /// Elements stand densely in one array; a removed one leaves a hole until the array is compacted. A walk is registered
 /// with the table, which moves it along: a walk sees every element that was there when it began and still is when its
 /// turn comes, whatever else happens, the end of the table included.
+///
+/// Thread rule: one thread at a time; `find`, `contains`, `forEach` and frozen iterators, which enter nothing into the
+/// table, may run on several threads while nothing changes.
 template <class Element, class Policy>
 class OrderedTable {
   using SlotAccess = OrderedSlot<Element>;
   using Slot = typename SlotAccess::Type;
   static constexpr U32 npos = OrderedIndex::npos;
+  static constexpr U32 maxCapacity = U32{1} << 30;
 
  public:
   using Key = std::remove_cvref_t<decltype(Policy::key(std::declval<Element const&>()))>;
 
   OrderedTable() noexcept = default;
-  OrderedTable(OrderedTable const& other) { copyFrom(other); }
-  // Moves the elements one by one into slots of its own, for which it allocates.
-  // NOLINTNEXTLINE(performance-noexcept-move-constructor)
-  OrderedTable(OrderedTable&& other) { moveFrom(other); }
+  /// The same elements in the same order, none of the walks. Throws what copying an element throws, and std::bad_alloc.
+  OrderedTable(OrderedTable const& other) : OrderedTable() { copyFrom(other); }
+  /// Leaves `other` empty; walks over it end.
+  OrderedTable(OrderedTable&& other) noexcept { takeFrom(other); }
+  /// Walks in progress here end. Throws like copying, and is then as it was before.
   OrderedTable& operator=(OrderedTable const& other) {
-    if (this != &other) {
-      clear();
-      copyFrom(other);
-    }
+    if (this != &other) *this = OrderedTable(other);
     return *this;
   }
-  // NOLINTNEXTLINE(performance-noexcept-move-constructor)
-  OrderedTable& operator=(OrderedTable&& other) {
+  OrderedTable& operator=(OrderedTable&& other) noexcept {
     if (this != &other) {
       clear();
-      moveFrom(other);
+      takeFrom(other);
     }
     return *this;
   }
@@ -114,16 +115,16 @@ class OrderedTable {
     Slot* const slot = std::construct_at(slots() + position, std::move(element));
     ++used_;
     ++live_;
-    if (index_) index_->add(hash(SlotAccess::get(*slot)), position);
+    if (index_) index_->add(hash(*slot), position);
     return SlotAccess::get(*slot);
   }
 
-  /// Takes the element of `key` out, if it is there.
+  /// Takes the element of `key` out, if it is there. `key` may be the element's own.
   std::optional<Element> remove(Key const& key) noexcept {
     U32 const position = positionOf(key);
     if (position == npos) return std::nullopt;
     Slot& slot = slots()[position];
-    if (index_) index_->remove(hash(SlotAccess::get(slot)), position);
+    if (index_) index_->remove(hash(slot), position);
     std::optional<Element> removed(std::move(SlotAccess::get(slot)));
     slot = Slot();
     --live_;
@@ -132,6 +133,7 @@ class OrderedTable {
     return removed;
   }
 
+  /// Takes all elements out; walks in progress end. The room stays.
   void clear() noexcept {
     destroySlots();
     used_ = live_ = 0;
@@ -214,17 +216,28 @@ class OrderedTable {
   FrozenIterator frozenEnd() const noexcept { return {slots() + used_, slots() + used_}; }
 
  private:
-  static U32 hashOfKey(Key const& key) noexcept { return static_cast<U32>(hashOf(key, processHashSeed())); }
-  static U32 hash(Element const& element) noexcept { return hashOfKey(Policy::key(element)); }
+  static_assert(std::is_nothrow_move_constructible_v<Slot> && std::is_nothrow_move_assignable_v<Slot>,
+                "a change never stops half way");
+
+  /// Of an element, when there is an index.
+  U32 hash(Slot const& slot) const noexcept { return index_->hash(Policy::key(SlotAccess::get(slot))); }
 
   Slot* slots() const noexcept { return heap_ ? heap_ : inline_.slots(); }
 
   U32 positionOf(Key const& key) const noexcept {
     Slot const* const all = slots();
-    if (index_) return index_->find(hashOfKey(key), [&](U32 i) { return Policy::key(SlotAccess::get(all[i])) == key; });
-    for (U32 i = 0; i < used_; ++i)
-      if (all[i] && Policy::key(SlotAccess::get(all[i])) == key) return i;
-    return npos;
+    if (index_)
+      return index_->find(index_->hash(key), [&](U32 i) { return Policy::key(SlotAccess::get(all[i])) == key; });
+    // Where the wanted element stands cannot be foreseen, so every one is compared and the result chosen: a branch that
+    // is mispredicted costs more than the rest. A copy of the key can stay in registers.
+    U32 found = npos;
+    std::conditional_t<std::is_trivially_copyable_v<Key>, Key const, Key const&> wanted = key;
+    for (U32 i = 0; i < used_; ++i) {
+      if (!all[i]) continue;
+      bool const equal = Policy::key(SlotAccess::get(all[i])) == wanted;
+      found = equal ? i : found;
+    }
+    return found;
   }
 
   /// Everything that may throw on the way to one more element.
@@ -235,18 +248,14 @@ class OrderedTable {
   }
 
   void buildIndex(U32 members) {
-    auto index = std::make_unique<OrderedIndex>(members);
-    fillIndex(*index);
-    index_ = std::move(index);
-  }
-
-  void fillIndex(OrderedIndex& index) const noexcept {
+    index_ = std::make_unique<OrderedIndex>(members);
     Slot const* const all = slots();
     for (U32 i = 0; i < used_; ++i)
-      if (all[i]) index.add(hash(SlotAccess::get(all[i])), i);
+      if (all[i]) index_->add(hash(all[i]), i);
   }
 
   void growSlots(U32 capacity) {
+    if (capacity > maxCapacity) throw std::bad_alloc();
     Slot* const grown = std::allocator<Slot>().allocate(capacity);
     Slot* const old = slots();
     for (U32 i = 0; i < used_; ++i) {
@@ -258,7 +267,7 @@ class OrderedTable {
     capacity_ = capacity;
   }
 
-  /// Closes the holes; walks go along.
+  /// Closes the holes; walks go along. Takes time for each slot in use, however large the index once grew.
   void compact() noexcept {
     Slot* const all = slots();
     for (OrderedWalk* walk = walks_; walk; walk = walk->outer) {
@@ -269,14 +278,15 @@ class OrderedTable {
     U32 to = 0;
     for (U32 from = 0; from < used_; ++from) {
       if (!all[from]) continue;
-      if (from != to) all[to] = std::exchange(all[from], Slot());
+      if (from != to) {
+        all[to] = std::exchange(all[from], Slot());
+        if (index_) index_->move(hash(all[to]), from, to);
+      }
       ++to;
     }
     std::destroy(all + to, all + used_);
     used_ = to;
-    if (!index_) return;
-    index_->clear();
-    fillIndex(*index_);
+    if (live_ <= Policy::indexAbove) index_.reset();
   }
 
   U32 liveBefore(U32 position) const noexcept {
@@ -299,10 +309,20 @@ class OrderedTable {
     other.forEach([this](Element const& element) { add(element); });
   }
 
-  void moveFrom(OrderedTable& other) {
-    for (U32 i = 0; i < other.used_; ++i)
-      if (other.slots()[i]) add(std::move(SlotAccess::get(other.slots()[i])));
-    other.clear();
+  /// Everything that `other` has, into an empty table.
+  void takeFrom(OrderedTable& other) noexcept {
+    if (other.heap_) {
+      releaseHeap();
+      heap_ = std::exchange(other.heap_, nullptr);
+      capacity_ = std::exchange(other.capacity_, Policy::inlineCapacity);
+    } else {
+      std::uninitialized_move_n(other.slots(), other.used_, slots());
+      other.destroySlots();
+    }
+    index_ = std::move(other.index_);
+    used_ = std::exchange(other.used_, 0);
+    live_ = std::exchange(other.live_, 0);
+    other.limitWalks();
   }
 
   void destroySlots() noexcept { std::destroy(slots(), slots() + used_); }

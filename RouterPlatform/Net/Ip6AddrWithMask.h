@@ -36,7 +36,12 @@ class ROUTER_PLATFORM_EXPORT Ip6AddrWithMask {
   Fwk::U64 hash(Fwk::U64 seed = 0) const noexcept {
     return Fwk::HashAccumulator(address_.hash(seed)).mix(maskLen_).result();
   }
-  constexpr bool operator==(Ip6AddrWithMask const&) const noexcept = default;
+  constexpr bool operator==(Ip6AddrWithMask const& other) const noexcept {
+    using Words = std::array<Fwk::U64, 2>;
+    auto const [a0, a1] = std::bit_cast<Words>(address_);
+    auto const [b0, b1] = std::bit_cast<Words>(other.address_);
+    return ((a0 ^ b0) | (a1 ^ b1) | Fwk::U64(maskLen_ ^ other.maskLen_)) == 0;  // one branch at most
+  }
   constexpr std::strong_ordering operator<=>(Ip6AddrWithMask const&) const noexcept = default;
 
  private:
