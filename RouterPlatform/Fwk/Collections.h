@@ -9,7 +9,8 @@
 
 namespace Fwk {
 
-/// Entities by key, owned by the entity that has the collection. The key is the member's own: `T::key()`.
+/// Entities by key, owned by the entity that has the collection. The key is the member's own: `T::key()`. Members are
+/// ended by their last `Ptr`, not by leaving; when the owner ends, those that live on have no parent.
 ///
 /// Members are walked in insertion order as `{key, value}` with `value` a `Ptr`; the collection may change during a
 /// walk in any way. Thread rule: that of the owner; only `frozen()` walks and `find` may run on several threads at
@@ -51,7 +52,8 @@ class EntityCollection {
     return found ? found->get() : nullptr;
   }
 
-  /// The member of that key. Makes it if it is not there: all defaults, parent set, then notified with the key.
+  /// The member of that key. Makes it if it is not there: all defaults, parent set, then notified with the key. Throws
+  /// what the member's constructor throws, and std::bad_alloc, having changed nothing.
   Ptr<T> memberIs(K const& key) {
     if (Ptr<T> const* const found = members_.find(key)) return *found;
     Ptr<T> made = create<T>(key);
@@ -61,7 +63,8 @@ class EntityCollection {
     return made;
   }
 
-  /// Takes the member out, clears its parent, notifies with the key. Null, and nobody notified, when it is not there.
+  /// Takes the member out, clears its parent, notifies with the key, and returns it. Null, and nobody notified, when it
+  /// is not there.
   Ptr<T> memberDel(K const& key) {
     std::optional<Ptr<T>> const removed = members_.remove(key);
     if (!removed) return nullptr;
@@ -70,7 +73,7 @@ class EntityCollection {
     return *removed;
   }
 
-  /// `memberDel` for every member that is there now.
+  /// `memberDel` for every member that is there now: a notification each. What observers add meanwhile stays.
   void memberDelAll() {
     for (Entry const entry : *this) memberDel(entry.key);
   }
@@ -130,7 +133,7 @@ class EntityCollection {
 };
 
 /// Values by key inside an entity; each change is notified with its key. Walked as copies, `{key, value}`, in insertion
-/// order; the collection may change during a walk.
+/// order; the collection may change during a walk. Thread rule: that of the owner.
 template <class K, class V>
 class ValueCollection {
  public:
@@ -169,7 +172,7 @@ class ValueCollection {
 
   /// `memberDel` for every key that is there now.
   void memberDelAll() {
-    for (auto walk = values_.begin(); walk != values_.end(); ++walk) memberDel((*walk).key);
+    for (Entry const entry : values_) memberDel(entry.key);
   }
 
   auto begin() const noexcept { return values_.begin(); }
@@ -182,7 +185,8 @@ class ValueCollection {
 };
 
 /// A set of keys inside an entity; each change is notified with its key. Walked as copies in insertion order; the set
-/// may change during a walk.
+/// may change during a walk. Thread rule: that of the owner; only `frozen()` walks and `contains` may run on several
+/// threads at once.
 template <class K>
 class ValueSet {
   struct Policy {
@@ -257,7 +261,7 @@ class ValueSet {
   Table keys_;
 };
 
-/// A single entity, made by name, owned by the entity that has the attribute.
+/// A single entity, made by name, owned by the entity that has the attribute. Thread rule: that of the owner.
 template <class T>
 class OwnedChild {
  public:
@@ -273,7 +277,8 @@ class OwnedChild {
   /// The child, or null.
   Ptr<T> child() const noexcept { return child_; }
 
-  /// The child of that name. One of another name loses its parent and is replaced by a new one, which is notified.
+  /// The child of that name. One of another name loses its parent and is replaced by a new one, which is notified, with
+  /// no key. Throws what the child's constructor throws, and std::bad_alloc, having changed nothing.
   Ptr<T> childIs(Name const& name) {
     if (child_ && child_->name() == name) return child_;
     Ptr<T> const made = create<T>(name);

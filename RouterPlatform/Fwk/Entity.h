@@ -45,7 +45,8 @@ class ROUTER_PLATFORM_EXPORT Entity : public PtrInterface<Entity> {
 
   /// Path of attribute names and keys from the root: `ra/intf[Ethernet1]/prefixes[2001:db8::/64]`.
   String fullName() const;
-  /// The entity whose collection or child attribute holds this one, or null. Never kept alive by this link.
+  /// The entity whose collection or child attribute holds this one, or null, also while that one ends. Never kept alive
+  /// by this link.
   Ptr<Entity> parent() const noexcept;
   /// Name of the parent's attribute that holds this entity; empty without a parent.
   String parentAttrName() const;
@@ -90,7 +91,8 @@ class ROUTER_PLATFORM_EXPORT Entity : public PtrInterface<Entity> {
 };
 
 /// Makes an entity: the one way in which entities come to be. Counts it as a living instance of its type; when the
-/// constructor throws, the storage is released and the count taken back before the exception leaves.
+/// constructor throws, the storage is released and the count taken back before the exception leaves. Throws what the
+/// constructor throws, and std::bad_alloc. The result is the only `Ptr`; notification is active.
 template <class T, class... Args>
 Ptr<T> create(Args&&... args) {
   LiveCount::Pending counted(*T::typeRecord().liveCount);

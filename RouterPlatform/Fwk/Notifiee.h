@@ -8,16 +8,18 @@ namespace Fwk {
 
 class NotifieeList;
 
-/// An observer of one entity. Registered on the entity's `notifieeList()`, which does not own it; leaves the list by
-/// itself when it ends. Called only while its own notification is active (it starts inactive).
+/// An observer of one entity. Held by `Ptr`; registered on the entity's `notifieeList()`, which does not own it; leaves
+/// the list by itself when it ends. Called only while its own notification is active (it starts inactive). `observe`
+/// makes one of a function.
 /// Thread rule: like the entity it observes.
 class ROUTER_PLATFORM_EXPORT Notifiee : public PtrInterface<Notifiee> {
  public:
-  /// A change of the observed entity. The observer may change, empty or drop that entity, and may leave the list.
+  /// A change of the observed entity. The observer may change, empty or drop that entity, may leave the list, and may
+  /// drop itself. What it throws reaches the caller of the mutator; observers whose turn had not come are not called.
   virtual void handleNotification(Notification const& notification) = 0;
 
   /// The last outside reference to the observed entity is going; still counted, so a reference taken here keeps it
-  /// alive.
+  /// alive. Must not throw.
   virtual void handleZeroReferences(Entity& entity);
 
   bool hasNotificationActive() const noexcept { return active_; }
@@ -58,6 +60,7 @@ class ROUTER_PLATFORM_EXPORT NotifieeList {
 
   /// Appends `notifiee`, which leaves the list it stood in before.
   void add(Notifiee& notifiee) noexcept;
+  /// Takes `notifiee` out, if it stands here.
   void remove(Notifiee& notifiee) noexcept;
   void clear() noexcept;
 

@@ -79,14 +79,56 @@ ReflectionResult CollectionView::delAll() const {
   return {};
 }
 
-ReflectionResult reflectCollection(ObjectRef object, std::string_view attr,
-                                   FunctionRef<void(CollectionView const&)> use) {
+namespace {
+
+template <class Attr>
+ReflectionResult useCollection(ObjectRef object, Attr attr, FunctionRef<void(CollectionView const&)> use) {
   AttributeRecord const* const record = object.type->attribute(attr);
   if (!record) return noSuchAttribute(*object.type, attr);
   if (!record->collection)
     return failure(ReflectionError::notACollection, "not a collection:", *object.type, record->name);
   use(CollectionView(object, *record));
   return {};
+}
+
+/// Calls `use` with the operations of the child attribute.
+template <class Use>
+ReflectionResult useChild(TypeRecord const& type, std::string_view attr, Use use) {
+  AttributeRecord const* const record = type.attribute(attr);
+  if (!record) return noSuchAttribute(type, attr);
+  if (!record->child) return failure(ReflectionError::notAChild, "not a child:", type, record->name);
+  return use(*record->child);
+}
+
+}  // namespace
+
+ReflectionResult reflectCollection(ObjectRef object, AttrId attr, FunctionRef<void(CollectionView const&)> use) {
+  return useCollection(object, attr, use);
+}
+ReflectionResult reflectCollection(ObjectRef object, std::string_view attr,
+                                   FunctionRef<void(CollectionView const&)> use) {
+  return useCollection(object, attr, use);
+}
+
+ReflectionResult readChild(ConstObjectRef object, std::string_view attr, Ptr<Entity>& child) {
+  return useChild(*object.type, attr, [&](ChildRecord const& record) {
+    child = record.get(object.object);
+    return ReflectionResult{};
+  });
+}
+
+ReflectionResult setChild(ObjectRef object, std::string_view attr, std::string_view name, Ptr<Entity>& child) {
+  return useChild(*object.type, attr, [&](ChildRecord const& record) {
+    child = record.set(object.object, name);
+    return child ? ReflectionResult{} : detail::badText(TextStatus::malformed, Name::textTypeName, name);
+  });
+}
+
+ReflectionResult deleteChild(ObjectRef object, std::string_view attr) {
+  return useChild(*object.type, attr, [&](ChildRecord const& record) {
+    return record.del(object.object) ? ReflectionResult{}
+                                     : failure(ReflectionError::noSuchMember, "empty:", *object.type, attr);
+  });
 }
 
 }  // namespace Fwk

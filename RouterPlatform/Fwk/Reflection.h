@@ -8,11 +8,13 @@
 /// says what is wrong. A setter reached this way notifies like any other.
 namespace Fwk {
 
-/// Appends the attribute's text to `out`.
+/// Appends the attribute's text to `out`. Fails with `noSuchAttribute`, or `notReadable` for collections, children,
+/// value records and what takes an argument; `out` is then as it was.
 ROUTER_PLATFORM_EXPORT ReflectionResult readAttribute(ConstObjectRef object, AttrId attr, std::string& out);
 ROUTER_PLATFORM_EXPORT ReflectionResult readAttribute(ConstObjectRef object, std::string_view attr, std::string& out);
 
-/// Sets the attribute from `text`.
+/// Sets the attribute from `text`. Fails with `noSuchAttribute`, `notSettable`, `malformed` or `outOfRange`; the
+/// attribute is then as it was, and nobody is notified.
 ROUTER_PLATFORM_EXPORT ReflectionResult setAttribute(ObjectRef object, AttrId attr, std::string_view text);
 ROUTER_PLATFORM_EXPORT ReflectionResult setAttribute(ObjectRef object, std::string_view attr, std::string_view text);
 
@@ -22,16 +24,20 @@ class ROUTER_PLATFORM_EXPORT CollectionView {
   CollectionView(ObjectRef object, AttributeRecord const& attr) noexcept : object_(object), attr_(&attr) {}
 
   U64 size() const { return record().size(object_.object); }
+  /// Whether there is a member of that key; false for a text that is no key.
   bool contains(std::string_view key) const;
-  /// Hands the member to `visit`.
+  /// Hands the member to `visit`. Fails with `noSuchMember`, or as a key's text is wrong.
   ReflectionResult get(std::string_view key, FunctionRef<void(MemberRef const&)> visit) const {
     return record().get(object_.object, key, visit);
   }
   /// The member of a collection of entities, or null.
   Ptr<Entity> entity(std::string_view key) const;
-  /// Makes the member, or stores the value where members are plain values.
+  /// Makes the member, or stores the value where members are plain values. Fails with `notSettable` for a collection
+  /// that cannot be changed from text, or as the text of key or value is wrong.
   ReflectionResult set(std::string_view key, std::string_view value = {}) const;
+  /// Removes the member. Fails with `noSuchMember`, `notSettable`, or as a key's text is wrong.
   ReflectionResult del(std::string_view key) const;
+  /// Removes every member. Fails with `notSettable`.
   ReflectionResult delAll() const;
   /// Calls `visit` for each member, in order, until it returns false.
   void forEach(FunctionRef<bool(MemberRef const&)> visit) const { record().forEach(object_.object, visit); }
@@ -43,8 +49,22 @@ class ROUTER_PLATFORM_EXPORT CollectionView {
   AttributeRecord const* attr_;
 };
 
-/// Calls `use` with the collection attribute of that name.
+/// Calls `use` with the collection attribute. Fails with `noSuchAttribute` or `notACollection`.
+ROUTER_PLATFORM_EXPORT ReflectionResult reflectCollection(ObjectRef object, AttrId attr,
+                                                          FunctionRef<void(CollectionView const&)> use);
 ROUTER_PLATFORM_EXPORT ReflectionResult reflectCollection(ObjectRef object, std::string_view attr,
                                                           FunctionRef<void(CollectionView const&)> use);
+
+/// The single child that the attribute holds, into `child`; null when there is none. Fails with `noSuchAttribute` or
+/// `notAChild`.
+ROUTER_PLATFORM_EXPORT ReflectionResult readChild(ConstObjectRef object, std::string_view attr, Ptr<Entity>& child);
+
+/// Makes the child of that name, or keeps it, and gives it in `child`. Fails also with `malformed` for a text that is
+/// no name.
+ROUTER_PLATFORM_EXPORT ReflectionResult setChild(ObjectRef object, std::string_view attr, std::string_view name,
+                                                 Ptr<Entity>& child);
+
+/// Empties the attribute. Fails also with `noSuchMember` when it was empty.
+ROUTER_PLATFORM_EXPORT ReflectionResult deleteChild(ObjectRef object, std::string_view attr);
 
 }  // namespace Fwk

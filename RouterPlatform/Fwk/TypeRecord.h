@@ -57,12 +57,12 @@ ROUTER_PLATFORM_EXPORT char const* attributeKindName(AttributeKind kind) noexcep
 /// Why reflection could not do what it was asked.
 enum class ReflectionError : U8 {
   none,
-  noSuchAttribute,
-  notReadable,
-  notSettable,
-  malformed,
-  outOfRange,
-  noSuchMember,
+  noSuchAttribute,  ///< no descriptor of that number or name
+  notReadable,      ///< has no text
+  notSettable,      ///< cannot be changed, or not from text
+  malformed,        ///< the text is not of the type
+  outOfRange,       ///< the text is a number that the type does not hold
+  noSuchMember,     ///< the collection has no such key, the child attribute is empty
   notACollection,
   notAChild,
 };
