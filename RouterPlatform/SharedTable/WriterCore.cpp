@@ -128,17 +128,24 @@ WriterCore::Position WriterCore::find(void const* key, U64 hash, Corruption& cor
       continue;
     }
     if (word.tag() != tag) continue;
-    RowCheck const check(checkSeedOf(header_), word.slot());
-    if (!SlotWords::copy(slot(word.slot()), scratch_.data(), scratch_.size(), check)) {
-      corruption = {Corruption::Place::slot, word.slot(), geometry_.slotOffset(word.slot())};
-      return {Find::corrupt, number, word};
-    }
-    if (std::memcmp(scratch_.data(), key, geometry_.keySize) == 0) return {Find::found, number, word};
+    // Nobody else writes, so the octets may be compared where they are.
+    if (std::memcmp(slot(word.slot()), key, geometry_.keySize) == 0) return {Find::found, number, word};
+    // Another key of the same tag, or this one damaged.
+    if (!readBack(word, corruption)) return {Find::corrupt, number, word};
   }
   corruption = {Corruption::Place::index, 0, geometry_.indexOffset[half()]};
   return {Find::corrupt, 0, {}};
 }
 
+/// Copies a row to `scratch_`; whether its check word holds.
+bool WriterCore::readBack(BucketWord word, Corruption& corruption) {
+  RowCheck const check(checkSeedOf(header_), word.slot());
+  if (SlotWords::copy(slot(word.slot()), scratch_.data(), scratch_.size(), check)) return true;
+  corruption = {Corruption::Place::slot, word.slot(), geometry_.slotOffset(word.slot())};
+  return false;
+}
+
+/// What a replaced row holds besides its key is not looked at: it goes.
 WriteStatus WriterCore::write(void const* row, Corruption& corruption) {
   U64 const hash = type_->keyHash(row, header_.hashSeed);
   Position const position = find(row, hash, corruption);
@@ -176,6 +183,7 @@ WriterCore::RemoveStatus WriterCore::remove(void const* key, void* removed, Corr
   Position const position = find(key, type_->keyHash(key, header_.hashSeed), corruption);
   if (position.outcome == Find::corrupt) return RemoveStatus::corrupt;
   if (position.outcome == Find::missing) return RemoveStatus::absent;
+  if (!readBack(position.word, corruption)) return RemoveStatus::corrupt;
   std::memcpy(removed, scratch_.data(), geometry_.rowSize);
   rows_ -= 1;
   emptyBucket(position.bucket);
@@ -205,6 +213,7 @@ LookupStatus WriterCore::stage(void const* key, void* row, Corruption& corruptio
   staged_ = find(key, type_->keyHash(key, header_.hashSeed), corruption);
   if (staged_.outcome == Find::corrupt) return LookupStatus::corrupt;
   if (staged_.outcome == Find::missing) return LookupStatus::missing;
+  if (!readBack(staged_.word, corruption)) return LookupStatus::corrupt;
   std::memcpy(row, scratch_.data(), geometry_.rowSize);
   std::memcpy(stagedKey_.data(), key, geometry_.keySize);
   stagedEpoch_ = epoch_;

@@ -94,6 +94,7 @@ class ROUTER_PLATFORM_EXPORT WriterCore {
   void announce() noexcept;
 
   Position find(void const* key, U64 hash, Corruption& corruption);
+  bool readBack(BucketWord word, Corruption& corruption);
   void replace(Position const& position, void const* row) noexcept;
   WriteStatus insert(void const* row, U64 hash, Position position, Corruption& corruption);
   void emptyBucket(U64 number) noexcept;

@@ -169,7 +169,7 @@ using DamagedTableDeathTest = DamagedTable;
 
 TEST_F(DamagedTableDeathTest, AWriteTellsTheHandlerAndFailsTheAssertion) {
   writer_.corruptionHandlerIs([](std::string_view message) { std::cerr << "handler: " << message << '\n'; });
-  damage(slotOffset(3) + 60);
+  damage(slotOffset(3) + 40);
   EXPECT_DEATH(writer_.rowIs(Row(3, 2)),
                "handler: Table .*damaged slot .* while writing(.|\n)*"
                "RouterPlatform/SharedTable:[0-9]+: safeWrite: assertion "
@@ -192,6 +192,13 @@ TEST_F(DamagedTableDeathTest, ARebuildOfADamagedIndexFailsTheAssertion) {
         for (U64 i = 100; i < 600; ++i) writer_.rowIs(Row(i, 0));
       },
       "in no man's land");
+}
+
+TEST_F(DamagedTable, AWriteRepairsARowWhoseKeyIsWhole) {
+  damage(slotOffset(3) + 60);
+  EXPECT_EQ(reader_.row(Key::of(3)).status, LookupStatus::corrupt);
+  EXPECT_EQ(writer_.rowIs(Row(3, 2)), WriteStatus::ok);
+  EXPECT_EQ(reader_.row(Key::of(3)).row, Row(3, 2));
 }
 
 TEST_F(DamagedTable, ACommitInPlaceNeedsNoLookupAndRepairsTheRow) {
