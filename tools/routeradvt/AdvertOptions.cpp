@@ -1,0 +1,71 @@
+#include <RouterPlatform/Trace/Trace.h>
+#include <tools/routeradvt/AdvertOptions.h>
+#include <tools/routeradvt/LinkConfig.h>
+#include <tools/routeradvt/ValueOption.h>
+
+#include <cstdlib>
+
+namespace Tool {
+
+namespace {
+
+/// A list of levels alone is meant for every handle.
+std::string withHandle(std::string const& levels) {
+  return levels.find('/') == std::string::npos ? "*/" + levels : levels;
+}
+
+void addAddressOptions(CLI::App& app, AdvertOptions& options) {
+  addValueOption(app, "--src", options.src, "ADDR",
+                 "IPv6 source; else the link's first link-local address, else the one made from the source MAC");
+  addValueOption(app, "--dst", options.dst, "ADDR", "IPv6 destination; else all nodes, ff02::1");
+  addValueOption(app, "--src-mac", options.srcMac, "MAC", "Ethernet source; else the link's mac");
+  addValueOption(app, "--dst-mac", options.dstMac, "MAC", "Ethernet destination; else that of the group --dst");
+  app.add_option("--mtu", options.mtu, "link MTU, which also bounds the frame; else the link's, else 1500")
+      ->type_name("OCTETS")
+      ->check(CLI::Range(LinkConfig::mtuMin, LinkConfig::mtuMax).description(""));
+}
+
+void addOutputOptions(CLI::App& app, AdvertOptions& options) {
+  app.add_flag("--hex", options.hex, "print the frame as one line of hex")->group("Output");
+  app.add_option("--write", options.write, "write the frame to a capture file, which Wireshark opens")
+      ->type_name("FILE.pcap")
+      ->group("Output");
+  auto const take = [&options](std::string const& levels) {
+    options.trace = withHandle(levels);
+    try {
+      Trace::levelsIs(options.trace);
+    } catch (Trace::SettingsError const& e) {
+      throw CLI::ValidationError("--trace", e.what());
+    }
+  };
+  app.add_option_function<std::string>("--trace", take,
+                                       "trace how the frame is made: levels such as 0-3,8,\nor HANDLE/LEVELS such as "
+                                       "'RouterAdvt*/0-8'")
+      ->type_name("LEVELS")
+      ->group("Output");
+}
+
+}  // namespace
+
+void AdvertOptions::addTo(CLI::App& app) {
+  app.add_option("FILE", file, "configuration file; - is standard input")->required();
+  app.add_option("INTF", intf, "interface, by its name in the section config")->required();
+  addAddressOptions(app, *this);
+  app.add_flag("--no-lifetime", noLifetime, "advertise Router Lifetime 0: not a default router");
+  app.add_flag("--death", death, "the final advertisement, by which hosts forget the router at once");
+  app.add_flag("--virtual-router", virtualRouter, "on behalf of the link's virtual router, with its prefixes");
+  addOutputOptions(app, *this);
+}
+
+void traceLevelsAre(std::string const& settings) {
+  Trace::levelsIs("*/");
+  if (char const* const environment = std::getenv("TRACE")) {
+    try {
+      Trace::levelsIs(environment);
+    } catch (Trace::SettingsError const&) {  // which was said at start
+    }
+  }
+  if (!settings.empty()) Trace::levelsIs(settings);
+}
+
+}  // namespace Tool

@@ -1,0 +1,51 @@
+#include <tools/routeradvt/Advert.h>
+#include <tools/routeradvt/AdvertOutput.h>
+#include <tools/routeradvt/CaptureFile.h>
+#include <tools/routeradvt/Command.h>
+#include <tools/routeradvt/FramePrinter.h>
+#include <tools/routeradvt/Octets.h>
+
+#include <CLI/CLI.hpp>
+
+#include <ostream>
+
+namespace Tool {
+
+namespace {
+
+class BuildCommand final : public Command {
+ public:
+  CLI::App& addTo(CLI::App& program) override {
+    CLI::App& app = *program.add_subcommand("build", "build one advertisement, and print it or write it to a file");
+    options_.addTo(app);
+    app.footer(
+        "Without --hex and --write the frame is printed field by field, with the offset of each.\n\n"
+        "  routeradvt build office.yaml Ethernet1\n"
+        "  routeradvt build office.yaml Ethernet1 --write ra.pcap && wireshark ra.pcap\n"
+        "  routeradvt build office.yaml Ethernet1 --death --hex");
+    app.group("Commands");
+    return app;
+  }
+
+  void run(Console& console) override {
+    ConfigFile const file = loadConfigFileOrFail(options_.file);
+    Advert const advert = makeAdvert(file, options_);
+    printAdvertWarnings(console, file, advert);
+    traceLevelsAre(options_.trace);
+    auto const packet = advert.build();
+    if (!options_.write.empty()) CaptureFile(options_.write).add(packet->octets());
+    if (options_.hex)
+      console.out << toHex(packet->octets()) << '\n';
+    else if (options_.write.empty())
+      console.out << toText(describeEthernetFrame(packet->octets()));
+  }
+
+ private:
+  AdvertOptions options_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> makeBuildCommand() { return std::make_unique<BuildCommand>(); }
+
+}  // namespace Tool

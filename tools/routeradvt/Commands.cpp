@@ -1,0 +1,14 @@
+#include <tools/routeradvt/Command.h>
+
+namespace Tool {
+
+std::vector<std::unique_ptr<Command>> makeCommands() {
+  std::vector<std::unique_ptr<Command>> commands;
+  commands.push_back(makeBuildCommand());
+  commands.push_back(makeSendCommand());
+  commands.push_back(makeShowCommand());
+  commands.push_back(makeTypesCommand());
+  return commands;
+}
+
+}  // namespace Tool

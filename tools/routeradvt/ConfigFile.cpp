@@ -1,0 +1,153 @@
+#include <Ipv6RouterAdvt/RouterAdvt/Factories.h>
+#include <tools/routeradvt/Command.h>
+#include <tools/routeradvt/ConfigFile.h>
+#include <tools/routeradvt/LinkReader.h>
+#include <tools/routeradvt/ModelReader.h>
+#include <tools/routeradvt/NearestName.h>
+#include <tools/routeradvt/YamlReader.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+namespace Tool {
+
+namespace {
+
+// The configuration's name, and so the first part of every path in it, is that of its section.
+constexpr std::string_view configSection = "config";
+constexpr std::string_view linksSection = "links";
+
+constexpr Place startOfFile{1, 1};
+
+/// The octets of a file, or why there are none.
+struct FileText {
+  std::string text;
+  std::string error;
+};
+
+FileText readWhole(std::string const& fileName) {
+  bool const fromInput = fileName == "-";
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> const opened(fromInput ? nullptr : std::fopen(fileName.c_str(), "re"),
+                                                               [](std::FILE* f) { return f ? std::fclose(f) : 0; });
+  std::FILE* const file = fromInput ? stdin : opened.get();
+  if (!file) return {{}, std::string("cannot be opened: ") + std::strerror(errno)};
+  FileText result;
+  std::array<char, 65536> chunk;
+  while (std::size_t const count = std::fread(chunk.data(), 1, chunk.size(), file))
+    result.text.append(chunk.data(), count);
+  if (std::ferror(file)) result.error = std::string("cannot be read: ") + std::strerror(errno);
+  return result;
+}
+
+class FileReader {
+ public:
+  explicit FileReader(ConfigFile& file) : file_(file), reader_(file) {}
+
+  void read(std::string const& text) {
+    std::vector<YAML::Node> documents;
+    try {
+      documents = YAML::LoadAll(text);
+    } catch (YAML::DeepRecursion const&) {
+      return reader_.error(startOfFile, {}, "not YAML that can be read: nested too deeply");
+    } catch (YAML::Exception const& e) {
+      Place const place = e.mark.is_null() ? startOfFile : Place{e.mark.line + 1, e.mark.column + 1};
+      return reader_.error(place, {}, "not YAML: " + printable(e.msg));
+    }
+    if (documents.empty() || documents[0].IsNull())
+      return reader_.error(startOfFile, {}, "the file is empty; a section config is meant");
+    if (documents.size() > 1)
+      reader_.error(placeOf(documents[1], startOfFile), {}, "a second document begins; one is meant");
+    readSections({documents[0], {}, placeOf(documents[0], startOfFile)});
+  }
+
+ private:
+  void readSections(YamlValue const& top) {
+    file_.config = RouterAdvt::configFactory(RouterAdvt::Name(configSection));
+    reader_.forEachEntry(top, "a mapping with the sections config and links",
+                         [&](YamlEntry const& entry) { readSection(entry); });
+    if (file_.errors.empty() && !hasConfig_) reader_.error(top.place, {}, "there is no section config");
+    for (LinkConfig const& link : file_.links) warnWithoutConfig(link);
+  }
+
+  void readSection(YamlEntry const& entry) {
+    reader_.notePlace(entry.key, entry.keyPlace);
+    if (entry.key == configSection) {
+      hasConfig_ = true;
+      readEntity(reader_, entry.value(entry.key), file_.config);
+    } else if (entry.key == linksSection) {
+      readLinks(reader_, entry.value(entry.key), file_.links);
+    } else {
+      reader_.error(entry.keyPlace, entry.key,
+                    "there is no such section" + nearestNameHint(entry.key, {configSection, linksSection}));
+    }
+  }
+
+  /// Harmless by itself, and most likely a slip of the pen.
+  void warnWithoutConfig(LinkConfig const& link) {
+    if (file_.config->intf(link.intfId)) return;
+    std::vector<std::string> names;
+    for (auto const& [intfId, intf] : file_.config->intf()) names.push_back(intfId.toString());
+    std::string const name = link.intfId.toString();
+    reader_.warning(link.place, "links[" + name + ']',
+                    "nothing is advertised there: config/intf has no such interface" +
+                        nearestNameHint(name, {names.begin(), names.end()}));
+  }
+
+  ConfigFile& file_;
+  YamlReader reader_;
+  bool hasConfig_ = false;
+};
+
+}  // namespace
+
+LinkConfig const* ConfigFile::link(Net::IntfId const& intfId) const {
+  auto const found = std::ranges::find(links, intfId, &LinkConfig::intfId);
+  return found == links.end() ? nullptr : &*found;
+}
+
+Place ConfigFile::placeOf(std::string path) const {
+  while (!path.empty()) {
+    if (auto const found = places.find(path); found != places.end()) return found->second;
+    // A key may have slashes of its own; what is left of it then is no path, and so found nowhere.
+    auto const slash = path.rfind('/');
+    path.resize(slash == std::string::npos ? 0 : slash);
+  }
+  return {};
+}
+
+ConfigFile readConfigText(std::string name, std::string const& text) {
+  ConfigFile file;
+  file.name = std::move(name);
+  FileReader(file).read(text);
+  sortByPlace(file.errors);
+  sortByPlace(file.warnings);
+  if (!file.errors.empty()) {
+    file.config = nullptr;
+    file.links.clear();
+  }
+  return file;
+}
+
+ConfigFile loadConfigFile(std::string const& fileName) {
+  std::string const name = fileName == "-" ? "standard input" : fileName;
+  FileText const read = readWhole(fileName);
+  if (read.error.empty()) return readConfigText(name, read.text);
+  ConfigFile file;
+  file.name = name;
+  file.errors.push_back({{}, {}, read.error});
+  return file;
+}
+
+ConfigFile loadConfigFileOrFail(std::string const& fileName) {
+  ConfigFile file = loadConfigFile(fileName);
+  std::string text;
+  for (Diagnostic const& error : file.errors) text += (text.empty() ? "" : "\n") + diagnosticLine(file.name, error);
+  if (!file) throw Failure(text);
+  return file;
+}
+
+}  // namespace Tool

@@ -1,0 +1,45 @@
+#include <tools/routeradvt/FrameDescription.h>
+
+#include <algorithm>
+
+namespace Tool {
+
+namespace {
+
+constexpr std::size_t offsetWidth = 6;
+constexpr std::size_t nameWidth = 22;
+
+std::string right(std::string const& text, std::size_t width) {
+  return std::string(width - std::min(width, text.size()), ' ') + text;
+}
+
+std::string left(std::string const& text, std::size_t width) {
+  return text + std::string(width - std::min(width, text.size()), ' ');
+}
+
+void appendBlock(std::string& out, FrameBlock const& block) {
+  out += block.title;
+  out += block.size == 0 ? "\n" : " (" + std::to_string(block.size) + " octets)\n";
+  for (FrameField const& field : block.fields) {
+    std::string const offset = field.name.empty() ? std::string() : std::to_string(field.offset);
+    out += right(offset, offsetWidth) + "  " + left(field.name, nameWidth) + "  " + field.value + '\n';
+  }
+  for (std::string const& oddity : block.oddities) out += right("!", offsetWidth) + "  " + oddity + '\n';
+}
+
+}  // namespace
+
+bool FrameDescription::hasOddities() const {
+  return std::ranges::any_of(blocks, [](FrameBlock const& block) { return !block.oddities.empty(); });
+}
+
+std::string toText(FrameDescription const& description) {
+  std::string out;
+  for (FrameBlock const& block : description.blocks) {
+    if (!out.empty()) out += '\n';
+    appendBlock(out, block);
+  }
+  return out;
+}
+
+}  // namespace Tool

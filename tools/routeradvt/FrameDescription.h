@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace Tool {
+
+/// A field of a frame, in words.
+struct FrameField {
+  std::size_t offset;  ///< of its first octet, in the whole
+  std::string name;    ///< empty: goes on with the field before
+  std::string value;
+};
+
+/// A header or an option.
+struct FrameBlock {
+  std::string title;
+  std::size_t offset;  ///< in the whole
+  std::size_t size;    ///< octets that are there
+  std::vector<FrameField> fields;
+  /// What is not as it should be, a sentence each.
+  std::vector<std::string> oddities;
+};
+
+/// What octets say, block by block in their order.
+struct FrameDescription {
+  std::size_t size = 0;  ///< octets
+  std::vector<FrameBlock> blocks;
+
+  bool hasOddities() const;
+};
+
+/// For people: a line a field, with its offset, a block apart from the next by an empty line; oddities behind `!`.
+std::string toText(FrameDescription const& description);
+
+}  // namespace Tool

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
+#include <tools/routeradvt/Diagnostic.h>
+
+#include <optional>
+#include <vector>
+
+namespace Tool {
+
+/// The link behind an interface: what an advertisement needs to know that is not configuration of advertisements.
+struct LinkConfig {
+  /// Octets; an advertisement's fixed part alone takes the least.
+  static constexpr Fwk::S32 mtuMin = 86;
+  static constexpr Fwk::S32 mtuMax = 2147483647;
+  static constexpr Fwk::S32 mtuDefault = 1500;
+
+  Net::IntfId intfId;
+  Place place;
+
+  std::optional<Net::EthAddr> mac;
+  std::optional<Fwk::S32> mtu;
+  std::vector<Net::Ip6AddrWithMask> addresses;
+  Fwk::U32 nsRetransmitInterval = 0;  ///< milliseconds, 0: unspecified
+  /// Prefixes of the virtual router; nothing: there is none.
+  std::optional<std::vector<Net::Ip6AddrWithMask>> virtualRouter;
+};
+
+}  // namespace Tool

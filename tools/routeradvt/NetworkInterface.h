@@ -1,0 +1,31 @@
+#pragma once
+
+#include <RouterPlatform/Fwk/BaseTypes.h>
+#include <RouterPlatform/Net/EthAddr.h>
+#include <RouterPlatform/Net/Ip6AddrWithMask.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Tool {
+
+/// A network interface of this machine, as it is now.
+struct NetworkInterface {
+  std::string name;
+  int index = 0;
+  Net::EthAddr mac;
+  Fwk::S32 mtu = 0;  ///< octets
+  bool up = false;
+  std::vector<Net::Ip6AddrWithMask> addresses;
+  /// The first link-local one of them.
+  std::optional<Net::Ip6Addr> linkLocal;
+};
+
+/// Throws `Failure`: there is no such interface (the nearest name is said), or it is no Ethernet.
+NetworkInterface lookUpInterface(std::string const& name);
+
+/// The names of all interfaces.
+std::vector<std::string> interfaceNames();
+
+}  // namespace Tool

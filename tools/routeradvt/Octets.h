@@ -1,0 +1,51 @@
+#pragma once
+
+#include <RouterPlatform/Fwk/BaseTypes.h>
+#include <RouterPlatform/Packet/NetInt.h>
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+#include <span>
+#include <string>
+#include <type_traits>
+
+namespace Tool {
+
+/// Octets of unknown origin, and where in the whole they begin. Nothing outside them is ever read.
+class Octets {
+ public:
+  explicit Octets(std::span<Fwk::U8 const> octets, std::size_t offset = 0) : octets_(octets), offset_(offset) {}
+
+  std::size_t size() const { return octets_.size(); }
+  bool empty() const { return octets_.empty(); }
+  /// Offset of the first one in the whole.
+  std::size_t offset() const { return offset_; }
+  std::span<Fwk::U8 const> span() const { return octets_; }
+  Fwk::U8 operator[](std::size_t at) const { return octets_[at]; }
+
+  /// A copy of the header that begins there, or nothing where it does not fit.
+  template <class Header>
+  std::optional<Header> header(std::size_t at = 0) const {
+    static_assert(std::is_trivially_copyable_v<Header> && alignof(Header) == 1);
+    if (at > size() || size() - at < sizeof(Header)) return std::nullopt;
+    Header result;
+    std::memcpy(&result, octets_.data() + at, sizeof result);
+    return result;
+  }
+
+  /// Those from `at` on, at most `count`; fewer, or none, where they end before.
+  Octets from(std::size_t at, std::size_t count = std::dynamic_extent) const {
+    at = std::min(at, size());
+    return Octets(octets_.subspan(at, std::min(count, size() - at)), offset_ + at);
+  }
+
+ private:
+  std::span<Fwk::U8 const> octets_;
+  std::size_t offset_;
+};
+
+/// Lowercase hex without anything between.
+std::string toHex(std::span<Fwk::U8 const> octets);
+
+}  // namespace Tool

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <tools/routeradvt/Command.h>
+
+#include <string>
+#include <vector>
+
+namespace Tool {
+
+/// The whole program but for the process around it; `arguments` without the program's name.
+ExitStatus runProgram(std::vector<std::string> arguments, Console console);
+
+}  // namespace Tool

@@ -1,0 +1,71 @@
+#include <RouterPlatform/Fwk/Attributes.h>
+#include <RouterPlatform/Fwk/Entity.h>
+#include <tools/routeradvt/ReflectedJson.h>
+
+namespace Tool {
+
+namespace {
+
+using Fwk::AttributeRecord;
+
+Json valueJson(AttributeRecord const& attr, void const* object) {
+  if (attr.visit) {
+    Json result;
+    attr.visit(object, [&](Fwk::ConstObjectRef value) { result = toJson(value); });
+    return result;
+  }
+  std::string text;
+  attr.append(object, text);
+  switch (attr.valueKind) {
+    case Fwk::ValueKind::boolean:
+      return text == "true";
+    case Fwk::ValueKind::integer:
+      return std::stoull(text);
+    case Fwk::ValueKind::floating:
+      return std::stod(text);
+    default:
+      return text;
+  }
+}
+
+Json memberJson(Fwk::MemberRef const& member) {
+  if (member.entity) return toJson(Fwk::objectRef(*member.entity));
+  if (member.value.object) return toJson(member.value);
+  return member.text;
+}
+
+Json collectionJson(AttributeRecord const& attr, void const* object) {
+  bool const isSet = attr.collection->memberTypeName[0] == '\0';
+  Json result = isSet ? Json::array() : Json::object();
+  attr.collection->forEach(object, [&](Fwk::MemberRef const& member) {
+    if (isSet)
+      result.push_back(member.key);
+    else
+      result[member.key] = memberJson(member);
+    return true;
+  });
+  return result;
+}
+
+Json childJson(AttributeRecord const& attr, void const* object) {
+  auto const child = attr.child->get(object);
+  return child ? toJson(Fwk::objectRef(*child)) : Json();
+}
+
+}  // namespace
+
+Json toJson(Fwk::ConstObjectRef object) {
+  Json result = Json::object();
+  for (AttributeRecord const& attr : object.type->attributes) {
+    if (!attr.reflected || attr.kind == Fwk::AttributeKind::constant) continue;
+    if (attr.collection)
+      result[attr.name] = collectionJson(attr, object.object);
+    else if (attr.child)
+      result[attr.name] = childJson(attr, object.object);
+    else if (attr.readable() || attr.visit)
+      result[attr.name] = valueJson(attr, object.object);
+  }
+  return result;
+}
+
+}  // namespace Tool

@@ -1,0 +1,116 @@
+#include <tools/routeradvt/Advert.h>
+#include <tools/routeradvt/AdvertOutput.h>
+#include <tools/routeradvt/CaptureFile.h>
+#include <tools/routeradvt/Command.h>
+#include <tools/routeradvt/Octets.h>
+#include <tools/routeradvt/PacketSocket.h>
+#include <tools/routeradvt/StopSignals.h>
+
+#include <CLI/CLI.hpp>
+
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <ostream>
+
+namespace Tool {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+std::string secondsText(Clock::duration duration) {
+  std::array<char, 32> text;
+  int const size = std::snprintf(text.data(), text.size(), "%.1f", std::chrono::duration<double>(duration).count());
+  return {text.data(), static_cast<std::size_t>(size)};
+}
+
+class SendCommand final : public Command {
+ public:
+  CLI::App& addTo(CLI::App& program) override {
+    CLI::App& app = *program.add_subcommand("send", "send advertisements on an interface of this machine");
+    options_.addTo(app);
+    app.add_option("--via", device_,
+                   "interface to send on; it gives the source MAC and the link-local\naddress where "
+                   "neither options nor file do")
+        ->type_name("DEV")
+        ->required()
+        ->group("Sending");
+    count_ = app.add_option("--count", wanted_, "how many to send; 0: until Ctrl-C. Else 1, and with --interval 0")
+                 ->type_name("N")
+                 ->group("Sending");
+    interval_ = app.add_option("--interval", seconds_, "time from one to the next; else 3 seconds")
+                    ->type_name("SECONDS")
+                    ->check(CLI::Range(0.001, 1e6).description(""))
+                    ->group("Sending");
+    app.footer(
+        "Takes the right to open packet sockets (root, or CAP_NET_RAW). Ctrl-C ends it, with a summary.\n\n"
+        "  routeradvt send office.yaml Ethernet1 --via eth0\n"
+        "  routeradvt send office.yaml Ethernet1 --via eth0 --interval 10\n"
+        "  routeradvt send office.yaml Ethernet1 --via eth0 --death");
+    app.group("Commands");
+    return app;
+  }
+
+  void run(Console& console) override {
+    ConfigFile const file = loadConfigFileOrFail(options_.file);
+    findIntf(file, options_.intf);
+    NetworkInterface const device = lookUpInterface(device_);
+    Advert const advert = makeAdvert(file, options_, &device);
+    printAdvertWarnings(console, file, advert);
+    traceLevelsAre(options_.trace);
+    auto const packet = advert.build();
+    PacketSocket socket(device);
+    if (!options_.write.empty()) capture_ = std::make_unique<CaptureFile>(options_.write);
+    if (options_.hex) console.out << toHex(packet->octets()) << '\n';
+    console.out << "sending " << packet->size() << " octets from " << advert.srcAddr.toString() << " ("
+                << advert.srcMac.toString() << ") to " << advert.dstAddr.toString() << " (" << advert.dstMac.toString()
+                << ") on " << device.name << std::endl;
+    sendAll(console, socket, *packet);
+  }
+
+ private:
+  bool isEnough(Fwk::U64 sent) const {
+    bool const endless = count_->empty() ? !interval_->empty() : wanted_ == 0;
+    return !endless && sent >= wanted_;
+  }
+
+  /// The summary comes in any case: an error does not take back what was sent before it.
+  void sendAll(Console& console, PacketSocket& socket, Net::Pkt const& packet) {
+    StopSignals signals;
+    auto const start = Clock::now();
+    Fwk::U64 sent = 0;
+    auto const summary = [&] {
+      console.out << "sent " << sent << (sent == 1 ? " advertisement" : " advertisements") << " in "
+                  << secondsText(Clock::now() - start) << " s" << std::endl;
+    };
+    auto const interval = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds_));
+    try {
+      for (auto next = start;; next += interval) {
+        if (signals.waitUntil(next)) break;
+        socket.send(packet.octets());
+        ++sent;
+        if (capture_) capture_->add(packet.octets());
+        if (isEnough(sent)) break;
+      }
+    } catch (Failure const&) {
+      summary();
+      throw;
+    }
+    summary();
+  }
+
+  AdvertOptions options_;
+  std::string device_;
+  Fwk::U64 wanted_ = 1;
+  double seconds_ = 3;  // MIN_DELAY_BETWEEN_RAS, RFC 4861 10
+  CLI::Option* count_ = nullptr;
+  CLI::Option* interval_ = nullptr;
+  std::unique_ptr<CaptureFile> capture_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> makeSendCommand() { return std::make_unique<SendCommand>(); }
+
+}  // namespace Tool

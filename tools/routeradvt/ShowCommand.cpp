@@ -1,0 +1,108 @@
+#include <RouterPlatform/Fwk/Reflection.h>
+#include <tools/routeradvt/Advert.h>
+#include <tools/routeradvt/Command.h>
+#include <tools/routeradvt/EntityPrinter.h>
+#include <tools/routeradvt/ReflectedJson.h>
+#include <tools/routeradvt/Warnings.h>
+
+#include <CLI/CLI.hpp>
+
+#include <ostream>
+
+namespace Tool {
+
+namespace {
+
+/// An address that no device has, for frames that nobody sends.
+constexpr Net::EthAddr placeholderMac = Net::EthAddr::fromBytes(std::array<Fwk::U8, 6>{2, 0, 0, 0, 0, 0});
+
+class ShowCommand final : public Command {
+ public:
+  CLI::App& addTo(CLI::App& program) override {
+    CLI::App& app = *program.add_subcommand("show", "show what a configuration file means, and what of it is odd");
+    app.add_option("FILE", fileName_, "configuration file; - is standard input")->required();
+    app.add_option("INTF", intf_, "only this interface");
+    app.add_flag("--json", json_, "one JSON object");
+    app.footer(
+        "Everything that can be configured is shown, defaults too. 'effective' is what the model makes of a "
+        "value,\nwith the prefix's profile applied. Warnings are about what is not sent as it is written.\n\n"
+        "  routeradvt show office.yaml\n"
+        "  routeradvt show office.yaml Ethernet1");
+    app.group("Commands");
+    return app;
+  }
+
+  void run(Console& console) override {
+    file_ = loadConfigFileOrFail(fileName_);
+    if (!intf_.empty()) shown_ = findIntf(file_, intf_);
+    if (json_)
+      printJson(console.out);
+    else
+      printText(console.out);
+  }
+
+ private:
+  bool isShown(Net::IntfId const& intfId) const { return !shown_ || shown_->intfId() == intfId; }
+
+  void printText(std::ostream& out) const {
+    out << entityText(shown_ ? static_cast<Fwk::Entity const&>(*shown_) : *file_.config);
+    for (LinkConfig const& link : file_.links)
+      if (isShown(link.intfId)) out << '\n' << linkText(link);
+    auto const found = warnings();
+    if (!found.empty()) out << "\nwarnings\n";
+    for (Diagnostic const& warning : found) out << "  " << diagnosticLine(file_.name, warning) << '\n';
+  }
+
+  void printJson(std::ostream& out) const {
+    Json result = Json::object();
+    result["config"] = shown_ ? toJson(Fwk::objectRef(*shown_)) : toJson(Fwk::objectRef(*file_.config));
+    result["warnings"] = Json::array();
+    for (Diagnostic const& warning : warnings())
+      result["warnings"].push_back({{"line", warning.place.line},
+                                    {"column", warning.place.column},
+                                    {"path", warning.path},
+                                    {"text", warning.text}});
+    out << result.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+  }
+
+  std::vector<Diagnostic> warnings() const {
+    std::vector<Diagnostic> found = shown_ ? warningsOfFileBelow(shown_->fullName() + '/') : configWarnings(file_);
+    auto const append = [&](std::vector<Diagnostic> more) {
+      for (Diagnostic& warning : more) found.push_back(std::move(warning));
+    };
+    for (auto const& [intfId, intf] : file_.config->intf()) {
+      if (!isShown(intfId)) continue;
+      append(intfWarnings(file_, *intf));
+      append(fitWarnings(file_, anyAdvert(intfId)));
+    }
+    sortByPlace(found);
+    return found;
+  }
+
+  std::vector<Diagnostic> warningsOfFileBelow(std::string const& path) const {
+    std::vector<Diagnostic> found;
+    for (Diagnostic const& warning : file_.warnings)
+      if (warning.path.starts_with(path)) found.push_back(warning);
+    return found;
+  }
+
+  /// What fits does not depend on the addresses, so an interface without a link can be looked at too.
+  Advert anyAdvert(Net::IntfId const& intfId) const {
+    AdvertOptions options;
+    options.intf = intfId.toString();
+    options.srcMac = placeholderMac;
+    return makeAdvert(file_, options);
+  }
+
+  std::string fileName_;
+  std::string intf_;
+  bool json_ = false;
+  ConfigFile file_;
+  Fwk::Ptr<RouterAdvt::IntfConfig> shown_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> makeShowCommand() { return std::make_unique<ShowCommand>(); }
+
+}  // namespace Tool

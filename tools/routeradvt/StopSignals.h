@@ -1,0 +1,25 @@
+#pragma once
+
+#include <csignal>
+
+#include <chrono>
+
+namespace Tool {
+
+/// Ctrl-C and its like, held back while this lives and asked for instead: a command ends where it is ready to.
+class StopSignals {
+ public:
+  StopSignals();
+  StopSignals(StopSignals const&) = delete;
+  StopSignals& operator=(StopSignals const&) = delete;
+  ~StopSignals();
+
+  /// Waits for that time, which may be past; true: it is to stop.
+  bool waitUntil(std::chrono::steady_clock::time_point time);
+
+ private:
+  sigset_t signals_;
+  sigset_t former_;
+};
+
+}  // namespace Tool

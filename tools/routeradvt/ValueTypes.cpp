@@ -1,0 +1,71 @@
+#include <RouterPlatform/Fwk/Name.h>
+#include <RouterPlatform/Net/Icmp6RouterAdvtRouterPreferenceType.h>
+#include <RouterPlatform/Net/IntfId.h>
+#include <tools/routeradvt/Diagnostic.h>
+#include <tools/routeradvt/ValueTypes.h>
+
+#include <array>
+
+namespace Tool {
+
+namespace {
+
+using Preference = Net::Icmp6RouterAdvtRouterPreferenceType;
+
+std::string refuseReservedPreference(std::string_view text) {
+  Preference value{};
+  if (!parseText(text, value) || value != Preference::reserved_) return {};
+  return inQuotes(text) +
+         " is the reserved router preference, which is never sent (RFC 4191 2.1); medium, high or low "
+         "is meant";
+}
+
+struct ValueType {
+  std::string_view name;
+  std::string expected;
+  std::string (*refuse)(std::string_view text) = nullptr;
+};
+
+/// The types of values, not the attributes: those are the type records' business.
+ValueType const* valueType(std::string_view typeName) {
+  static std::array const types{
+      ValueType{"bool", "true or false"},
+      ValueType{"U32", "a whole number from 0 to 4294967295"},
+      ValueType{"Ip6Addr", "an IPv6 address such as 2001:db8::53"},
+      ValueType{"Ip6AddrWithMask", "an IPv6 address with a mask length from 0 to 128, such as 2001:db8::/64"},
+      ValueType{"EthAddr", "an Ethernet address such as 02:00:00:00:00:01"},
+      ValueType{"IntfId", "an interface name of at most " + std::to_string(Net::IntfId::maxSize) + " octets"},
+      ValueType{"Name", "a name of at most " + std::to_string(Fwk::Name::maxSize) + " octets"},
+      ValueType{"String", "a text"},
+      ValueType{textTypeNameOf(Preference{}), "medium, high or low, or the number of one of them (0, 1, 3)",
+                &refuseReservedPreference},
+  };
+  for (ValueType const& type : types)
+    if (type.name == typeName) return &type;
+  return nullptr;
+}
+
+}  // namespace
+
+std::string expectedText(std::string_view typeName) {
+  ValueType const* const type = valueType(typeName);
+  return type ? type->expected : "a " + std::string(typeName);
+}
+
+std::string refusal(std::string_view typeName, std::string_view text) {
+  ValueType const* const type = valueType(typeName);
+  return type && type->refuse ? type->refuse(text) : std::string();
+}
+
+std::string badTextMessage(std::string_view typeName, std::string_view text, Fwk::ReflectionResult const& result) {
+  switch (result.error) {
+    case Fwk::ReflectionError::outOfRange:
+      return inQuotes(text) + " is out of range; " + expectedText(typeName) + " is meant";
+    case Fwk::ReflectionError::malformed:
+      return inQuotes(text) + " is not " + expectedText(typeName);
+    default:
+      return result.text;
+  }
+}
+
+}  // namespace Tool

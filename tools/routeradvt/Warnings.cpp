@@ -1,0 +1,129 @@
+#include <RouterPlatform/Fwk/Attributes.h>
+#include <RouterPlatform/Fwk/Reflection.h>
+#include <tools/routeradvt/EffectiveValue.h>
+#include <tools/routeradvt/NearestName.h>
+#include <tools/routeradvt/Warnings.h>
+
+#include <algorithm>
+
+namespace Tool {
+
+namespace {
+
+using Fwk::U32;
+using RouterAdvt::IntfConfig;
+using RouterAdvt::PrefixConfigEntry;
+
+constexpr std::size_t longestLabel = 63;  // RFC 1035 2.3.4
+
+/// Collects what is found about one entity.
+class Findings {
+ public:
+  Findings(ConfigFile const& file, std::vector<Diagnostic>& found, Fwk::Entity const& entity)
+      : file_(file), found_(found), path_(entity.fullName()) {}
+
+  /// About an attribute; an empty one: about the entity.
+  void add(std::string const& attr, std::string text) {
+    std::string path = attr.empty() ? path_ : path_ + '/' + attr;
+    Place const place = file_.placeOf(path);
+    found_.push_back({place, std::move(path), std::move(text)});
+  }
+  /// Whether the file sets the attribute.
+  bool given(std::string const& attr) const { return file_.places.contains(path_ + '/' + attr); }
+
+ private:
+  ConfigFile const& file_;
+  std::vector<Diagnostic>& found_;
+  std::string path_;
+};
+
+void checkHeaderFields(Findings& findings, IntfConfig const& intf) {
+  U32 const lifetime = intf.raLifetime();
+  if (lifetime > 0xffff)
+    findings.add("raLifetime", std::to_string(lifetime) + " s is more than the field's 16 bits hold; " +
+                                   std::to_string(lifetime & 0xffff) + " is sent");
+  if (intf.hopLimit() > IntfConfig::hopLimitMax())
+    findings.add("hopLimit", std::to_string(intf.hopLimit()) + " is above " +
+                                 std::to_string(IntfConfig::hopLimitMax()) + "; " +
+                                 std::to_string(intf.validHopLimit()) + " is sent");
+  if (intf.raIntervalMinMsec() > intf.raIntervalMaxMsec())
+    findings.add("raIntervalMinMsec", std::to_string(intf.raIntervalMinMsec()) + " ms is above raIntervalMaxMsec, " +
+                                          std::to_string(intf.raIntervalMaxMsec()) + " ms");
+  if (findings.given("nsIntervalMsec"))
+    findings.add("nsIntervalMsec", "is not sent; the Retrans Timer is nsRetransmitInterval of the link");
+}
+
+template <class Lifetimes>
+void checkLifetimes(Findings& findings, Lifetimes const& lifetimes) {
+  if (lifetimes.preferredLifetime() > lifetimes.validLifetime())
+    findings.add("preferredLifetime", std::to_string(lifetimes.preferredLifetime()) + " s is above validLifetime, " +
+                                          std::to_string(lifetimes.validLifetime()) +
+                                          " s; hosts make no address of such a prefix (RFC 4862 5.5.3)");
+}
+
+/// A profile changes what the model reports, and not what is sent.
+void checkProfile(Findings& findings, RouterAdvt::Config const& config, PrefixConfigEntry const& prefix) {
+  if (!prefix.useProfile()) {
+    if (prefix.profile().empty()) return;
+    std::vector<std::string> names;
+    for (auto const& [name, profile] : config.prefixProfiles()) names.push_back(name.toString());
+    return findings.add("profile", "there is no profile " + inQuotes(prefix.profile()) +
+                                       nearestNameHint(prefix.profile(), {names.begin(), names.end()}));
+  }
+  std::string differences;
+  for (Fwk::AttributeRecord const& attr : prefix.fwkType().attributes) {
+    auto const effective = effectiveValue(prefix, attr);
+    std::string own;
+    if (!effective || !Fwk::readAttribute(Fwk::objectRef(prefix), attr.id, own) || own == *effective) continue;
+    differences += (differences.empty() ? "" : ", ") + std::string(attr.name) + ' ' + own + " and not " + *effective;
+  }
+  if (!differences.empty()) findings.add("profile", "profiles are not applied to what is sent: it has " + differences);
+}
+
+void checkSuffix(Findings& findings, std::string_view suffix) {
+  for (std::size_t begin = 0; begin <= suffix.size();) {
+    std::size_t const end = std::min(suffix.find('.', begin), suffix.size());
+    if (end - begin > longestLabel)
+      findings.add("", "the label " + inQuotes(suffix.substr(begin, end - begin)) + " has " +
+                           std::to_string(end - begin) + " octets; receivers take at most 63 (RFC 1035 2.3.4)");
+    begin = end + 1;
+  }
+}
+
+void checkPrefixes(ConfigFile const& file, std::vector<Diagnostic>& found, IntfConfig const& intf) {
+  for (auto const& [key, prefix] : intf.prefixes()) {
+    Findings findings(file, found, *prefix);
+    if (key.subnet() != key) findings.add("", "bits behind the prefix are set, and sent; receivers ignore them");
+    checkLifetimes(findings, *prefix);
+    checkProfile(findings, *file.config, *prefix);
+  }
+}
+
+}  // namespace
+
+std::vector<Diagnostic> intfWarnings(ConfigFile const& file, IntfConfig const& intf) {
+  std::vector<Diagnostic> found;
+  Findings findings(file, found, intf);
+  checkHeaderFields(findings, intf);
+  checkPrefixes(file, found, intf);
+  for (auto const& [suffix, entry] : intf.dnsSuffixes()) {
+    Findings suffixFindings(file, found, *entry);
+    checkSuffix(suffixFindings, suffix);
+  }
+  sortByPlace(found);
+  return found;
+}
+
+std::vector<Diagnostic> configWarnings(ConfigFile const& file) {
+  std::vector<Diagnostic> found = file.warnings;
+  Findings findings(file, found, *file.config);
+  if (findings.given("hopLimit")) findings.add("hopLimit", "is not sent; each interface has a hopLimit of its own");
+  for (auto const& [name, profile] : file.config->prefixProfiles()) {
+    Findings profileFindings(file, found, *profile);
+    checkLifetimes(profileFindings, *profile);
+  }
+  sortByPlace(found);
+  return found;
+}
+
+}  // namespace Tool

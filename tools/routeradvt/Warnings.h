@@ -1,0 +1,20 @@
+#pragma once
+
+#include <tools/routeradvt/Advert.h>
+#include <tools/routeradvt/ConfigFile.h>
+
+#include <vector>
+
+namespace Tool {
+
+/// What a configuration says that will not be sent, or not as it is written; in the order of the file. With what the
+/// file itself was warned about.
+std::vector<Diagnostic> configWarnings(ConfigFile const& file);
+
+/// The same for one interface.
+std::vector<Diagnostic> intfWarnings(ConfigFile const& file, RouterAdvt::IntfConfig const& intf);
+
+/// What does not fit into that advertisement, and why: found out by building it.
+std::vector<Diagnostic> fitWarnings(ConfigFile const& file, Advert const& advert);
+
+}  // namespace Tool
