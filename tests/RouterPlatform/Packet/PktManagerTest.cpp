@@ -119,6 +119,22 @@ TEST(PktManager, ThreadsMayShareItInTheThreadSafeMode) {
   EXPECT_EQ(manager.pktCount(), 1U);
 }
 
+TEST(PktManager, TheLastOfSeveralThreadsToLetGoGivesThePacketBack) {
+  PktManager manager;
+  Fwk::threadSafePtrModeIs(true);
+  std::vector<Ptr<Pkt>> pkts(1000);
+  for (auto& pkt : pkts) pkt = manager.newPkt();
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 4; ++t)
+    threads.emplace_back([own = pkts]() mutable {
+      for (auto& pkt : own) pkt = nullptr;
+    });
+  pkts.clear();
+  for (auto& thread : threads) thread.join();
+  Fwk::threadSafePtrModeIs(false);
+  EXPECT_EQ(manager.pktCount(), 0U);
+}
+
 TEST(PktManagerDeathTest, EndingBeforeItsPacketsStopsTheProcess) {
   EXPECT_DEATH(
       {
