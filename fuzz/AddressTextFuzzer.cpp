@@ -1,5 +1,6 @@
 // What reads as an address, an interface id or a router preference prints to a text that reads as an equal value with
-// an equal hash, and that prints as itself: printing is canonical.
+// an equal hash, and that prints as itself: printing is canonical. An IPv6 address is read exactly when the C library
+// reads it, as the same octets.
 
 #include <RouterPlatform/Fwk/Name.h>
 #include <RouterPlatform/Net/EthAddr.h>
@@ -9,6 +10,9 @@
 #include <RouterPlatform/Net/VrfName.h>
 #include <fuzz/Fuzzer.h>
 
+#include <arpa/inet.h>
+
+#include <array>
 #include <string>
 #include <string_view>
 
@@ -24,6 +28,15 @@ void checkRoundTrip(std::string_view text) {
   FUZZ_CHECK(*again == *value);
   FUZZ_CHECK(again->hash() == value->hash());
   FUZZ_CHECK(again->toString() == printed);
+}
+
+void checkAgainstLibc(std::string const& text) {
+  if (text.find('\0') != std::string::npos) return;  // ends the text for libc
+  std::array<Fwk::U8, Net::Ip6Addr::size> expected;
+  bool const isAddress = inet_pton(AF_INET6, text.c_str(), expected.data()) == 1;
+  auto const address = Net::Ip6Addr::parse(text);
+  FUZZ_CHECK(address.has_value() == isAddress);
+  if (isAddress) FUZZ_CHECK(address->octets() == expected);
 }
 
 void checkSubnet(std::string_view text) {
@@ -52,6 +65,7 @@ std::size_t const fuzzGeneratedInputs = 20'000;
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   std::string_view const text(reinterpret_cast<char const*>(data), size);
+  checkAgainstLibc(std::string(text));
   checkRoundTrip<Net::Ip6Addr>(text);
   checkRoundTrip<Net::Ip6AddrWithMask>(text);
   checkRoundTrip<Net::EthAddr>(text);

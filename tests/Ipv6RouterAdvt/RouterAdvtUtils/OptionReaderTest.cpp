@@ -90,9 +90,10 @@ TEST(OptionReader, EndsInAMessageOf16MiB) {
 
 // Time is steps, and a step takes the same time wherever it is.
 TEST(OptionReader, TakesAsManyStepsAsThereAreOptions) {
-  for (std::size_t count : {1, 10, 100, 1'000, 2'000, 4'000, 8'000})
+  for (std::size_t const count : {1U, 10U, 100U, 1'000U, 2'000U, 4'000U, 8'000U})
     EXPECT_EQ(stepsOver(raHeader + times(count, mtuOption(1400))), count);
-  for (std::size_t count : {500, 1'000, 2'000}) EXPECT_EQ(stepsOver(raHeader + times(count, prefixOption())), count);
+  for (std::size_t const count : {500U, 1'000U, 2'000U})
+    EXPECT_EQ(stepsOver(raHeader + times(count, prefixOption())), count);
 }
 
 }  // namespace
