@@ -55,7 +55,7 @@ U64 PktManager::pktCount() const {
   return pktCount_;
 }
 
-PktManager& globalPktManager() noexcept {
+PktManager& globalPktManager() {
   static PktManager& manager = *new PktManager;
   return manager;
 }

@@ -48,6 +48,6 @@ class ROUTER_PLATFORM_EXPORT PktManager {
 };
 
 /// The process's packet manager. It never ends.
-ROUTER_PLATFORM_EXPORT PktManager& globalPktManager() noexcept;
+ROUTER_PLATFORM_EXPORT PktManager& globalPktManager();
 
 }  // namespace Net
