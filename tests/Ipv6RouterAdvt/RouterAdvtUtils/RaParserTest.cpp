@@ -455,7 +455,7 @@ TEST(RaParser, Takes4000EqualPrefixes) {
 // What grows with the number of equal prefixes is the number of steps alone (OptionReaderTest): the table that they are
 // looked up in keeps its one entry, and no memory is asked for.
 TEST(RaParser, TakesNoMoreMemoryForMoreEqualPrefixes) {
-  for (std::size_t count : {1, 1'000, 2'000, 4'000}) {
+  for (std::size_t const count : {1U, 1'000U, 2'000U, 4'000U}) {
     auto const info = received(raHeader + times(count, prefixOption()));
     std::size_t const before = allocationCount();
     RaPacket const packet = makeRaPacketType("Ethernet1", info);
