@@ -1,0 +1,192 @@
+// Whatever is configured, the advertisement that is built from it stays inside its packet: at most 9 octets behind the
+// buffer's size, and the tail room behind it untouched. Its IPv6 payload length and its checksum are those of its
+// octets, its options end exactly where it does, and building again gives the same.
+
+#include <Ipv6RouterAdvt/RouterAdvt.h>
+#include <Ipv6RouterAdvt/RouterAdvtUtils.h>
+#include <fuzz/Fuzzer.h>
+#include <tests/Ipv6RouterAdvt/Support/Frame.h>
+
+#include <algorithm>
+#include <array>
+#include <span>
+#include <string>
+
+namespace {
+
+using namespace RouterAdvt;
+using Net::Icmp6RouterAdvtRouterPreferenceType;
+
+/// Makes decisions of the octets of an input; zeros when they are used up.
+class Choices {
+ public:
+  explicit Choices(std::span<U8 const> octets) : octets_(octets) {}
+
+  U8 octet() {
+    if (octets_.empty()) return 0;
+    U8 const first = octets_.front();
+    octets_ = octets_.subspan(1);
+    return first;
+  }
+  bool flag() { return (octet() & 1) != 0; }
+  unsigned below(unsigned limit) { return (octet() | unsigned{octet()} << 8) % limit; }
+
+  /// Mostly numbers at which something changes.
+  U32 number() {
+    constexpr std::array<U32, 12> edges{0, 1, 7, 300, 600, 999, 1800, 65535, 65536, 70000, 200000, 0xffffffff};
+    U8 const choice = octet();
+    if (choice < 192) return edges[choice % edges.size()];
+    return U32{octet()} << 24 | U32{octet()} << 16 | U32{octet()} << 8 | octet();
+  }
+
+  Ip6Addr address() {
+    std::array<U8, 16> octets{0x20, 0x01, 0x0d, 0xb8};
+    U8 const kind = octet();
+    if (kind % 4 == 0) octets = {0xfe, 0x80};
+    if (kind % 4 == 3)
+      std::generate(octets.begin(), octets.end(), [this] { return octet(); });
+    else
+      octets[5] = octet() & 15;
+    octets[15] = octet() & 31;
+    return Ip6Addr::fromBytes(octets);
+  }
+  Ip6AddrWithMask prefix() {
+    Ip6Addr const addr = address();
+    U8 const length = octet();
+    return {addr, length % 4 == 0 ? U8{64} : length % 4 == 1 ? U8{48} : static_cast<U8>(octet())};
+  }
+  EthAddr mac() {
+    std::array<U8, 6> octets;
+    std::generate(octets.begin(), octets.end(), [this] { return octet(); });
+    return EthAddr::fromBytes(octets);
+  }
+
+  /// A short name, a long one, or any octets at all.
+  std::string text() {
+    U8 const kind = octet();
+    std::string result(kind % 8 == 7 ? below(1600) : kind % 8 == 6 ? below(300) : below(24), 'a');
+    for (char& c : result) {
+      U8 const choice = octet();
+      c = kind % 3 == 0 ? static_cast<char>(choice) : choice % 5 == 0 ? '.' : static_cast<char>('a' + choice % 26);
+    }
+    return result;
+  }
+
+  /// A small number of members, seldom a large one.
+  unsigned count() {
+    U8 const choice = octet();
+    return choice < 240 ? choice % 12 : choice;
+  }
+
+ private:
+  std::span<U8 const> octets_;
+};
+
+void configureScalars(IntfConfig& config, Choices& choices) {
+  config.raIntervalMaxMsecIs(choices.number());
+  config.raLifetimeIs(choices.number());
+  config.hopLimitIs(choices.number());
+  config.reachableTimeIs(choices.number());
+  config.nsIntervalMsecIs(choices.number());
+  config.raMtuSuppressIs(choices.flag());
+  config.managedConfigFlagIs(choices.flag());
+  config.otherConfigFlagIs(choices.flag());
+  auto const preference = static_cast<Icmp6RouterAdvtRouterPreferenceType>(choices.octet() % 8);
+  if (preference != Icmp6RouterAdvtRouterPreferenceType::reserved_) config.routerPreferenceIs(preference);
+  if (choices.flag()) config.networkBootFileUrlIs(choices.text());
+}
+
+void configurePrefixes(IntfConfig& config, Choices& choices) {
+  for (unsigned count = choices.count(); count > 0; --count) {
+    auto const entry = config.prefixesIs(choices.prefix());
+    entry->noAdvertiseIs(choices.octet() % 4 == 0);
+    entry->validLifetimeIs(choices.number());
+    entry->preferredLifetimeIs(choices.number());
+    entry->noOnLinkIs(choices.flag());
+    entry->noAutoConfigIs(choices.flag());
+  }
+  if (choices.flag())
+    for (auto const& [key, entry] : config.prefixes()) entry->noAdvertiseIs(true);
+}
+
+void configureDns(IntfConfig& config, Choices& choices) {
+  config.dnsServersLifetimeIs(choices.number());
+  config.dnsServersLifetimeConfiguredIs(choices.flag());
+  config.dnsSuffixesLifetimeIs(choices.number());
+  config.dnsSuffixesLifetimeConfiguredIs(choices.flag());
+  for (unsigned count = choices.count(); count > 0; --count) {
+    auto const entry = config.dnsServersIs(choices.address());
+    entry->lifetimeIs(choices.number());
+    entry->lifetimeConfiguredIs(choices.flag());
+  }
+  for (unsigned count = choices.count(); count > 0; --count) {
+    auto const entry = config.dnsSuffixesIs(choices.text());
+    entry->lifetimeIs(choices.number());
+    entry->lifetimeConfiguredIs(choices.flag());
+  }
+}
+
+/// Everything that `makeIp6RaPkt` takes.
+struct Advert {
+  explicit Advert(Choices& choices) {
+    // The small ones, at which little fits, first.
+    S32 const kind = choices.octet() % 4;
+    mtu = kind == 0   ? 86 + static_cast<S32>(choices.below(200))
+          : kind == 1 ? 1280 + static_cast<S32>(choices.below(300))
+                      : 86 + static_cast<S32>(choices.below(9000));
+    if (choices.octet() == 255) mtu = 2147483647;
+    advertiseLifetime = choices.octet() % 8 != 0;
+    deathPacket = choices.octet() % 8 == 0;
+    useVirtualRouter = choices.octet() % 3 == 0;
+    configureScalars(*config, choices);
+    configurePrefixes(*config, choices);
+    configureDns(*config, choices);
+    status->nsRetransmitIntervalIs(choices.number());
+    for (unsigned count = choices.count(); count > 0; --count) status->addrIs(choices.prefix());
+    if (choices.octet() % 4 != 0) virtualRouter = VirtualRouterStatusV6::VirtualRouterStatusV6Is("vrrp");
+    if (virtualRouter)
+      for (unsigned count = choices.count(); count > 0; --count) virtualRouter->prefixIs(choices.prefix());
+    srcAddr = choices.address();
+    dstAddr = choices.address();
+    srcMac = choices.mac();
+    dstMac = choices.mac();
+  }
+
+  Ptr<Pkt> pkt() const {
+    return makeIp6RaPkt(srcAddr, dstAddr, srcMac, dstMac, status, config, advertiseLifetime, mtu, useVirtualRouter,
+                        virtualRouter, "Ethernet1", deathPacket);
+  }
+
+  Ip6Addr srcAddr, dstAddr;
+  EthAddr srcMac, dstMac;
+  Ptr<Ip6::IntfStatus> status = Ip6::IntfStatus::IntfStatusIs("Ethernet1");
+  Ptr<IntfConfig> config = IntfConfig::IntfConfigIs("Ethernet1");
+  Ptr<VirtualRouterStatusV6> virtualRouter;
+  S32 mtu;
+  bool advertiseLifetime, useVirtualRouter, deathPacket;
+};
+
+void check(Advert const& advert, Pkt& pkt) {
+  Frame::View const frame(pkt.data(), pkt.size());
+  U64 const pktBufSize = static_cast<U64>(std::min(advert.mtu, 1536));
+  FUZZ_CHECK(frame.size() >= 78);
+  FUZZ_CHECK(frame.size() <= pktBufSize + 9);
+  for (U64 i = 0; i < pkt.tailRoom(); ++i) FUZZ_CHECK(pkt.data()[pkt.size() + i] == 0);
+  FUZZ_CHECK(Frame::u16At(frame, 18) == frame.size() - Frame::icmp6Offset);
+  FUZZ_CHECK(Frame::u16At(frame, 56) == Frame::icmp6Checksum(frame));
+  FUZZ_CHECK(Frame::options(frame).has_value());
+}
+
+}  // namespace
+
+std::size_t const fuzzGeneratedInputs = 20'000;
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+  Choices choices({data, size});
+  Advert const advert(choices);
+  Ptr<Pkt> const pkt = advert.pkt();
+  check(advert, *pkt);
+  Ptr<Pkt> const again = advert.pkt();
+  FUZZ_CHECK(std::ranges::equal(pkt->octets(), again->octets()));
+  return 0;
+}
