@@ -6,6 +6,8 @@ std::vector<std::unique_ptr<Command>> makeCommands() {
   std::vector<std::unique_ptr<Command>> commands;
   commands.push_back(makeBuildCommand());
   commands.push_back(makeSendCommand());
+  commands.push_back(makeParseCommand());
+  commands.push_back(makeListenCommand());
   commands.push_back(makeShowCommand());
   commands.push_back(makeTypesCommand());
   return commands;

@@ -1,0 +1,58 @@
+#include <tools/routeradvt/CaptureReader.h>
+#include <tools/routeradvt/Command.h>
+#include <tools/routeradvt/FramePrinter.h>
+
+#include <pcap/pcap.h>
+
+#include <array>
+#include <cstdio>
+
+namespace Tool {
+
+namespace {
+
+pcap_t* openCapture(std::string const& fileName, char* error) {
+  return fileName == "-" ? pcap_fopen_offline(stdin, error) : pcap_open_offline(fileName.c_str(), error);
+}
+
+/// libpcap begins some of its messages with the name of the file, and others not.
+std::string withFileName(std::string const& fileName, std::string const& message) {
+  return message.starts_with(fileName + ": ") ? message : fileName + ": " + message;
+}
+
+}  // namespace
+
+void CaptureReader::Close::operator()(pcap* handle) const { pcap_close(handle); }
+
+CaptureReader::CaptureReader(std::string const& fileName) : fileName_(fileName == "-" ? "standard input" : fileName) {
+  std::array<char, PCAP_ERRBUF_SIZE> error{};
+  handle_.reset(openCapture(fileName, error.data()));
+  if (!handle_) throw Failure(withFileName(fileName_, error.data()));
+  int const linkType = pcap_datalink(handle_.get());
+  isEthernet_ = linkType == DLT_EN10MB;
+  if (isEthernet_ || linkType == DLT_RAW || linkType == DLT_IPV6) return;
+  char const* const name = pcap_datalink_val_to_name(linkType);
+  throw Failure(fileName_ + ": packets of link type " + (name ? name : std::to_string(linkType)) +
+                "; Ethernet and raw IP can be read");
+}
+
+std::optional<CapturedPacket> CaptureReader::next() {
+  pcap_pkthdr* header = nullptr;
+  u_char const* octets = nullptr;
+  int const result = pcap_next_ex(handle_.get(), &header, &octets);
+  if (result == PCAP_ERROR_BREAK) return std::nullopt;
+  ++read_;
+  if (result == 1) return CapturedPacket{read_, {octets, header->caplen}};
+  throw Failure(fileName_ + ": packet " + std::to_string(read_) + ": " + pcap_geterr(handle_.get()));
+}
+
+Net::Ip6PktInfo::Result CaptureReader::receive(CapturedPacket const& packet) const {
+  return isEthernet_ ? Net::Ip6PktInfo::fromEthernetFrame(packet.octets)
+                     : Net::Ip6PktInfo::fromIp6Packet(packet.octets);
+}
+
+FrameDescription CaptureReader::describe(CapturedPacket const& packet) const {
+  return isEthernet_ ? describeEthernetFrame(packet.octets) : describeIp6Packet(packet.octets);
+}
+
+}  // namespace Tool

@@ -1,0 +1,185 @@
+#include <Ipv6RouterAdvt/RouterAdvtUtils/RaParser.h>
+#include <RouterPlatform/Fwk/Attributes.h>
+#include <tools/routeradvt/Command.h>
+#include <tools/routeradvt/RaSocket.h>
+#include <tools/routeradvt/RaValidity.h>
+#include <tools/routeradvt/RouterWatch.h>
+#include <tools/routeradvt/StopSignals.h>
+
+#include <CLI/CLI.hpp>
+
+#include <poll.h>
+#include <sys/signalfd.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <ostream>
+
+namespace Tool {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Net::Ip6Addr;
+
+/// Says what happens, in words or as JSON, a line or a few an event.
+class Reporter final : public RouterWatch::Observer {
+ public:
+  Reporter(std::ostream& out, bool json) : out_(out), json_(json) {}
+
+  void listening(std::string const& device) {
+    if (!json_) say("listening on " + device + " for Router Advertisements\n");
+  }
+
+  void onRouter(Ip6Addr const& router) override { event("router", router, "is heard"); }
+  void onRouterGone(Ip6Addr const& router) override { event("routerGone", router, "has withdrawn"); }
+
+  void onChange(RouterAdvt::RaPacket const& packet, std::vector<RecordChange> const& changes) override {
+    std::string const router = packet.srcIp6Addr().toString();
+    if (json_)
+      return say(Json{{"event", "change"},
+                      {"router", router},
+                      {"changes", changesJson(changes)},
+                      {"record", recordJson(Fwk::objectRef(packet))}});
+    bool const isFirst =
+        std::ranges::all_of(changes, [](RecordChange const& change) { return change.before.is_null(); });
+    say("router " + router +
+        (isFirst ? " advertises\n" + recordText(Fwk::objectRef(packet))
+                 : " advertises a change\n" + changesText(changes)));
+  }
+
+  void dropped(Ip6Addr const& source, std::string const& reason) {
+    if (json_) return say(Json{{"event", "dropped"}, {"source", source.toString()}, {"reason", reason}});
+    say("dropped an advertisement from " + source.toString() + ": " + reason + '\n');
+  }
+
+  void summary(Fwk::U64 heard, Fwk::U64 dropped, Fwk::U32 routers, Clock::duration time) {
+    double const seconds = std::round(std::chrono::duration<double>(time).count() * 10) / 10;
+    Json const shown(seconds);
+    if (json_)
+      return say(Json{{"event", "summary"},
+                      {"advertisements", heard},
+                      {"dropped", dropped},
+                      {"routers", routers},
+                      {"seconds", shown}});
+    say(std::to_string(heard) + (heard == 1 ? " advertisement, " : " advertisements, ") + std::to_string(dropped) +
+        " dropped, " + std::to_string(routers) + (routers == 1 ? " router" : " routers") + " at the end, in " +
+        shown.dump() + " s\n");
+  }
+
+ private:
+  void event(char const* name, Ip6Addr const& router, char const* words) {
+    if (json_) return say(Json{{"event", name}, {"router", router.toString()}});
+    say("router " + router.toString() + ' ' + words + '\n');
+  }
+  void say(Json const& json) { say(json.dump() + '\n'); }
+  void say(std::string const& text) { out_ << text << std::flush; }
+
+  std::ostream& out_;
+  bool json_;
+};
+
+/// Becomes readable when a signal is pending that is to end the program. Such are held back meanwhile.
+FileDescriptor stopDescriptor() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (int const signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&signals, signal);
+  return FileDescriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
+}
+
+class ListenCommand final : public Command {
+ public:
+  CLI::App& addTo(CLI::App& program) override {
+    CLI::App& app = *program.add_subcommand("listen", "report the advertisements that arrive on an interface");
+    app.add_option("DEV", device_, "interface of this machine")->required();
+    app.add_option("--count", wanted_, "end after that many valid advertisements")
+        ->type_name("N")
+        ->check(CLI::PositiveNumber.description(""));
+    app.add_option("--for", seconds_, "end after that time")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(0.0, 1e9).description(""));
+    app.add_flag("--json", json_, "one JSON object an event, a line each");
+    app.footer(
+        "Reports routers as they come and go, what changes in what they advertise, and what is dropped\n"
+        "and why. An advertisement that says what the one before it said is counted and not shown.\n"
+        "Takes the right to open raw sockets (root, or CAP_NET_RAW). Ctrl-C ends it, with a summary.\n\n"
+        "  routeradvt listen eth0\n"
+        "  routeradvt listen eth0 --for 60 --json");
+    return app;
+  }
+
+  void run(Console& console) override {
+    NetworkInterface const device = lookUpInterface(device_);
+    StopSignals signals;
+    FileDescriptor const stop = stopDescriptor();
+    RaSocket socket(device);
+    Reporter reporter(console.out, json_);
+    RouterWatch watch(Net::IntfId(device.name), reporter);
+    auto const start = Clock::now();
+    reporter.listening(device.name);
+    auto const summary = [&] { reporter.summary(heard_, dropped_, routersOf(watch), Clock::now() - start); };
+    try {
+      while (!isEnough() && waitFor(socket, stop, start)) takeAll(socket, watch, reporter);
+      signals.waitUntil(Clock::now());  // takes what is pending: it is dealt with
+    } catch (Failure const&) {
+      summary();
+      throw;
+    }
+    summary();
+  }
+
+ private:
+  static Fwk::U32 routersOf(RouterWatch const& watch) { return watch.routers().linkLocalAddr().size(); }
+  bool isEnough() const { return wanted_ > 0 && heard_ >= wanted_; }
+
+  /// Waits until there is something to receive; false: it is to end.
+  bool waitFor(RaSocket const& socket, FileDescriptor const& stop, Clock::time_point start) const {
+    std::array<pollfd, 2> sources{{{socket.descriptor(), POLLIN, 0}, {stop.get(), POLLIN, 0}}};
+    timespec left{};
+    if (seconds_) {
+      double const rest = std::max(0.0, *seconds_ - std::chrono::duration<double>(Clock::now() - start).count());
+      left.tv_sec = static_cast<time_t>(rest);
+      left.tv_nsec = static_cast<long>((rest - std::floor(rest)) * 1e9);
+    }
+    int const ready = ppoll(sources.data(), sources.size(), seconds_ ? &left : nullptr, nullptr);
+    return ready != 0 && sources[1].revents == 0;
+  }
+
+  void takeAll(RaSocket& socket, RouterWatch& watch, Reporter& reporter) {
+    while (!isEnough()) {
+      auto const received = socket.receive();
+      if (!received) return;
+      take(*received, watch, reporter);
+    }
+  }
+
+  void take(Net::Ip6PktInfo::Result const& received, RouterWatch& watch, Reporter& reporter) {
+    if (!received) return drop(reporter, Ip6Addr(), reasonText(received.reason));
+    Ip6Addr const& source = received.info->sourceAddr();
+    if (std::string const reason = raInvalidity(received.info); !reason.empty()) return drop(reporter, source, reason);
+    RouterAdvt::RaPacket const packet = RouterAdvt::makeRaPacketType(Net::IntfId(device_), received.info);
+    if (!packet) return drop(reporter, source, "an option has length 0");
+    ++heard_;
+    watch.hear(packet);
+  }
+
+  void drop(Reporter& reporter, Ip6Addr const& source, std::string const& reason) {
+    ++dropped_;
+    reporter.dropped(source, reason);
+  }
+
+  std::string device_;
+  Fwk::U64 wanted_ = 0;
+  std::optional<double> seconds_;
+  bool json_ = false;
+  Fwk::U64 heard_ = 0;
+  Fwk::U64 dropped_ = 0;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> makeListenCommand() { return std::make_unique<ListenCommand>(); }
+
+}  // namespace Tool

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <Ipv6RouterAdvt/RouterAdvt/RaPacketStatus.h>
+#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborStatus.h>
+#include <RouterPlatform/Fwk/Observe.h>
+#include <tools/routeradvt/RecordView.h>
+
+#include <functional>
+#include <map>
+
+namespace Tool {
+
+/// Keeps what the routers of one link advertise in the status entities, and tells what changes by observing them.
+class RouterWatch {
+ public:
+  /// What is told. Calls come from within `hear`.
+  struct Observer {
+    virtual ~Observer() = default;
+    /// A router is heard for the first time, or again after it was gone.
+    virtual void onRouter(Net::Ip6Addr const& router) = 0;
+    /// A router has withdrawn.
+    virtual void onRouterGone(Net::Ip6Addr const& router) = 0;
+    /// The latest packet is another one than that router's former one. `changes`: against that one, or all values when
+    /// it is the router's first.
+    virtual void onChange(RouterAdvt::RaPacket const& packet, std::vector<RecordChange> const& changes) = 0;
+  };
+
+  RouterWatch(Net::IntfId const& intfId, Observer& observer);
+
+  /// An advertisement that was found valid.
+  void hear(RouterAdvt::RaPacket const& packet);
+
+  /// The routers that have not withdrawn.
+  RouterAdvt::RouterNeighbors const& routers() const { return *routers_; }
+
+ private:
+  void onPacket(Fwk::Notification const& notification);
+  void onRouters(Fwk::Notification const& notification);
+
+  Net::IntfId intfId_;
+  Observer& observer_;
+  Fwk::Ptr<RouterAdvt::RaPacketStatus> packets_;
+  Fwk::Ptr<RouterAdvt::RouterNeighborStatus> neighbors_;
+  Fwk::Ptr<RouterAdvt::RouterNeighbors> routers_;
+  /// The status keeps one packet an interface; where several routers speak, each is compared with itself.
+  std::map<Net::Ip6Addr, std::vector<RecordValue>> former_;
+  Fwk::Subscription packetsSubscription_;
+  Fwk::Subscription routersSubscription_;
+};
+
+}  // namespace Tool
