@@ -6,5 +6,6 @@
 #include <Ipv6RouterAdvt/RouterAdvt/LifeTimeHashMap.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PrefixDefault.h>
 #include <Ipv6RouterAdvt/RouterAdvt/RaPacketStatus.h>
+#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaStatus.h>
 #include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborStatus.h>
 #include <Ipv6RouterAdvt/RouterAdvt/Status.h>

@@ -10,4 +10,8 @@ Ptr<ProcFileDirDataSet> procFileDirDataSetFactory(Name name) { return Fwk::creat
 Ptr<RouterNeighborStatus> routerNeighborStatusFactory(Name name) { return Fwk::create<RouterNeighborStatus>(name); }
 Ptr<RouterNeighbors> routerNeighborsFactory(IntfId intfId) { return Fwk::create<RouterNeighbors>(intfId); }
 
+Ptr<Table::RouterNeighborRaStatus> Table::routerNeighborRaStatusFactory(Name name) {
+  return Fwk::create<RouterNeighborRaStatus>(name);
+}
+
 }  // namespace RouterAdvt

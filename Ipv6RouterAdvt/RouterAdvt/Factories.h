@@ -5,6 +5,7 @@
 #include <Ipv6RouterAdvt/RouterAdvt/IntfConfig.h>
 #include <Ipv6RouterAdvt/RouterAdvt/IntfStatus.h>
 #include <Ipv6RouterAdvt/RouterAdvt/ProcFileDirDataSet.h>
+#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaStatus.h>
 #include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborStatus.h>
 #include <Ipv6RouterAdvt/RouterAdvt/RouterNeighbors.h>
 #include <Ipv6RouterAdvt/RouterAdvt/Status.h>
@@ -20,5 +21,11 @@ ROUTER_ADVT_EXPORT Ptr<IntfStatus> intfStatusFactory(IntfId intfId);
 ROUTER_ADVT_EXPORT Ptr<ProcFileDirDataSet> procFileDirDataSetFactory(Name name);
 ROUTER_ADVT_EXPORT Ptr<RouterNeighborStatus> routerNeighborStatusFactory(Name name);
 ROUTER_ADVT_EXPORT Ptr<RouterNeighbors> routerNeighborsFactory(IntfId intfId);
+
+namespace Table {
+
+ROUTER_ADVT_EXPORT Ptr<RouterNeighborRaStatus> routerNeighborRaStatusFactory(Name name);
+
+}  // namespace Table
 
 }  // namespace RouterAdvt

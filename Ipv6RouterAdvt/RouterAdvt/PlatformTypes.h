@@ -29,6 +29,7 @@ using Fwk::AttrId;
 using Fwk::Name;
 using Fwk::Ptr;
 using Fwk::S32;
+using Fwk::Seconds;
 using Fwk::strepToValue;
 using Fwk::String;
 using Fwk::U16;

@@ -2,6 +2,7 @@
 #include <Ipv6RouterAdvt/RouterAdvt/LifeTimeHashMap.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PrefixDefault.h>
 #include <Ipv6RouterAdvt/RouterAdvt/RaPacketStatus.h>
+#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaStatus.h>
 #include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborStatus.h>
 #include <Ipv6RouterAdvt/RouterAdvt/Status.h>
 #include <RouterPlatform/Fwk/TypeRegistry.h>
@@ -19,10 +20,13 @@ struct Registration {
              &RouterNeighbor::typeRecord(),
              &PrefixDefault::typeRecord(),
              &RouterNeighborStatus::typeRecord(),
+             &RouterNeighborRaKey::typeRecord(),
+             &RouterNeighborRa::typeRecord(),
              &PrefixProfileEntry::typeRecord(),
              &PrefixConfigEntry::typeRecord(),
              &RaPacket::typeRecord(),
              &IntfConfig::typeRecord(),
+             &Table::RouterNeighborRaStatus::typeRecord(),
              &LifeTimeHashMap::typeRecord(),
              &DNSServerConfigEntry::typeRecord(),
              &DNSSuffixConfigEntry::typeRecord(),

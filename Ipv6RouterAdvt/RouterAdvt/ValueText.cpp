@@ -3,6 +3,8 @@
 #include <Ipv6RouterAdvt/RouterAdvt/RaPacket.h>
 #include <Ipv6RouterAdvt/RouterAdvt/RaPacketPrefixInfo.h>
 #include <Ipv6RouterAdvt/RouterAdvt/RouterNeighbor.h>
+#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRa.h>
+#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaKey.h>
 #include <RouterPlatform/Trace/Assert.h>
 
 #include <ostream>
@@ -21,12 +23,16 @@ String valueToStrep(LifeTimeHashMap const&) { return "None"; }
 String valueToStrep(RaPacket const& value) { return Fwk::recordToStrep(value); }
 String valueToStrep(RaPacketPrefixInfo const& value) { return Fwk::recordToStrep(value); }
 String valueToStrep(RouterNeighbor const& value) { return Fwk::recordToStrep(value); }
+String valueToStrep(RouterNeighborRaKey const& value) { return Fwk::recordToStrep(value); }
+String valueToStrep(RouterNeighborRa const& value) { return Fwk::recordToStrep(value); }
 
 std::ostream& operator<<(std::ostream& out, PrefixDefault const& value) { return out << valueToStrep(value); }
 std::ostream& operator<<(std::ostream& out, LifeTimeHashMap const& value) { return out << valueToStrep(value); }
 std::ostream& operator<<(std::ostream& out, RaPacket const& value) { return out << valueToStrep(value); }
 std::ostream& operator<<(std::ostream& out, RaPacketPrefixInfo const& value) { return out << valueToStrep(value); }
 std::ostream& operator<<(std::ostream& out, RouterNeighbor const& value) { return out << valueToStrep(value); }
+std::ostream& operator<<(std::ostream& out, RouterNeighborRaKey const& value) { return out << valueToStrep(value); }
+std::ostream& operator<<(std::ostream& out, RouterNeighborRa const& value) { return out << valueToStrep(value); }
 
 PrefixDefault::PrefixDefault(String::IteratorConst&, String::IteratorConst const&) {}
 
@@ -45,6 +51,14 @@ RaPacketPrefixInfo::RaPacketPrefixInfo(String::IteratorConst& pos, String::Itera
 }
 
 RouterNeighbor::RouterNeighbor(String::IteratorConst& pos, String::IteratorConst const& end) {
+  Fwk::recordFromStrep(pos, end, *this);
+}
+
+RouterNeighborRaKey::RouterNeighborRaKey(String::IteratorConst& pos, String::IteratorConst const& end) {
+  Fwk::recordFromStrep(pos, end, *this);
+}
+
+RouterNeighborRa::RouterNeighborRa(String::IteratorConst& pos, String::IteratorConst const& end) {
   Fwk::recordFromStrep(pos, end, *this);
 }
 

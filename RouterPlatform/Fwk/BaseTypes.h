@@ -15,6 +15,9 @@ using U64 = std::uint64_t;
 using S32 = std::int32_t;
 using S64 = std::int64_t;
 
+/// Floating-point seconds.
+using Seconds = double;
+
 /// Identifies an attribute within its type; declaration order is the numbering.
 using AttrId = U16;
 

@@ -75,7 +75,8 @@ class Writer : public WriterBase {
   WriteStatus commit(R const& row) { return WriterBase::commit(&row); }
 
   /// Calls `visit(row)` for every row, in the table's own order; if it returns bool, false ends the walk. It may change
-  /// the table: a row that is there throughout is visited exactly once, any other at most once.
+  /// the table, mount and unmount it, but not end the writer. A row that is there throughout is visited exactly once,
+  /// any other at most once; after mounting or unmounting it sees the rows as they were then.
   template <class Visit>
   WalkResult forEach(Visit&& visit) const {
     return walk([&](void const* octets) { return visitRow<R>(visit, octets); });

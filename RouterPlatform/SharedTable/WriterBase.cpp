@@ -28,8 +28,8 @@ Counters& counters() {
   return all;
 }
 
-std::unique_ptr<WriterCore> privateCore(RowType const& type, Capacity capacity, U32 rows) {
-  auto core = std::make_unique<WriterCore>(type, capacity);
+std::shared_ptr<WriterCore> privateCore(RowType const& type, Capacity capacity, U32 rows) {
+  auto core = std::make_shared<WriterCore>(type, capacity);
   Memory memory;
   if (memory.mapPrivate(core->memorySize()) != 0 || core->start(std::move(memory), rows) != 0) throw std::bad_alloc();
   return core;
@@ -42,9 +42,15 @@ void callIfSet(Callback const& callback, Args... args) {
 
 }  // namespace
 
-void appendText(std::string& out, MountStatus status) {
-  static constexpr std::string_view texts[] = {"unmounted", "mounted", "failed"};
-  out += texts[static_cast<U8>(status)];
+static constexpr std::string_view mountStatusTexts[] = {"unmounted", "mounted", "failed"};
+
+void appendText(std::string& out, MountStatus status) { out += mountStatusTexts[static_cast<U8>(status)]; }
+
+bool parseText(std::string_view text, MountStatus& status) noexcept {
+  auto const* const found = std::find(std::begin(mountStatusTexts), std::end(mountStatusTexts), text);
+  if (found == std::end(mountStatusTexts)) return false;
+  status = static_cast<MountStatus>(found - std::begin(mountStatusTexts));
+  return true;
 }
 
 WriterBase::WriterBase(RowType const& type, std::string collection, WriterOptions const& options)
@@ -97,7 +103,7 @@ Error WriterBase::moveRows(WriterCore& next, std::vector<std::vector<U64>>& lost
 
 Error WriterBase::mount(std::string_view path) {
   auto place = std::make_unique<Publication>();
-  auto next = std::make_unique<WriterCore>(type_, options_.capacity);
+  auto next = std::make_shared<WriterCore>(type_, options_.capacity);
   std::vector<std::vector<U64>> lostRows;
   Memory memory;
   Error error = place->claim(FileIo::directoryOr(options_.directory), path, collection_);
@@ -209,7 +215,8 @@ bool WriterBase::stage(void const* key, void* row) {
 }
 
 WalkResult WriterBase::walk(View::Visitor const& visit) const {
-  WalkResult const result = core_->view().walk(visit);
+  std::shared_ptr<WriterCore const> const walked = core_;  // the visitor may mount or unmount
+  WalkResult const result = walked->view().walk(visit);
   if (result.corrupt > 0) reportCorruption(result.firstCorruption, "walking");
   return result;
 }

@@ -24,6 +24,8 @@ enum class MountStatus : U8 {
   failed      ///< as unmounted; the last attempt to mount failed
 };
 ROUTER_PLATFORM_EXPORT void appendText(std::string& out, MountStatus status);
+ROUTER_PLATFORM_EXPORT bool parseText(std::string_view text, MountStatus& status) noexcept;
+constexpr char const* textTypeNameOf(MountStatus) noexcept { return "SharedTable::MountStatus"; }
 
 struct WriterOptions {
   Capacity capacity;
@@ -99,7 +101,7 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
   BaseCallbacks callbacks_;
   CorruptionHandler corruptionHandler_;
   std::unique_ptr<Publication> publication_;  // before the core: the file's lock goes before the place's
-  std::unique_ptr<WriterCore> core_;
+  std::shared_ptr<WriterCore> core_;          // shared with the walks that are under way
 };
 
 }  // namespace SharedTable

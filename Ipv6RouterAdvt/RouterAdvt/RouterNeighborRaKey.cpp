@@ -1,0 +1,39 @@
+#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaKey.h>
+#include <RouterPlatform/Fwk/Attributes.h>
+
+namespace RouterAdvt {
+
+void RouterNeighborRaKey::appendTo(std::string& out) const {
+  intfId_.appendTo(out);
+  out += '-';
+  neighborAddr_.appendTo(out);
+}
+
+String RouterNeighborRaKey::toStrep() const {
+  String out;
+  appendTo(out);
+  return out;
+}
+
+/// The last minus is the one between: an address has none, the name of an interface may.
+std::optional<RouterNeighborRaKey> RouterNeighborRaKey::parse(std::string_view text) noexcept {
+  std::size_t const between = text.rfind('-');
+  if (between == std::string_view::npos) return std::nullopt;
+  std::optional<IntfId> const intfId = IntfId::parse(text.substr(0, between));
+  std::optional<Ip6Addr> const neighborAddr = Ip6Addr::parse(text.substr(between + 1));
+  if (!intfId || !neighborAddr) return std::nullopt;
+  return RouterNeighborRaKey(*intfId, *neighborAddr);
+}
+
+Fwk::TypeRecord const& RouterNeighborRaKey::typeRecord() {
+  using namespace Fwk;
+  using HashWithSeedZero = U64 (RouterNeighborRaKey::*)() const noexcept;
+  static constexpr HashWithSeedZero hashWithSeedZero = &RouterNeighborRaKey::hash;
+  static constexpr auto attrs = attributes<RouterNeighborRaKey>(
+      scalar<&RouterNeighborRaKey::intfId>("intfId"), scalar<&RouterNeighborRaKey::neighborAddr>("neighborAddr"),
+      computed<&RouterNeighborRaKey::toStrep>("toStrep"), computed<hashWithSeedZero>("hash"));
+  static constexpr TypeRecord record = valueRecord<RouterNeighborRaKey>(attrs);
+  return record;
+}
+
+}  // namespace RouterAdvt

@@ -1,0 +1,137 @@
+#pragma once
+
+#include <Ipv6RouterAdvt/Export.h>
+#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
+#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRa.h>
+#include <RouterPlatform/SharedTable/CollectionControl.h>
+#include <RouterPlatform/SharedTable/Writer.h>
+#include <RouterPlatform/Stats/Counter.h>
+
+#include <cstddef>
+#include <iterator>
+#include <utility>
+#include <vector>
+
+namespace RouterAdvt::Table {
+
+class RouterNeighborRaStatusZeroReferencesNotifiee;
+
+/// When each neighbouring router was last heard, in a table in shared memory: this process writes it, others read it.
+/// With a parent the table is mounted at `tablePath()`; without one the rows are this process's own, and every
+/// operation works all the same. Key: `name`. Used by one thread at a time.
+///
+/// Its own end: when the last outside reference goes while the table is mounted, the control keeps the entity alive
+/// until it is unmounted, which is when its parent goes.
+class ROUTER_ADVT_EXPORT RouterNeighborRaStatus final : public Fwk::Entity {
+ public:
+  enum Attr : AttrId {
+    routerNeighborRaAttr = Fwk::firstOwnAttr,
+    routerNeighborRaControlAttr,
+    tablePathAttr,
+  };
+  using Writer = SharedTable::Writer<RouterNeighborRa>;
+
+  explicit RouterNeighborRaStatus(Name name);
+
+  Name name() const override { return name_; }
+  Name const& key() const noexcept { return name_; }
+
+  /// The rows, for reading. Walked as copies, `{key, value}`, in the table's own order; the entity may change during a
+  /// walk in any way: rows that are gone are passed by, rows that come are not visited.
+  class Rows;
+  Rows routerNeighborRa() const;
+  /// Copy of the row of that key, or the default row.
+  RouterNeighborRa routerNeighborRa(RouterNeighborRaKey const& key) const;
+  /// Writes the row under its own key and notifies with the key: every time, whether or not it changes anything. A row
+  /// that the table has no room for is counted and traced by the table, and notified like any other.
+  void routerNeighborRaIs(RouterNeighborRa const& row);
+  /// Removes and returns the row of that key and notifies with the key; the default row, and nobody notified, when
+  /// there is none.
+  RouterNeighborRa routerNeighborRaDel(RouterNeighborRaKey const& key);
+  /// `routerNeighborRaDel` for every row that is there now.
+  void routerNeighborRaDelAll();
+
+  /// The table's writable slot with the row of that key in it, or null. It is changed there, then published by
+  /// `routerNeighborRaCommit`; valid until the next call.
+  RouterNeighborRa* routerNeighborRaWritable(RouterNeighborRaKey const& key) { return table_.writable(key); }
+  /// Publishes a row that was changed in the writable slot, without a lookup, and notifies with its key.
+  void routerNeighborRaCommit(RouterNeighborRa const& row);
+  /// Notifies that the row of that key changed.
+  void routerNeighborRaNotify(RouterNeighborRaKey const& key);
+
+  /// What is known of the table's mounting. Null once the last outside reference has gone.
+  Ptr<SharedTable::CollectionControl> routerNeighborRaControl() const { return control_; }
+  void routerNeighborRaControlIs(Ptr<SharedTable::CollectionControl> const& control) {
+    attrIs(control_, control, routerNeighborRaControlAttr);
+  }
+
+  /// Where the table is mounted, below the table directory.
+  static String tablePath() { return "routing6/routerAdvt/routerNeighborRaStatus"; }
+  /// Name of the collection there.
+  static constexpr char const* collectionName = "routerNeighborRa";
+
+  /// Mounts the table at `tablePath()` when there is a parent, unmounts it when there is none.
+  void handleParent(Ptr<Fwk::Entity> parent) override;
+
+  /// What becomes of damage in the shared memory before the operation that met it fails.
+  void corruptionHandlerIs(SharedTable::WriterBase::CorruptionHandler handler) {
+    table_.corruptionHandlerIs(std::move(handler));
+  }
+
+  static constexpr char const* fwkTypeName = "RouterAdvt::Table::RouterNeighborRaStatus";
+  static Fwk::TypeRecord const& typeRecord();
+  Fwk::TypeRecord const& fwkType() const override { return typeRecord(); }
+
+ private:
+  friend class RouterNeighborRaStatusZeroReferencesNotifiee;
+  ~RouterNeighborRaStatus() override;
+  void bindTable();
+
+  // In the reverse order of their ends.
+  Name name_;
+  Ptr<Fwk::Notifiee> zeroReferences_;
+  Writer table_;
+  Ptr<SharedTable::CollectionControl> control_;
+  Stats::Counter& written_;
+  Stats::Counter& deleted_;
+  Stats::Counter& notified_;
+};
+
+class RouterNeighborRaStatus::Rows {
+ public:
+  struct Entry {
+    RouterNeighborRaKey key;
+    RouterNeighborRa value;
+  };
+
+  explicit Rows(RouterNeighborRaStatus const& status) : status_(&status) {}
+
+  U32 size() const { return status_->table_.count(); }
+  bool empty() const { return size() == 0; }
+  bool contains(RouterNeighborRaKey const& key) const { return status_->table_.contains(key); }
+
+  /// Keeps the entity alive and remembers the keys that are there when it begins.
+  class Iterator {
+   public:
+    explicit Iterator(RouterNeighborRaStatus const& status);
+    Entry const& operator*() const { return entry_; }
+    Entry const* operator->() const { return &entry_; }
+    Iterator& operator++();
+    bool operator==(std::default_sentinel_t) const { return next_ > keys_.size(); }
+
+   private:
+    Ptr<RouterNeighborRaStatus const> status_;
+    std::vector<RouterNeighborRaKey> keys_;
+    std::size_t next_ = 0;  ///< of `keys_`: the one after that of `entry_`; beyond the end: done
+    Entry entry_;
+  };
+  Iterator begin() const { return Iterator(*status_); }
+  std::default_sentinel_t end() const { return {}; }
+
+ private:
+  RouterNeighborRaStatus const* status_;
+};
+
+inline RouterNeighborRaStatus::Rows RouterNeighborRaStatus::routerNeighborRa() const { return Rows(*this); }
+
+}  // namespace RouterAdvt::Table

@@ -1,0 +1,528 @@
+#include <Ipv6RouterAdvt/RouterAdvt.h>
+#include <RouterPlatform/Fwk/Attributes.h>
+#include <RouterPlatform/Fwk/Observe.h>
+#include <RouterPlatform/Fwk/Reflection.h>
+#include <RouterPlatform/SharedTable/Reader.h>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <filesystem>
+#include <iostream>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace RouterAdvt;
+using SharedTable::CollectionControl;
+using SharedTable::LookupStatus;
+using SharedTable::MountStatus;
+using Table::RouterNeighborRaStatus;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+RouterNeighborRaKey keyOf(int number) {
+  return RouterNeighborRaKey(IntfId("Ethernet1"), Ip6Addr("fe80::" + std::to_string(number)));
+}
+
+Fwk::S64 living() { return RouterNeighborRaStatus::typeRecord().liveCount->value(); }
+Fwk::S64 controlsLiving() { return CollectionControl::typeRecord().liveCount->value(); }
+
+/// An entity tree that a table may enter.
+class Tree final : public Fwk::Entity {
+ public:
+  static constexpr AttrId tablesAttr = Fwk::firstOwnAttr;
+  explicit Tree(Name name) : name_(name) {}
+  Name name() const override { return name_; }
+  Fwk::EntityCollection<Name, RouterNeighborRaStatus>& tables() { return tables_; }
+
+  static constexpr char const* fwkTypeName = "Test::Tree";
+  static Fwk::TypeRecord const& typeRecord() {
+    static constinit Fwk::LiveCount live;
+    static constexpr auto attrs = Fwk::attributes<Tree>(Fwk::collection<&Tree::tables_>("tables"));
+    static constexpr Fwk::TypeRecord record = Fwk::entityRecord<Tree, Name>(attrs, live);
+    return record;
+  }
+  Fwk::TypeRecord const& fwkType() const override { return typeRecord(); }
+
+ private:
+  ~Tree() override = default;
+  Name name_;
+  Fwk::EntityCollection<Name, RouterNeighborRaStatus> tables_{*this, tablesAttr};
+};
+
+/// What an entity's observers hear, in order.
+struct Heard {
+  explicit Heard(Fwk::Entity& entity)
+      : subscription(Fwk::observe(entity, [this](Fwk::Notification const& n) {
+          attrs.push_back(n.attr);
+          if (auto const* key = n.key.as<RouterNeighborRaKey>()) keys.push_back(key->toStrep());
+        })) {}
+  std::vector<AttrId> attrs;
+  std::vector<std::string> keys;
+  Fwk::Subscription subscription;
+};
+
+class NeighborTable : public testing::Test {
+ protected:
+  NeighborTable() {
+    std::string name = (std::filesystem::temp_directory_path() / "neighbor-table-XXXXXX").string();
+    EXPECT_NE(mkdtemp(name.data()), nullptr);
+    directory_ = name;
+    setenv("SHARED_TABLE_DIR", name.c_str(), 1);
+    status_ = Table::routerNeighborRaStatusFactory("neighbors");
+  }
+  ~NeighborTable() override {
+    if (status_) status_->parentIs(nullptr, 0);  // mounted, it would not end
+    status_ = nullptr;
+    tree_ = nullptr;
+    EXPECT_EQ(living(), 0);
+    EXPECT_EQ(controlsLiving(), 0);
+    unsetenv("SHARED_TABLE_DIR");
+    std::error_code ignored;
+    std::filesystem::remove_all(directory_, ignored);
+  }
+
+  /// Gives the entity a parent that does not own it.
+  void mount() { status_->parentIs(tree_.get(), Tree::tablesAttr); }
+
+  std::string path() const { return directory_ + "/routing6/routerAdvt/routerNeighborRaStatus/routerNeighborRa.tbl"; }
+  bool published() const { return std::filesystem::exists(path()); }
+
+  std::string directory_;
+  Ptr<Tree> tree_ = Fwk::create<Tree>("tree");
+  Ptr<RouterNeighborRaStatus> status_;
+};
+
+struct CounterDeltas {
+  U64 is = Stats::counter("routerNeighborRaIs").value();
+  U64 del = Stats::counter("routerNeighborRaDel").value();
+  U64 notify = Stats::counter("routerNeighborRaNotify").value();
+  std::vector<U64> now() const {
+    CounterDeltas const n;
+    return {n.is - is, n.del - del, n.notify - notify};
+  }
+};
+
+TEST_F(NeighborTable, IsMadeUnmountedAndEmptyWithAControl) {
+  EXPECT_EQ(status_->name(), Name("neighbors"));
+  EXPECT_TRUE(status_->hasNotificationActive());
+  EXPECT_TRUE(status_->routerNeighborRa().empty());
+  ASSERT_TRUE(status_->routerNeighborRaControl());
+  EXPECT_TRUE(status_->routerNeighborRaControl()->hasNotificationActive());
+  EXPECT_EQ(status_->routerNeighborRaControl()->mountStatus(), MountStatus::unmounted);
+  EXPECT_TRUE(status_->routerNeighborRaControl()->quiesced());
+  EXPECT_FALSE(published());
+}
+
+TEST_F(NeighborTable, GivesBackWhatWasWritten) {
+  status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1.5));
+  EXPECT_EQ(status_->routerNeighborRa(keyOf(1)), RouterNeighborRa(keyOf(1), 1.5));
+  EXPECT_EQ(status_->routerNeighborRa(keyOf(2)), RouterNeighborRa());
+  EXPECT_EQ(status_->routerNeighborRa().size(), 1u);
+  EXPECT_TRUE(status_->routerNeighborRa().contains(keyOf(1)));
+  EXPECT_FALSE(status_->routerNeighborRa().contains(keyOf(2)));
+}
+
+TEST_F(NeighborTable, NotifiesAndCountsEveryWriteAlsoOfAnEqualRow) {
+  CounterDeltas const counters;
+  Heard heard(*status_);
+  status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1.5));
+  status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1.5));
+  EXPECT_THAT(heard.attrs, ElementsAre(258, 258));
+  EXPECT_THAT(heard.keys, ElementsAre("Ethernet1-fe80::1", "Ethernet1-fe80::1"));
+  EXPECT_THAT(counters.now(), ElementsAre(2, 0, 2));
+}
+
+TEST_F(NeighborTable, RemovingReturnsTheRowAndNotifies) {
+  status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1.5));
+  CounterDeltas const counters;
+  Heard heard(*status_);
+  EXPECT_EQ(status_->routerNeighborRaDel(keyOf(1)), RouterNeighborRa(keyOf(1), 1.5));
+  EXPECT_THAT(heard.keys, ElementsAre("Ethernet1-fe80::1"));
+  EXPECT_THAT(counters.now(), ElementsAre(0, 1, 1));
+  EXPECT_TRUE(status_->routerNeighborRa().empty());
+}
+
+TEST_F(NeighborTable, RemovingAnAbsentKeyReturnsTheDefaultRowAndNotifiesNobody) {
+  CounterDeltas const counters;
+  Heard heard(*status_);
+  EXPECT_EQ(status_->routerNeighborRaDel(keyOf(1)), RouterNeighborRa());
+  EXPECT_THAT(heard.attrs, IsEmpty());
+  EXPECT_THAT(counters.now(), ElementsAre(0, 1, 0));
+}
+
+TEST_F(NeighborTable, RemovingAllNotifiesOncePerRow) {
+  for (int i = 1; i <= 3; ++i) status_->routerNeighborRaIs(RouterNeighborRa(keyOf(i), i));
+  CounterDeltas const counters;
+  Heard heard(*status_);
+  status_->routerNeighborRaDelAll();
+  EXPECT_THAT(heard.keys, UnorderedElementsAre("Ethernet1-fe80::1", "Ethernet1-fe80::2", "Ethernet1-fe80::3"));
+  EXPECT_THAT(counters.now(), ElementsAre(0, 3, 3));
+}
+
+TEST_F(NeighborTable, ACommitPublishesTheWritableSlot) {
+  status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1.5));
+  CounterDeltas const counters;
+  Heard heard(*status_);
+  EXPECT_EQ(status_->routerNeighborRaWritable(keyOf(2)), nullptr);
+  RouterNeighborRa* const row = status_->routerNeighborRaWritable(keyOf(1));
+  ASSERT_NE(row, nullptr);
+  row->lastRaReceivedIs(2.5);
+  status_->routerNeighborRaCommit(*row);
+  EXPECT_EQ(status_->routerNeighborRa(keyOf(1)).lastRaReceived(), 2.5);
+  EXPECT_THAT(heard.keys, ElementsAre("Ethernet1-fe80::1"));
+  EXPECT_THAT(counters.now(), ElementsAre(1, 0, 1));
+}
+
+TEST_F(NeighborTable, NotifyTellsObserversAndCounts) {
+  CounterDeltas const counters;
+  Heard heard(*status_);
+  status_->routerNeighborRaNotify(keyOf(7));
+  EXPECT_THAT(heard.keys, ElementsAre("Ethernet1-fe80::7"));
+  EXPECT_THAT(counters.now(), ElementsAre(0, 0, 1));
+}
+
+TEST_F(NeighborTable, ANewControlIsStoredAndNotifiedAndTheSameOneIsNot) {
+  Heard heard(*status_);
+  status_->routerNeighborRaControlIs(status_->routerNeighborRaControl());
+  EXPECT_THAT(heard.attrs, IsEmpty());
+  auto const control = Fwk::create<CollectionControl>();
+  status_->routerNeighborRaControlIs(control);
+  EXPECT_EQ(status_->routerNeighborRaControl(), control);
+  EXPECT_THAT(heard.attrs, ElementsAre(259));
+}
+
+TEST_F(NeighborTable, IsWalkedInAnyState) {
+  for (int i = 1; i <= 20; ++i) status_->routerNeighborRaIs(RouterNeighborRa(keyOf(i), i));
+  std::set<RouterNeighborRaKey> seen;
+  for (auto const& [key, row] : status_->routerNeighborRa()) {
+    EXPECT_EQ(key, row.key());
+    EXPECT_TRUE(seen.insert(key).second);
+  }
+  EXPECT_EQ(seen.size(), 20u);
+}
+
+TEST_F(NeighborTable, AWalkBearsRemovalsMountingAndTheEndOfItsEntity) {
+  for (int i = 1; i <= 20; ++i) status_->routerNeighborRaIs(RouterNeighborRa(keyOf(i), i));
+  int visited = 0;
+  for (auto const& [key, row] : status_->routerNeighborRa()) {
+    if (++visited == 5) mount();
+    if (visited == 8) {
+      std::vector<RouterNeighborRaKey> others;
+      for (auto const& entry : status_->routerNeighborRa())
+        if (entry.key != key) others.push_back(entry.key);
+      for (std::size_t i = 0; i < 4; ++i) status_->routerNeighborRaDel(others[i]);
+      status_->routerNeighborRaIs(RouterNeighborRa(keyOf(100), 1));
+    }
+    if (visited == 10) status_->parentIs(nullptr, 0);
+    if (visited == 12) status_ = nullptr;
+    EXPECT_EQ(key, row.key());
+  }
+  EXPECT_GE(visited, 16);
+  EXPECT_LE(visited, 20);
+}
+
+TEST_F(NeighborTable, AParentMountsItAndLosingTheParentUnmountsIt) {
+  auto const control = status_->routerNeighborRaControl();
+  Heard heard(*control);
+  status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1.5));
+  mount();
+  EXPECT_TRUE(published());
+  EXPECT_EQ(control->mountStatus(), MountStatus::mounted);
+  EXPECT_FALSE(control->quiesced());
+  EXPECT_EQ(status_->routerNeighborRa(keyOf(1)).lastRaReceived(), 1.5);
+  status_->parentIs(nullptr, 0);
+  EXPECT_FALSE(published());
+  EXPECT_EQ(control->mountStatus(), MountStatus::unmounted);
+  EXPECT_TRUE(control->quiesced());
+  EXPECT_EQ(status_->routerNeighborRa(keyOf(1)).lastRaReceived(), 1.5);
+  EXPECT_EQ(heard.attrs.size(), 4u);
+}
+
+TEST_F(NeighborTable, EnteringAndLeavingACollectionMountsAndUnmounts) {
+  Ptr<RouterNeighborRaStatus> const member = tree_->tables().memberIs("neighbors");
+  EXPECT_TRUE(published());
+  EXPECT_EQ(member->fullName(), "tree/tables[neighbors]");
+  tree_->tables().memberDel("neighbors");
+  EXPECT_FALSE(published());
+}
+
+TEST_F(NeighborTable, ReadersSeeRowsAsTheyAreWritten) {
+  SharedTable::Reader<RouterNeighborRa> reader(RouterNeighborRaStatus::tablePath(),
+                                               RouterNeighborRaStatus::collectionName);
+  EXPECT_EQ(reader.attach().code, SharedTable::Errc::noTable);
+  mount();
+  ASSERT_FALSE(reader.attach());
+  status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1.5));
+  EXPECT_EQ(reader.row(keyOf(1)).row, RouterNeighborRa(keyOf(1), 1.5));
+  status_->routerNeighborRaDel(keyOf(1));
+  EXPECT_EQ(reader.row(keyOf(1)).status, LookupStatus::missing);
+}
+
+TEST_F(NeighborTable, AFailedMountingLeavesEverythingWorking) {
+  Ptr<RouterNeighborRaStatus> const first = Table::routerNeighborRaStatusFactory("first");
+  first->parentIs(tree_.get(), Tree::tablesAttr);
+  mount();
+  EXPECT_EQ(status_->routerNeighborRaControl()->mountStatus(), MountStatus::failed);
+  EXPECT_TRUE(status_->routerNeighborRaControl()->quiesced());
+  status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1.5));
+  EXPECT_EQ(status_->routerNeighborRa(keyOf(1)).lastRaReceived(), 1.5);
+  EXPECT_TRUE(first->routerNeighborRa().empty());
+  first->parentIs(nullptr, 0);
+}
+
+// The end of life.
+
+TEST_F(NeighborTable, UnmountedItEndsWithItsLastReference) {
+  EXPECT_EQ(living(), 1);
+  status_ = nullptr;
+  EXPECT_EQ(living(), 0);
+  EXPECT_EQ(controlsLiving(), 0);
+}
+
+TEST_F(NeighborTable, MountedItIsKeptAliveByItsControlUntilItIsUnmounted) {
+  status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1.5));
+  mount();
+  auto control = status_->routerNeighborRaControl();
+  Heard heard(*status_);
+  status_ = nullptr;
+  EXPECT_EQ(living(), 1);
+  EXPECT_TRUE(published());
+  EXPECT_THAT(heard.attrs, ElementsAre(259)) << "it refers to its control no more";
+  {
+    Ptr<Fwk::Entity> const kept = control->keptEntity();
+    ASSERT_TRUE(kept);
+    EXPECT_FALSE(Fwk::ptrCast<RouterNeighborRaStatus>(kept)->routerNeighborRaControl());
+  }
+  EXPECT_EQ(living(), 1) << "a reference that came and went changes nothing";
+  control->keptEntity()->parentIs(nullptr, 0);
+  EXPECT_EQ(living(), 0);
+  EXPECT_FALSE(published());
+  EXPECT_FALSE(control->keptEntity());
+  EXPECT_EQ(control->mountStatus(), MountStatus::unmounted);
+  EXPECT_EQ(controlsLiving(), 1);
+  control = nullptr;
+  EXPECT_EQ(controlsLiving(), 0);
+}
+
+TEST_F(NeighborTable, MountedAndUnreferencedItEndsWhenItsParentLetsGo) {
+  mount();
+  Fwk::Entity& kept = *status_;  // as a parent has it that does not own it
+  status_ = nullptr;
+  EXPECT_EQ(living(), 1);
+  kept.parentIs(nullptr, 0);
+  EXPECT_EQ(living(), 0);
+  EXPECT_EQ(controlsLiving(), 0);
+  EXPECT_FALSE(published());
+}
+
+TEST_F(NeighborTable, AMemberEndsWithTheTreeThatOwnsIt) {
+  status_ = nullptr;
+  tree_->tables().memberIs("neighbors")->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1.5));
+  EXPECT_EQ(living(), 1);
+  tree_ = nullptr;
+  EXPECT_EQ(living(), 0);
+  EXPECT_FALSE(published());
+}
+
+TEST_F(NeighborTable, AnObserverMayDropTheLastReferenceToAnUnmountedTable) {
+  auto const subscription = Fwk::observe(*status_, [this](Fwk::Notification const&) { status_ = nullptr; });
+  status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1.5));
+  EXPECT_EQ(living(), 0);
+  EXPECT_FALSE(subscription.active());
+}
+
+TEST_F(NeighborTable, AnObserverMayDropTheLastReferenceToAMountedTable) {
+  mount();
+  Fwk::Entity& kept = *status_;
+  auto const subscription = Fwk::observe(*status_, [this](Fwk::Notification const&) { status_ = nullptr; });
+  status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1.5));
+  EXPECT_EQ(living(), 1);
+  kept.parentIs(nullptr, 0);
+  EXPECT_EQ(living(), 0);
+}
+
+TEST_F(NeighborTable, AnObserverMayTakeItOutOfTheTreeAndDropIt) {
+  mount();
+  auto const subscription = Fwk::observe(*status_, [this](Fwk::Notification const&) {
+    Ptr<RouterNeighborRaStatus> const last = std::exchange(status_, nullptr);
+    if (last) last->parentIs(nullptr, 0);
+  });
+  status_->routerNeighborRaDelAll();
+  status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1.5));
+  EXPECT_EQ(living(), 0);
+  EXPECT_FALSE(published());
+}
+
+TEST_F(NeighborTable, AnObserverOfTheControlMayDropTheTableWhileItUnmounts) {
+  mount();
+  auto const subscription =
+      Fwk::observe(*status_->routerNeighborRaControl(), [this](Fwk::Notification const&) { status_ = nullptr; });
+  Fwk::Entity& kept = *status_;
+  kept.parentIs(nullptr, 0);
+  EXPECT_EQ(living(), 0);
+  EXPECT_FALSE(published());
+}
+
+TEST_F(NeighborTable, RemovingAllBearsAnObserverThatDropsIt) {
+  for (int i = 1; i <= 5; ++i) status_->routerNeighborRaIs(RouterNeighborRa(keyOf(i), i));
+  mount();
+  Fwk::Entity& kept = *status_;
+  auto const subscription = Fwk::observe(*status_, [this](Fwk::Notification const&) { status_ = nullptr; });
+  status_->routerNeighborRaDelAll();
+  EXPECT_EQ(living(), 1);
+  kept.parentIs(nullptr, 0);
+  EXPECT_EQ(living(), 0);
+}
+
+TEST_F(NeighborTable, WithItsControlTakenAwayAMountedTableEndsAndTellsTheControl) {
+  mount();
+  auto const control = status_->routerNeighborRaControl();
+  status_->routerNeighborRaControlIs(nullptr);
+  status_ = nullptr;
+  EXPECT_EQ(living(), 0);
+  EXPECT_FALSE(published());
+  EXPECT_EQ(control->mountStatus(), MountStatus::unmounted);
+}
+
+TEST_F(NeighborTable, EndsTheSameInTheThreadSafePointerMode) {
+  Fwk::threadSafePtrModeIs(true);
+  mount();
+  Fwk::Entity& kept = *status_;
+  auto const subscription = Fwk::observe(*status_, [this](Fwk::Notification const&) { status_ = nullptr; });
+  status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1.5));
+  EXPECT_EQ(living(), 1);
+  kept.parentIs(nullptr, 0);
+  EXPECT_EQ(living(), 0);
+  status_ = Table::routerNeighborRaStatusFactory("again");
+  status_ = nullptr;
+  EXPECT_EQ(living(), 0);
+  Fwk::threadSafePtrModeIs(false);
+}
+
+// Damage in the shared memory.
+
+class DamagedNeighborTable : public NeighborTable {
+ protected:
+  DamagedNeighborTable() {
+    status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1.5));
+    status_->routerNeighborRaIs(RouterNeighborRa(keyOf(2), 2.5));
+    mount();
+    status_->corruptionHandlerIs([](std::string_view message) { std::cerr << "handler: " << message << '\n'; });
+  }
+
+  /// Changes an octet of the row of `key`, which stands in the file as its octets.
+  void damage(RouterNeighborRaKey const& key, std::size_t octet) {
+    int const file = open(path().c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_GE(file, 0);
+    SharedTable::Geometry const g = SharedTable::Geometry::of(sizeof(RouterNeighborRa), sizeof key, 1048576, 13);
+    bool found = false;
+    for (U32 slot = 1; slot <= 4 && !found; ++slot) {
+      RouterNeighborRaKey there;
+      off_t const place = static_cast<off_t>(g.slotOffset(slot));
+      ASSERT_EQ(pread(file, static_cast<void*>(&there), sizeof there, place), static_cast<ssize_t>(sizeof there));
+      if (there != key) continue;
+      found = true;
+      U8 value = 0;
+      ASSERT_EQ(pread(file, &value, 1, place + static_cast<off_t>(octet)), 1);
+      value ^= 1;
+      ASSERT_EQ(pwrite(file, &value, 1, place + static_cast<off_t>(octet)), 1);
+    }
+    close(file);
+    ASSERT_TRUE(found);
+  }
+};
+
+TEST_F(DamagedNeighborTable, ALookupTellsTheHandlerAndYieldsTheDefaultRow) {
+  std::vector<std::string> messages;
+  status_->corruptionHandlerIs([&](std::string_view message) { messages.emplace_back(message); });
+  damage(keyOf(1), 50);
+  EXPECT_EQ(status_->routerNeighborRa(keyOf(1)), RouterNeighborRa());
+  EXPECT_THAT(messages, ElementsAre(HasSubstr("routing6/routerAdvt/routerNeighborRaStatus/routerNeighborRa")));
+  EXPECT_EQ(status_->routerNeighborRa(keyOf(2)).lastRaReceived(), 2.5);
+  status_->corruptionHandlerIs(nullptr);
+}
+
+TEST_F(DamagedNeighborTable, ARowThatIsLostWhenUnmountingIsNotified) {
+  damage(keyOf(1), 50);
+  Heard heard(*status_);
+  status_->parentIs(nullptr, 0);
+  EXPECT_THAT(heard.keys, ElementsAre("Ethernet1-fe80::1"));
+  EXPECT_EQ(status_->routerNeighborRa().size(), 1u);
+}
+
+using DamagedNeighborTableDeathTest = DamagedNeighborTable;
+
+TEST_F(DamagedNeighborTableDeathTest, AWriteFailsTheTablesAssertion) {
+  damage(keyOf(1), 40);
+  EXPECT_DEATH(status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 3)),
+               "handler: .*(.|\n)*assertion \"TableMap::safeWrite\\(\\) in no man's land\" failed");
+}
+
+TEST_F(DamagedNeighborTableDeathTest, ARemovalFailsTheTablesAssertion) {
+  damage(keyOf(1), 50);
+  EXPECT_DEATH(status_->routerNeighborRaDel(keyOf(1)),
+               "handler: .*(.|\n)*assertion \"TableMap::safeRemove\\(\\) in no man's land\" failed");
+}
+
+// Reflection.
+
+TEST_F(NeighborTable, ShowsItsAttributesByNumberAndName) {
+  auto const& type = status_->fwkType();
+  EXPECT_STREQ(type.name, "RouterAdvt::Table::RouterNeighborRaStatus");
+  ASSERT_EQ(type.attributes.size(), 3u);
+  EXPECT_STREQ(type.attribute(AttrId{258})->name, "routerNeighborRa");
+  EXPECT_STREQ(type.attribute(AttrId{259})->name, "routerNeighborRaControl");
+  EXPECT_STREQ(type.attribute(AttrId{260})->name, "tablePath");
+  std::string text;
+  EXPECT_TRUE(Fwk::readAttribute(Fwk::objectRef(*status_), "tablePath", text));
+  EXPECT_EQ(text, "routing6/routerAdvt/routerNeighborRaStatus");
+}
+
+TEST_F(NeighborTable, RowsAreReadWrittenDeletedCountedAndTestedByReflection) {
+  Heard heard(*status_);
+  auto const used = Fwk::reflectCollection(
+      Fwk::objectRef(static_cast<Fwk::Entity&>(*status_)), "routerNeighborRa", [&](Fwk::CollectionView const& rows) {
+        EXPECT_TRUE(rows.set("Ethernet1-fe80::1", "12.5"));
+        EXPECT_EQ(rows.size(), 1u);
+        EXPECT_TRUE(rows.contains("Ethernet1-fe80::1"));
+        EXPECT_FALSE(rows.contains("Ethernet1-fe80::2"));
+        std::string time;
+        EXPECT_TRUE(rows.get("Ethernet1-fe80::1", [&](Fwk::MemberRef const& member) {
+          EXPECT_TRUE(Fwk::readAttribute(member.value, "lastRaReceived", time));
+        }));
+        EXPECT_EQ(time, "12.5");
+        EXPECT_EQ(rows.get("fe80::1", [](auto const&) {}).error, Fwk::ReflectionError::malformed);
+        EXPECT_EQ(rows.set("Ethernet1-fe80::1", "soon").error, Fwk::ReflectionError::malformed);
+        EXPECT_EQ(rows.del("Ethernet1-fe80::2").error, Fwk::ReflectionError::noSuchMember);
+        std::vector<std::string> keys;
+        rows.forEach([&](Fwk::MemberRef const& member) {
+          keys.push_back(member.key);
+          return true;
+        });
+        EXPECT_THAT(keys, ElementsAre("Ethernet1-fe80::1"));
+        EXPECT_TRUE(rows.del("Ethernet1-fe80::1"));
+        EXPECT_EQ(rows.size(), 0u);
+      });
+  EXPECT_TRUE(used);
+  EXPECT_EQ(heard.keys.size(), 2u);
+}
+
+TEST_F(NeighborTable, IsMadeByReflectionFromAName) {
+  Ptr<Fwk::Entity> made = RouterNeighborRaStatus::typeRecord().create("other");
+  ASSERT_TRUE(made);
+  EXPECT_EQ(made->name(), Name("other"));
+  made = nullptr;
+  EXPECT_EQ(living(), 1);
+}
+
+}  // namespace
