@@ -7,37 +7,45 @@
 #include <Ipv6RouterAdvt/RouterAdvt/Status.h>
 #include <RouterPlatform/Fwk/TypeRegistry.h>
 
+#include <array>
+#include <string_view>
+
 namespace RouterAdvt {
 
 namespace {
 
-/// Enters the model's types into the registry when the library is loaded. The order is part of the binary interface.
-struct Registration {
-  Registration() {
-    for (Fwk::TypeRecord const* type : {
-             &Status::typeRecord(),
-             &RaPacketStatus::typeRecord(),
-             &RouterNeighbor::typeRecord(),
-             &PrefixDefault::typeRecord(),
-             &RouterNeighborStatus::typeRecord(),
-             &RouterNeighborRaKey::typeRecord(),
-             &RouterNeighborRa::typeRecord(),
-             &PrefixProfileEntry::typeRecord(),
-             &PrefixConfigEntry::typeRecord(),
-             &RaPacket::typeRecord(),
-             &IntfConfig::typeRecord(),
-             &Table::RouterNeighborRaStatus::typeRecord(),
-             &LifeTimeHashMap::typeRecord(),
-             &DNSServerConfigEntry::typeRecord(),
-             &DNSSuffixConfigEntry::typeRecord(),
-             &RaPacketPrefixInfo::typeRecord(),
-             &ProcFileDirDataSet::typeRecord(),
-             &Config::typeRecord(),
-             &IntfStatus::typeRecord(),
-             &RouterNeighbors::typeRecord(),
-         })
-      Fwk::typeRegistry().add(*type);
+/// Types in the order in which they are registered.
+template <class... Types>
+struct TypeList {
+  static constexpr std::size_t namesSize = ((std::string_view(Types::fwkTypeName).size() + 1) + ...);
+
+  /// The names, the last one first, each closed by a NUL.
+  static constexpr std::array<char, namesSize> reversedNames() {
+    std::array<char, namesSize> names{};
+    std::size_t end = namesSize;
+    for (std::string_view const name : {std::string_view(Types::fwkTypeName)...}) {
+      end -= name.size() + 1;
+      for (std::size_t i = 0; i < name.size(); ++i) names[end + i] = name[i];
+    }
+    return names;
   }
+
+  static void registerAll() { (Fwk::typeRegistry().add(Types::typeRecord()), ...); }
+};
+
+/// The model's types. The order is part of the binary interface.
+using ModelTypes =
+    TypeList<Status, RaPacketStatus, RouterNeighbor, PrefixDefault, RouterNeighborStatus, RouterNeighborRaKey,
+             RouterNeighborRa, PrefixProfileEntry, PrefixConfigEntry, RaPacket, IntfConfig,
+             Table::RouterNeighborRaStatus, LifeTimeHashMap, DNSServerConfigEntry, DNSSuffixConfigEntry,
+             RaPacketPrefixInfo, ProcFileDirDataSet, Config, IntfStatus, RouterNeighbors>;
+
+/// What a tool reads from the library file without loading it. One array, kept by compiler and linker as it is.
+[[gnu::used, gnu::retain, gnu::section(".fwk.typenames")]] constexpr auto typeNames = ModelTypes::reversedNames();
+
+/// Enters the types into the registry when the library is loaded.
+struct Registration {
+  Registration() { ModelTypes::registerAll(); }
 };
 
 Registration const registration;
