@@ -6,6 +6,8 @@
 #include <tools/routeradvt/NearestName.h>
 #include <tools/routeradvt/YamlReader.h>
 
+#include <yaml-cpp/depthguard.h>
+
 #include <algorithm>
 #include <array>
 #include <cerrno>

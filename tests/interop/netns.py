@@ -1,0 +1,134 @@
+"""What the tests against other programs share: network namespaces of their own, and skipping where there are none.
+
+A test makes the namespaces it needs, under names that nobody else has, bounds every wait, and takes away all it made,
+whatever happens; processes are ended by their own handle only.
+"""
+import json
+import os
+import secrets
+import shutil
+import signal
+import subprocess
+import sys
+import time
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "cli"))
+from support import EXAMPLE, PROGRAM, Checks  # noqa: E402,F401  # pylint: disable=wrong-import-position,unused-import
+
+SKIPPED = 77
+
+
+def skip(reason):
+    print("skipped:", reason)
+    sys.exit(SKIPPED)
+
+
+def need(*programs):
+    """Skips the test unless these are there and namespaces can be made."""
+    for program in ("ip", *programs):
+        if not shutil.which(program, path=os.environ.get("PATH", "") + ":/usr/sbin:/sbin"):
+            skip(f"{program} is not installed")
+    if os.geteuid() != 0:
+        skip("not root: network namespaces cannot be made")
+    probe = "ra-probe-" + secrets.token_hex(4)
+    made = subprocess.run(["ip", "netns", "add", probe], capture_output=True, text=True, timeout=10, check=False)
+    if made.returncode != 0:
+        skip("network namespaces cannot be made: " + made.stderr.strip())
+    subprocess.run(["ip", "netns", "del", probe], timeout=10, check=False)
+
+
+class Node:
+    """A network namespace."""
+
+    def __init__(self, name):
+        self.name = name
+        self.processes = []
+        subprocess.run(["ip", "netns", "add", name], check=True, timeout=10)
+
+    def command(self, *arguments):
+        return ["ip", "netns", "exec", self.name, *arguments]
+
+    def run(self, *arguments, check=True):
+        return subprocess.run(self.command(*arguments), capture_output=True, text=True, timeout=30, check=check)
+
+    def start(self, *arguments):
+        """A process in the background, which ends with the namespace at the latest."""
+        process = subprocess.Popen(self.command(*arguments), stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+        self.processes.append(process)
+        return process
+
+    def ip(self, *arguments):
+        """What `ip -6 -j` prints, read."""
+        return json.loads(self.run("ip", "-6", "-j", *arguments).stdout or "[]")
+
+    def sysctl(self, **values):
+        for name, value in values.items():
+            self.run("sysctl", "-q", "-w", f"net.ipv6.conf.{name.replace('__', '.')}={value}")
+
+    def close(self):
+        for process in self.processes:
+            if process.poll() is None:
+                process.kill()
+            process.communicate(timeout=10)
+        subprocess.run(["ip", "netns", "del", self.name], timeout=10, check=False)
+
+
+class Pair:
+    """A router and a host, joined by a link; the link's ends are named `router` and `host`."""
+
+    ROUTER_MAC = "02:00:00:00:0a:01"
+    HOST_MAC = "02:00:00:00:0a:02"
+
+    def __enter__(self):
+        # So that an end from outside takes the namespaces away too.
+        signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
+        name = f"ra-{os.getpid()}-{secrets.token_hex(3)}"
+        self.nodes = []
+        try:
+            self.router = self.add(name + "-router")
+            self.host = self.add(name + "-host")
+            self.join()
+        except BaseException:
+            self.__exit__()
+            raise
+        return self
+
+    def add(self, name):
+        node = Node(name)
+        self.nodes.append(node)
+        return node
+
+    def join(self):
+        self.router.run("ip", "link", "add", "router", "address", self.ROUTER_MAC, "type", "veth", "peer", "name", "host",
+                        "address", self.HOST_MAC, "netns", self.host.name)
+        self.router.sysctl(all__accept_dad=0, default__accept_dad=0, router__accept_dad=0, router__accept_ra=0)
+        self.host.sysctl(all__accept_dad=0, default__accept_dad=0, host__accept_dad=0, host__accept_ra=1,
+                         host__router_solicitations=0)
+        for node, device in ((self.router, "router"), (self.host, "host")):
+            node.run("ip", "link", "set", "lo", "up")
+            node.run("ip", "link", "set", device, "up")
+        for node, device in ((self.router, "router"), (self.host, "host")):
+            eventually(lambda n=node, d=device: link_local(n, d))
+
+    def __exit__(self, *_):
+        for node in self.nodes:
+            node.close()
+
+
+def link_local(node, device):
+    """The device's link-local address, once it may be used."""
+    for interface in node.ip("addr", "show", "dev", device, "scope", "link"):
+        for address in interface.get("addr_info", []):
+            if not address.get("tentative"):
+                return address["local"]
+    return None
+
+
+def eventually(condition, seconds=10):
+    """The condition's value once it is true, or its last one when time is up."""
+    end = time.monotonic() + seconds
+    while True:
+        value = condition()
+        if value or time.monotonic() > end:
+            return value
+        time.sleep(0.05)

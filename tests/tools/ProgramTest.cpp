@@ -1,0 +1,305 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <RouterPlatform/Fwk/TypeRegistry.h>
+#include <tools/routeradvt/Program.h>
+
+#include <nlohmann/json.hpp>
+
+#include <cstdio>
+#include <fstream>
+#include <ostream>
+#include <sstream>
+
+namespace Tool {
+
+namespace {
+
+using testing::AllOf;
+using testing::ContainsRegex;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+struct Outcome {
+  ExitStatus status;
+  std::string out;
+  std::string err;
+};
+
+Outcome run(std::vector<std::string> const& arguments) {
+  std::ostringstream out, err;
+  ExitStatus const status = runProgram(arguments, {out, err});
+  return {status, out.str(), err.str()};
+}
+
+/// A configuration file that lives as long as this.
+class TemporaryFile {
+ public:
+  explicit TemporaryFile(std::string const& text)
+      : name_(testing::TempDir() + "/" + testing::UnitTest::GetInstance()->current_test_info()->name() + ".yaml") {
+    std::ofstream(name_) << text;
+  }
+  ~TemporaryFile() { std::remove(name_.c_str()); }
+  std::string const& name() const { return name_; }
+
+ private:
+  std::string name_;
+};
+
+constexpr char const* smallFile = R"(config:
+  prefixProfiles: {guest: {validLifetime: 3600}}
+  intf:
+    E1:
+      raLifetime: 70000
+      prefixes: {2001:db8::/64: {profile: guest}}
+    E2: {}
+links:
+  E1: {mac: "02:00:00:00:00:01", addresses: ["2001:db8::1/64", "fe80::5/64"]}
+)";
+
+struct HelpRow {
+  char const* name;
+  std::vector<std::string> arguments;
+  friend void PrintTo(HelpRow const& row, std::ostream* os) { *os << row.name; }
+};
+class ProgramHelp : public testing::TestWithParam<HelpRow> {};
+TEST_P(ProgramHelp, GoesToStandardOutputAndSucceeds) {
+  Outcome const outcome = run(GetParam().arguments);
+  EXPECT_EQ(outcome.status, ExitStatus::success);
+  EXPECT_THAT(outcome.out, HasSubstr("Usage: routeradvt"));
+  EXPECT_EQ(outcome.err, "");
+}
+INSTANTIATE_TEST_SUITE_P(Row, ProgramHelp,
+                         testing::Values(HelpRow{"Program", {"--help"}}, HelpRow{"Build", {"build", "--help"}},
+                                         HelpRow{"Send", {"send", "-h"}}, HelpRow{"Show", {"show", "--help"}},
+                                         HelpRow{"Types", {"types", "--help"}}));
+
+struct UsageRow {
+  char const* name;
+  std::vector<std::string> arguments;
+  char const* error;
+  friend void PrintTo(UsageRow const& row, std::ostream* os) { *os << row.name; }
+};
+class ProgramUsage : public testing::TestWithParam<UsageRow> {};
+TEST_P(ProgramUsage, ErrorHasItsExitStatus) {
+  Outcome const outcome = run(GetParam().arguments);
+  EXPECT_EQ(outcome.status, ExitStatus::usage);
+  EXPECT_THAT(outcome.err, HasSubstr(GetParam().error));
+  EXPECT_EQ(outcome.out, "");
+}
+UsageRow const usageRows[] = {
+    {"NoCommand", {}, "subcommand is required"},
+    {"UnknownCommand", {"bild"}, "bild"},
+    {"UnknownOption", {"show", "--colour", "x"}, "--colour"},
+    {"NoFile", {"build"}, "FILE is required"},
+    {"NoInterface", {"build", "x.yaml"}, "INTF is required"},
+    {"NoDevice", {"send", "x.yaml", "E1"}, "--via is required"},
+    {"BadAddress", {"build", "x", "y", "--src", "1.2.3.4"}, "--src: \"1.2.3.4\" is not an IPv6 address"},
+    {"BadMac", {"build", "x", "y", "--dst-mac", "1"}, "--dst-mac: \"1\" is not an Ethernet address"},
+    {"MtuTooSmall", {"build", "x", "y", "--mtu", "85"}, "--mtu: Value 85 not in range 86 to 2147483647"},
+    {"MtuNoNumber", {"build", "x", "y", "--mtu", "a"}, "--mtu"},
+    {"BadTraceLevels", {"build", "x", "y", "--trace", "E/99"}, "--trace"},
+    {"BadInterval", {"send", "x", "y", "--via", "z", "--interval", "0"}, "--interval"},
+    {"BadCount", {"send", "x", "y", "--via", "z", "--count", "-1"}, "--count"},
+};
+INSTANTIATE_TEST_SUITE_P(Row, ProgramUsage, testing::ValuesIn(usageRows));
+
+TEST(Program, AFileThatCannotBeReadFails) {
+  Outcome const outcome = run({"show", "/no/such/file"});
+  EXPECT_EQ(outcome.status, ExitStatus::failed);
+  EXPECT_EQ(outcome.err, "/no/such/file: cannot be opened: No such file or directory\n");
+}
+
+TEST(Program, OutputThatCannotBeWrittenFails) {
+  std::ostringstream out, err;
+  out.setstate(std::ios::badbit);
+  EXPECT_EQ(runProgram({"types"}, {out, err}), ExitStatus::failed);
+  EXPECT_THAT(err.str(), HasSubstr("the output could not be written"));
+}
+
+TEST(BuildCommand, HexIsOneLine) {
+  TemporaryFile const file(smallFile);
+  Outcome const outcome = run({"build", file.name(), "E1", "--hex"});
+  EXPECT_EQ(outcome.status, ExitStatus::success);
+  EXPECT_THAT(outcome.out, testing::MatchesRegex("[0-9a-f]+\n"));
+}
+
+TEST(BuildCommand, SourceIsTheLinksFirstLinkLocalAddress) {
+  TemporaryFile const file(smallFile);
+  EXPECT_THAT(run({"build", file.name(), "E1"}).out, HasSubstr("source                  fe80::5\n"));
+}
+
+TEST(BuildCommand, SourceIsMadeFromTheMacWithoutALinkLocalAddress) {
+  TemporaryFile const file(smallFile);
+  EXPECT_THAT(run({"build", file.name(), "E2", "--src-mac", "02:11:22:33:44:55"}).out,
+              AllOf(HasSubstr("source                  fe80::11:22ff:fe33:4455\n"),
+                    HasSubstr("link-layer address      02:11:22:33:44:55\n")));
+}
+
+TEST(BuildCommand, AGroupGivesTheDestinationMac) {
+  TemporaryFile const file(smallFile);
+  EXPECT_THAT(run({"build", file.name(), "E1", "--dst", "ff02::1:ff00:1234"}).out,
+              HasSubstr("destination             33:33:ff:00:12:34\n"));
+}
+
+TEST(BuildCommand, ADestinationThatIsNoGroupNeedsItsMac) {
+  TemporaryFile const file(smallFile);
+  Outcome const outcome = run({"build", file.name(), "E1", "--dst", "fe80::9"});
+  EXPECT_EQ(outcome.status, ExitStatus::usage);
+  EXPECT_THAT(outcome.err, HasSubstr("--dst-mac is needed: fe80::9 is not multicast"));
+}
+
+TEST(BuildCommand, OptionsReachTheFrame) {
+  TemporaryFile const file(smallFile);
+  Outcome const outcome = run({"build", file.name(), "E1", "--src", "fe80::7", "--dst", "fe80::9", "--src-mac",
+                               "02:00:00:00:00:07", "--dst-mac", "02:00:00:00:00:09", "--mtu", "9000"});
+  EXPECT_THAT(outcome.out, AllOf(HasSubstr("fe80::7"), HasSubstr("fe80::9"), HasSubstr("02:00:00:00:00:07"),
+                                 HasSubstr("02:00:00:00:00:09"), HasSubstr("9000 octets")));
+}
+
+struct LifetimeRow {
+  char const* name;
+  char const* option;
+  friend void PrintTo(LifetimeRow const& row, std::ostream* os) { *os << row.name; }
+};
+class BuildCommandLifetime : public testing::TestWithParam<LifetimeRow> {};
+TEST_P(BuildCommandLifetime, IsZero) {
+  TemporaryFile const file(smallFile);
+  EXPECT_THAT(run({"build", file.name(), "E1", GetParam().option}).out, HasSubstr("0 s (not a default router)"));
+}
+INSTANTIATE_TEST_SUITE_P(Row, BuildCommandLifetime,
+                         testing::Values(LifetimeRow{"NoLifetime", "--no-lifetime"}, LifetimeRow{"Death", "--death"},
+                                         LifetimeRow{"VirtualRouterThatIsNotThere", "--virtual-router"}));
+
+TEST(BuildCommand, WarnsAboutWhatIsNotSentAsWritten) {
+  TemporaryFile const file(smallFile);
+  Outcome const outcome = run({"build", file.name(), "E1", "--hex"});
+  EXPECT_THAT(outcome.err, AllOf(HasSubstr(":5:7: warning: config/intf[E1]/raLifetime: 70000 s is more than"),
+                                 HasSubstr(":6:42: warning: config/intf[E1]/prefixes[2001:db8::/64]/profile: ")));
+}
+
+TEST(BuildCommand, AnUnknownInterfaceComesWithTheNearest) {
+  TemporaryFile const file(smallFile);
+  Outcome const outcome = run({"build", file.name(), "E3"});
+  EXPECT_EQ(outcome.status, ExitStatus::failed);
+  EXPECT_EQ(outcome.err, file.name() + ":3:3: config/intf: there is no interface E3; did you mean E1?\n");
+}
+
+TEST(BuildCommand, AnInterfaceWithoutALinkNeedsItsMac) {
+  TemporaryFile const file(smallFile);
+  Outcome const outcome = run({"build", file.name(), "E2"});
+  EXPECT_EQ(outcome.status, ExitStatus::failed);
+  EXPECT_THAT(outcome.err, HasSubstr("links[E2]: there is no such link, which would give the mac; add it, or give "
+                                     "--src-mac\n"));
+}
+
+TEST(BuildCommand, ALinkAloneIsNotAdvertised) {
+  TemporaryFile const file("config: {intf: {E1: {}}}\nlinks: {E2: {}}\n");
+  EXPECT_THAT(run({"build", file.name(), "E2"}).err,
+              HasSubstr("config/intf: there is no interface E2, only a link of that name; with 'E2: {}' here it is "
+                        "advertised by the defaults\n"));
+}
+
+TEST(BuildCommand, AFileWithErrorsBuildsNothing) {
+  TemporaryFile const file("config: {intf: {E1: {hopLimit: x}}}\nlinks: {E1: {mac: y}}\n");
+  Outcome const outcome = run({"build", file.name(), "E1"});
+  EXPECT_EQ(outcome.status, ExitStatus::failed);
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_THAT(outcome.err, AllOf(HasSubstr(":1:32: config/intf[E1]/hopLimit: "), HasSubstr(":2:19: links[E1]/mac: ")));
+}
+
+TEST(BuildCommand, ACaptureFileThatCannotBeWrittenFails) {
+  TemporaryFile const file(smallFile);
+  Outcome const outcome = run({"build", file.name(), "E1", "--write", "/no/such/folder/x.pcap"});
+  EXPECT_EQ(outcome.status, ExitStatus::failed);
+  EXPECT_THAT(outcome.err, HasSubstr("/no/such/folder/x.pcap"));
+}
+
+TEST(SendCommand, AnUnknownDeviceIsTold) {
+  TemporaryFile const file(smallFile);
+  Outcome const outcome = run({"send", file.name(), "E1", "--via", "loo"});
+  EXPECT_EQ(outcome.status, ExitStatus::failed);
+  EXPECT_THAT(outcome.err, HasSubstr("there is no interface loo on this machine"));
+}
+
+TEST(SendCommand, ADeviceWithoutEthernetIsTold) {
+  TemporaryFile const file(smallFile);
+  Outcome const outcome = run({"send", file.name(), "E1", "--via", "lo"});
+  EXPECT_EQ(outcome.status, ExitStatus::failed);
+  EXPECT_THAT(outcome.err, HasSubstr("lo is no Ethernet interface\n"));
+}
+
+TEST(ShowCommand, MarksDefaultsAndEffectiveValues) {
+  TemporaryFile const file(smallFile);
+  Outcome const outcome = run({"show", file.name()});
+  EXPECT_EQ(outcome.status, ExitStatus::success);
+  EXPECT_THAT(outcome.out,
+              AllOf(ContainsRegex("\n    raLifetime +70000\n"), ContainsRegex("\n    raSuppress +false +default\n"),
+                    ContainsRegex("\n    hopLimit +64 +default, effective 64\n"),
+                    ContainsRegex("\n      validLifetime +2592000 +default, effective 3600\n"),
+                    ContainsRegex("\n      useProfile +true +computed\n"),
+                    ContainsRegex("\n    dnsServers +none +default\n"), ContainsRegex("\n  mtu +1500 +default\n")));
+}
+
+TEST(ShowCommand, AnDnsEntrysEffectiveLifetimeIsThatOfItsInterface) {
+  TemporaryFile const file(
+      "config: {intf: {E1: {raIntervalMaxMsec: 4000, dnsServers: {\"::1\": }, dnsSuffixes: {a: "
+      "{lifetime: 9, lifetimeConfigured: true}}}}}");
+  EXPECT_THAT(run({"show", file.name()}).out, AllOf(ContainsRegex("\n      lifetime +300 +default, effective 6\n"),
+                                                    ContainsRegex("\n      lifetime +9 +effective 9\n")));
+}
+
+TEST(ShowCommand, WarningsComeLast) {
+  TemporaryFile const file(smallFile);
+  EXPECT_THAT(run({"show", file.name()}).out,
+              HasSubstr("\nwarnings\n  " + file.name() + ":5:7: config/intf[E1]/raLifetime: "));
+}
+
+TEST(ShowCommand, OneInterfaceAlone) {
+  TemporaryFile const file(smallFile);
+  Outcome const outcome = run({"show", file.name(), "E2"});
+  EXPECT_THAT(outcome.out, StartsWith("config/intf[E2]\n"));
+  EXPECT_THAT(outcome.out, testing::Not(HasSubstr("E1")));
+}
+
+TEST(ShowCommand, JsonHasTheModelsNamesAndTypes) {
+  TemporaryFile const file(smallFile);
+  auto const json = nlohmann::json::parse(run({"show", file.name(), "--json"}).out);
+  auto const& intf = json["config"]["intf"]["E1"];
+  EXPECT_EQ(intf["raLifetime"], 70000);
+  EXPECT_EQ(intf["raSuppress"], false);
+  EXPECT_EQ(intf["routerPreference"], "medium");
+  EXPECT_EQ(intf["prefixes"]["2001:db8::/64"]["validLifetimeValue"], 3600);
+  EXPECT_EQ(json["warnings"][0]["line"], 5);
+}
+
+TEST(TypesCommand, ListsEveryRegisteredType) {
+  std::string const out = run({"types"}).out;
+  for (Fwk::TypeRecord const* type : Fwk::typeRegistry().types()) EXPECT_THAT(out, HasSubstr(type->name));
+}
+
+TEST(TypesCommand, ListsAttributesWithNumberKindAndType) {
+  Outcome const outcome = run({"types", "IntfConfig"});
+  EXPECT_EQ(outcome.status, ExitStatus::success);
+  EXPECT_THAT(outcome.out,
+              AllOf(ContainsRegex("\n253 +name +computed +Name\n"), ContainsRegex("\n258 +intfId +key +IntfId\n"),
+                    ContainsRegex("\n259 +raSuppress +scalar +bool +settable\n"),
+                    ContainsRegex("\n277 +prefixes +collection +Ip6AddrWithMask to RouterAdvt::PrefixConfigEntry\n"),
+                    ContainsRegex("\n279 +numPrefixesToAdvertise +- +- +not reached by reflection\n"),
+                    ContainsRegex("\n297 +hopLimitMax +constant +U32\n"),
+                    ContainsRegex("\n298 +validHopLimit +computed +U32\n")));
+}
+
+TEST(TypesCommand, TakesTheQualifiedNameToo) {
+  EXPECT_EQ(run({"types", "RouterAdvt::IntfConfig"}).out, run({"types", "IntfConfig"}).out);
+}
+
+TEST(TypesCommand, AnUnknownTypeComesWithTheNearest) {
+  Outcome const outcome = run({"types", "IntfConf"});
+  EXPECT_EQ(outcome.status, ExitStatus::failed);
+  EXPECT_EQ(outcome.err, "there is no type \"IntfConf\"; did you mean IntfConfig?\n");
+}
+
+}  // namespace
+
+}  // namespace Tool
