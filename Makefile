@@ -53,7 +53,7 @@ bench:
 
 install:
 	@scripts/setup build
-	$(call build,release,RouterPlatform Ipv6RouterAdvt $(if $(wildcard tools/routeradvt/[Mm]ain.cpp),routeradvt))
+	$(call build,release,RouterPlatform Ipv6RouterAdvt routeradvt)
 	cmake --install build/release --prefix $(PREFIX)
 
 ## The stages of make check, each of which runs on its own:
