@@ -26,7 +26,8 @@ def dynamic_addresses(host):
     found = {}
     for interface in host.ip("addr", "show", "dev", "host", "scope", "global"):
         for address in interface.get("addr_info", []):
-            found[address["local"]] = address
+            if "local" in address:  # ip prints {} for those that it leaves out
+                found[address["local"]] = address
     return found
 
 

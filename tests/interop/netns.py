@@ -57,6 +57,25 @@ class Node:
         self.processes.append(process)
         return process
 
+    def end_processes(self):
+        """Ends what this test started, with the children of it that are still in the namespace."""
+        for process in self.processes:
+            if process.poll() is None:
+                process.terminate()
+                try:
+                    process.wait(timeout=3)
+                except subprocess.TimeoutExpired:
+                    process.kill()
+        left = subprocess.run(["ip", "netns", "pids", self.name], capture_output=True, text=True, timeout=10, check=False)
+        for pid in left.stdout.split():
+            try:
+                os.kill(int(pid), signal.SIGKILL)
+            except ProcessLookupError:
+                pass
+        for process in self.processes:
+            process.wait(timeout=10)
+            process.stdout.close()
+
     def ip(self, *arguments):
         """What `ip -6 -j` prints, read."""
         return json.loads(self.run("ip", "-6", "-j", *arguments).stdout or "[]")
@@ -66,11 +85,10 @@ class Node:
             self.run("sysctl", "-q", "-w", f"net.ipv6.conf.{name.replace('__', '.')}={value}")
 
     def close(self):
-        for process in self.processes:
-            if process.poll() is None:
-                process.kill()
-            process.communicate(timeout=10)
-        subprocess.run(["ip", "netns", "del", self.name], timeout=10, check=False)
+        try:
+            self.end_processes()
+        finally:
+            subprocess.run(["ip", "netns", "del", self.name], timeout=10, check=False)
 
 
 class Pair:
@@ -119,7 +137,7 @@ def link_local(node, device):
     """The device's link-local address, once it may be used."""
     for interface in node.ip("addr", "show", "dev", device, "scope", "link"):
         for address in interface.get("addr_info", []):
-            if not address.get("tentative"):
+            if "local" in address and not address.get("tentative"):
                 return address["local"]
     return None
 

@@ -64,12 +64,11 @@ def check_failures(pair, path):
     check_failure("loopback", pair.router.run(*send, "lo", check=False), "lo is no Ethernet interface")
     check_failure("no rights", pair.router.run("setpriv", "--bounding-set=-net_raw", "--inh-caps=-net_raw", *send, "router",
                                                check=False), "takes the right to open packet sockets")
-    pair.router.run("ip", "link", "add", "small", "mtu", "1280", "type", "dummy")
-    pair.router.run("ip", "link", "set", "small", "up")
+    pair.router.run("ip", "link", "set", "router", "mtu", "1280")
     big = os.path.join(os.path.dirname(path), "big.yaml")
     with open(big, "w", encoding="ascii") as file:
         file.write("config: {intf: {lan: {networkBootFileUrl: '" + 1400 * "x" + "'}}}\nlinks: {lan: {mtu: 1500}}\n")
-    check_failure("frame above the MTU", pair.router.run(PROGRAM, "send", big, "lan", "--via", "small", check=False),
+    check_failure("frame above the MTU", pair.router.run(PROGRAM, "send", big, "lan", "--via", "router", check=False),
                   "octets is too long for its MTU")
     pair.router.run("ip", "link", "set", "router", "down")
     check_failure("device that is down", pair.router.run(*send, "router", check=False), "router is down")

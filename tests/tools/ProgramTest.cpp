@@ -89,7 +89,7 @@ TEST_P(ProgramUsage, ErrorHasItsExitStatus) {
 }
 UsageRow const usageRows[] = {
     {"NoCommand", {}, "subcommand is required"},
-    {"UnknownCommand", {"bild"}, "bild"},
+    {"UnknownCommand", {"bild"}, "there is no command bild; did you mean build?"},
     {"UnknownOption", {"show", "--colour", "x"}, "--colour"},
     {"NoFile", {"build"}, "FILE is required"},
     {"NoInterface", {"build", "x.yaml"}, "INTF is required"},

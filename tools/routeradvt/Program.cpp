@@ -1,4 +1,6 @@
+#include <tools/routeradvt/Diagnostic.h>
 #include <tools/routeradvt/HelpFormatter.h>
+#include <tools/routeradvt/NearestName.h>
 #include <tools/routeradvt/Program.h>
 
 #include <CLI/CLI.hpp>
@@ -31,6 +33,17 @@ ExitStatus run(Command& command, Console& console) {
   return ExitStatus::failed;
 }
 
+/// The parser would only say that a command is missing.
+bool isUnknownCommand(CLI::App const& program, std::vector<std::string> const& arguments, std::ostream& err) {
+  if (arguments.empty() || arguments[0].starts_with('-')) return false;
+  std::vector<std::string> names;
+  for (CLI::App const* command : program.get_subcommands({})) names.push_back(command->get_name());
+  if (std::ranges::find(names, arguments[0]) != names.end()) return false;
+  err << programName << ": there is no command " << printable(arguments[0])
+      << nearestNameHint(arguments[0], {names.begin(), names.end()}) << '\n';
+  return true;
+}
+
 }  // namespace
 
 ExitStatus runProgram(std::vector<std::string> arguments, Console console) {
@@ -48,6 +61,7 @@ ExitStatus runProgram(std::vector<std::string> arguments, Console console) {
     app.set_help_flag("-h,--help", "print this help");
     commands.emplace_back(&app, std::move(command));
   }
+  if (isUnknownCommand(program, arguments, console.err)) return ExitStatus::usage;
   try {
     std::ranges::reverse(arguments);  // it takes them from the back
     program.parse(arguments);

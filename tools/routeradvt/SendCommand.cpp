@@ -62,11 +62,12 @@ class SendCommand final : public Command {
     auto const packet = advert.build();
     PacketSocket socket(device);
     if (!options_.write.empty()) capture_ = std::make_unique<CaptureFile>(options_.write);
+    StopSignals signals;  // held back before anything says that it has begun
     if (options_.hex) console.out << toHex(packet->octets()) << '\n';
     console.out << "sending " << packet->size() << " octets from " << advert.srcAddr.toString() << " ("
                 << advert.srcMac.toString() << ") to " << advert.dstAddr.toString() << " (" << advert.dstMac.toString()
                 << ") on " << device.name << std::endl;
-    sendAll(console, socket, *packet);
+    sendAll(console, socket, *packet, signals);
   }
 
  private:
@@ -76,8 +77,7 @@ class SendCommand final : public Command {
   }
 
   /// The summary comes in any case: an error does not take back what was sent before it.
-  void sendAll(Console& console, PacketSocket& socket, Net::Pkt const& packet) {
-    StopSignals signals;
+  void sendAll(Console& console, PacketSocket& socket, Net::Pkt const& packet, StopSignals& signals) {
     auto const start = Clock::now();
     Fwk::U64 sent = 0;
     auto const summary = [&] {
