@@ -29,14 +29,14 @@ class Choices {
     return first;
   }
   bool flag() { return (octet() & 1) != 0; }
-  unsigned below(unsigned limit) { return (octet() | unsigned{octet()} << 8) % limit; }
+  unsigned below(unsigned limit) { return bits(2) % limit; }
 
   /// Mostly numbers at which something changes.
   U32 number() {
     constexpr std::array<U32, 12> edges{0, 1, 7, 300, 600, 999, 1800, 65535, 65536, 70000, 200000, 0xffffffff};
     U8 const choice = octet();
     if (choice < 192) return edges[choice % edges.size()];
-    return U32{octet()} << 24 | U32{octet()} << 16 | U32{octet()} << 8 | octet();
+    return bits(4);
   }
 
   Ip6Addr address() {
@@ -79,6 +79,12 @@ class Choices {
   }
 
  private:
+  U32 bits(unsigned octets) {
+    U32 result = 0;
+    for (; octets > 0; --octets) result = result << 8 | octet();
+    return result;
+  }
+
   std::span<U8 const> octets_;
 };
 
