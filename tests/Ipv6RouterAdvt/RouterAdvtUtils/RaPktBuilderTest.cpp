@@ -157,17 +157,24 @@ TEST_P(AdvertRouterLifetime, IsTheConfiguredOneOnlyWhenAllHolds) {
 }
 INSTANTIATE_TEST_SUITE_P(Rows, AdvertRouterLifetime, testing::ValuesIn(lifetimeRows));
 
-class ADeathPacket : public testing::TestWithParam<Preference> {};
+struct PreferenceRow {
+  char const* name;
+  Preference preference;
+  friend void PrintTo(PreferenceRow const& row, std::ostream* out) { *out << row.name; }
+};
+class ADeathPacket : public testing::TestWithParam<PreferenceRow> {};
 TEST_P(ADeathPacket, HasBothPreferenceBitsWhateverThePreference) {
   Advert advert;
   advert.deathPacket = true;
-  advert.config->routerPreferenceIs(GetParam());
+  advert.config->routerPreferenceIs(GetParam().preference);
   Octets const frame = advert.frame();
   EXPECT_EQ(Frame::u16At(frame, routerLifetime), 0);
   EXPECT_EQ(frame[flags] & 0x18, 0x18);
 }
 INSTANTIATE_TEST_SUITE_P(Preferences, ADeathPacket,
-                         testing::Values(Preference::medium, Preference::high, Preference::low));
+                         testing::Values(PreferenceRow{"Medium", Preference::medium},
+                                         PreferenceRow{"High", Preference::high},
+                                         PreferenceRow{"Low", Preference::low}));
 
 TEST(RaPktBuilder, ADeathPacketHasTheOptionsOfTheOrdinaryOne) {
   Advert advert = typicalAdvert();
