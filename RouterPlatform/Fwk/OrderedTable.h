@@ -21,12 +21,14 @@ struct OrderedSlot {
   using Type = std::optional<Element>;
   static Element& get(Type& slot) noexcept { return *slot; }
   static Element const& get(Type const& slot) noexcept { return *slot; }
+  static void empty(Type& slot) noexcept { slot.reset(); }
 };
 template <class T>
 struct OrderedSlot<Ptr<T>> {
   using Type = Ptr<T>;
   static Ptr<T>& get(Type& slot) noexcept { return slot; }
   static Ptr<T> const& get(Type const& slot) noexcept { return slot; }
+  static void empty(Type& slot) noexcept { slot = nullptr; }
 };
 
 /// Where a walk over an `OrderedTable` stands. The table moves the walks that are entered in its list along.
@@ -126,7 +128,7 @@ class OrderedTable {
     Slot& slot = slots()[position];
     if (index_) index_->remove(hash(slot), position);
     std::optional<Element> removed(std::move(SlotAccess::get(slot)));
-    slot = Slot();
+    SlotAccess::empty(slot);
     --live_;
     dropTrailingHoles();
     if (used_ - live_ > live_ + 8) compact();
@@ -242,7 +244,8 @@ class OrderedTable {
 
   /// Everything that may throw on the way to one more element.
   void reserveOneMore() {
-    if (used_ == capacity_ && used_ - live_ > used_ / 4) compact();
+    // The table's own room is used to the last slot; what is allocated is rather grown than compacted for few holes.
+    if (used_ == capacity_ && used_ - live_ > (heap_ ? used_ / 4 : 0)) compact();
     if (used_ == capacity_) growSlots(std::max<U32>(4, capacity_ * 2));
     if (live_ + 1 > Policy::indexAbove && (!index_ || !index_->hasRoomFor(live_ + 1))) buildIndex(live_ * 2 + 1);
   }
@@ -279,7 +282,8 @@ class OrderedTable {
     for (U32 from = 0; from < used_; ++from) {
       if (!all[from]) continue;
       if (from != to) {
-        all[to] = std::exchange(all[from], Slot());
+        all[to] = std::move(all[from]);
+        SlotAccess::empty(all[from]);
         if (index_) index_->move(hash(all[to]), from, to);
       }
       ++to;

@@ -2,45 +2,54 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <limits>
 #include <new>
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define WITH_SANITIZER_ALLOCATOR
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer) || __has_feature(memory_sanitizer)
-#define WITH_SANITIZER_ALLOCATOR
-#endif
-#endif
+// The array and nothrow forms of the standard library end in these.
 
 namespace {
+
+constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
+
 std::atomic<std::size_t> allocations{0};
+std::atomic<std::size_t> releases{0};
+constinit thread_local std::size_t allowedAllocations = unlimited;
+
+void* counted(void* memory) {
+  if (!memory) throw std::bad_alloc();
+  allocations.fetch_add(1, std::memory_order_relaxed);
+  return memory;
 }
+
+void takeLeave() {
+  if (allowedAllocations == unlimited) return;
+  if (allowedAllocations == 0) throw std::bad_alloc();
+  --allowedAllocations;
+}
+
+void release(void* memory) noexcept {
+  if (memory) releases.fetch_add(1, std::memory_order_relaxed);
+  std::free(memory);
+}
+
+}  // namespace
 
 std::size_t allocationCount() noexcept { return allocations.load(std::memory_order_relaxed); }
+std::size_t liveAllocationCount() noexcept { return allocationCount() - releases.load(std::memory_order_relaxed); }
 
-#ifdef WITH_SANITIZER_ALLOCATOR
-
-// The sanitizer has an allocator of its own, which must stay, and tells of every call.
-
-extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*malloc_hook)(void const volatile*, std::size_t),
-                                                         void (*free_hook)(void const volatile*));
-
-namespace {
-[[maybe_unused]] int const installed = __sanitizer_install_malloc_and_free_hooks(
-    [](void const volatile*, std::size_t) { allocations.fetch_add(1, std::memory_order_relaxed); },
-    [](void const volatile*) {});
-}
-
-#else
-
-// The other forms, but those for over-aligned types, end in these.
+AllocationFailure::AllocationFailure(std::size_t allowed) noexcept { allowedAllocations = allowed; }
+AllocationFailure::~AllocationFailure() { allowedAllocations = unlimited; }
 
 void* operator new(std::size_t size) {
-  allocations.fetch_add(1, std::memory_order_relaxed);
-  if (void* const memory = std::malloc(size ? size : 1)) return memory;
-  throw std::bad_alloc();
+  takeLeave();
+  return counted(std::malloc(size ? size : 1));
 }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-
-#endif
+void* operator new(std::size_t size, std::align_val_t alignment) {
+  takeLeave();
+  auto const step = static_cast<std::size_t>(alignment);
+  return counted(std::aligned_alloc(step, (size + step) / step * step));
+}
+void operator delete(void* memory) noexcept { release(memory); }
+void operator delete(void* memory, std::size_t) noexcept { release(memory); }
+void operator delete(void* memory, std::align_val_t) noexcept { release(memory); }
+void operator delete(void* memory, std::size_t, std::align_val_t) noexcept { release(memory); }

@@ -2,6 +2,18 @@
 
 #include <cstddef>
 
-/// Number of allocations of this process so far: calls of operator new, and with a sanitizer those of malloc too. Take
-/// the difference around what is to be judged.
+/// Number of allocations through operator new in this process so far. Take the difference around what is to be judged.
 std::size_t allocationCount() noexcept;
+
+/// Number of allocations through operator new that have not been given back.
+std::size_t liveAllocationCount() noexcept;
+
+/// While it lives, the first `allowed` allocations of this thread through operator new succeed and all later ones throw
+/// std::bad_alloc. One at a time in a thread.
+class AllocationFailure {
+ public:
+  explicit AllocationFailure(std::size_t allowed) noexcept;
+  AllocationFailure(AllocationFailure const&) = delete;
+  AllocationFailure& operator=(AllocationFailure const&) = delete;
+  ~AllocationFailure();
+};
