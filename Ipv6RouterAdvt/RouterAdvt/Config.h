@@ -8,7 +8,13 @@
 namespace RouterAdvt {
 
 /// Root of the configuration: what is advertised, interface by interface, and the profiles that prefixes may name.
-/// Key: `name`. Setters store any value; an unchanged one notifies nobody. Used by one thread at a time.
+/// Key: `name`. Setters store any value; an unchanged one notifies nobody, a changed one notifies with the attribute.
+/// Used by one thread at a time.
+///
+/// Collections: `x(key)` gives the member or null. `xIs(key)` gives the member, made with every default if it is not
+/// there, and then notified with its key. `xDel(key)` takes the member out, notifies with the key and returns it; null,
+/// and nobody notified, when it is not there. `xDelAll()` does so for every member. A setter or a mutator that makes a
+/// member may throw std::bad_alloc, having changed nothing.
 class ROUTER_ADVT_EXPORT Config final : public Fwk::Entity {
  public:
   enum Attr : AttrId {
@@ -32,7 +38,7 @@ class ROUTER_ADVT_EXPORT Config final : public Fwk::Entity {
   Ptr<IntfConfig> intfDel(IntfId key) { return intf_.memberDel(key); }
   void intfDelAll() { intf_.memberDelAll(); }
 
-  /// System-wide hop limit; not copied to the interfaces, each of which has its own.
+  /// System-wide hop limit, any number; not copied to the interfaces, each of which has its own, and not advertised.
   U32 hopLimit() const { return hopLimit_; }
   void hopLimitIs(U32 v) { attrIs(hopLimit_, v, hopLimitAttr); }
   static constexpr U32 hopLimitDefault() { return 64; }
@@ -42,7 +48,7 @@ class ROUTER_ADVT_EXPORT Config final : public Fwk::Entity {
   void raConsistencyIs(bool v) { attrIs(raConsistency_, v, raConsistencyAttr); }
   static constexpr bool raConsistencyDefault() { return false; }
 
-  /// Prefix parameters by name.
+  /// Prefix parameters by name. Removing a profile leaves the `profile` of prefixes that name it as it is.
   auto const& prefixProfiles() const { return prefixProfiles_; }
   Ptr<PrefixProfileEntry> prefixProfiles(Name const& key) const { return prefixProfiles_.member(key); }
   Ptr<PrefixProfileEntry> prefixProfilesIs(Name const& key) { return prefixProfiles_.memberIs(key); }

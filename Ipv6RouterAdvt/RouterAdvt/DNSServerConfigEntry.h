@@ -6,7 +6,8 @@
 namespace RouterAdvt {
 
 /// A recursive DNS server to advertise on an interface. Key: `ipAddr`. Parent: `IntfConfig`.
-/// Setters store any value; an unchanged one notifies nobody, a changed one notifies with the attribute.
+/// Setters store any value; an unchanged one notifies nobody, a changed one notifies with the attribute. Used by one
+/// thread at a time.
 class ROUTER_ADVT_EXPORT DNSServerConfigEntry final : public Fwk::Entity {
  public:
   enum Attr : AttrId {
@@ -25,7 +26,8 @@ class ROUTER_ADVT_EXPORT DNSServerConfigEntry final : public Fwk::Entity {
   Ip6Addr const& ipAddr() const { return ipAddr_; }
   Ip6Addr const& key() const noexcept { return ipAddr_; }
 
-  /// Lifetime of its own, seconds; in force only with `lifetimeConfigured`. RFC 8106 5.1.
+  /// Lifetime of its own, seconds; 0: no longer to be used, 0xffffffff: infinity. In force only with
+  /// `lifetimeConfigured`. RFC 8106 5.1.
   U32 lifetime() const { return lifetime_; }
   void lifetimeIs(U32 v) { attrIs(lifetime_, v, lifetimeAttr); }
   static constexpr U32 lifetimeDefault() { return 300; }

@@ -6,7 +6,8 @@
 namespace RouterAdvt {
 
 /// A DNS search suffix to advertise on an interface, as text: `example.com`. Key: `suffix`. Parent: `IntfConfig`.
-/// Setters store any value; an unchanged one notifies nobody, a changed one notifies with the attribute.
+/// Setters store any value; an unchanged one notifies nobody, a changed one notifies with the attribute. Used by one
+/// thread at a time.
 class ROUTER_ADVT_EXPORT DNSSuffixConfigEntry final : public Fwk::Entity {
  public:
   enum Attr : AttrId {
@@ -25,7 +26,8 @@ class ROUTER_ADVT_EXPORT DNSSuffixConfigEntry final : public Fwk::Entity {
   String const& suffix() const { return suffix_; }
   String const& key() const noexcept { return suffix_; }
 
-  /// Lifetime of its own, seconds; in force only with `lifetimeConfigured`. RFC 8106 5.2.
+  /// Lifetime of its own, seconds; 0: no longer to be used, 0xffffffff: infinity. In force only with
+  /// `lifetimeConfigured`. RFC 8106 5.2.
   U32 lifetime() const { return lifetime_; }
   void lifetimeIs(U32 v) { attrIs(lifetime_, v, lifetimeAttr); }
   static constexpr U32 lifetimeDefault() { return 300; }

@@ -11,7 +11,9 @@
 #include <Ipv6RouterAdvt/RouterAdvt/Status.h>
 
 /// Entities that stand on their own. Each call makes a new one, every attribute at its default, notification active,
-/// and returns the only reference to it. Throws std::bad_alloc, having undone everything.
+/// and returns the only reference to it. Throws std::bad_alloc, having undone everything; a text that is too long for
+/// a `Name` or an `IntfId` throws std::length_error where it is made one. An entity is used by the thread that uses the
+/// tree it hangs in.
 namespace RouterAdvt {
 
 ROUTER_ADVT_EXPORT Ptr<Config> configFactory(Name name);

@@ -9,8 +9,14 @@
 namespace RouterAdvt {
 
 /// What to advertise on one interface: the router variables of RFC 4861 6.2.1 and the options of RFC 8106.
-/// Key: `intfId`. Parent: `Config`. Setters store and notify, an unchanged value notifies nobody; bounds are the
-/// business of the `valid...` operations. Used by one thread at a time.
+/// Key: `intfId`. Parent: `Config`. Setters store any value and touch nothing else; an unchanged one notifies nobody, a
+/// changed one notifies with the attribute; bounds are the business of the `valid...` operations. Used by one thread at
+/// a time.
+///
+/// Collections: `x(key)` gives the member or null. `xIs(key)` gives the member, made with every default if it is not
+/// there, and then notified with its key. `xDel(key)` takes the member out, notifies with the key and returns it; null,
+/// and nobody notified, when it is not there. `xDelAll()` does so for every member. A setter or a mutator that makes a
+/// member may throw std::bad_alloc, having changed nothing.
 class ROUTER_ADVT_EXPORT IntfConfig final : public Fwk::Entity {
  public:
   enum Attr : AttrId {
@@ -69,7 +75,7 @@ class ROUTER_ADVT_EXPORT IntfConfig final : public Fwk::Entity {
   void raSuppressIs(bool v) { attrIs(raSuppress_, v, raSuppressAttr); }
   static constexpr bool raSuppressDefault() { return false; }
 
-  /// Whether router solicitations stay unanswered.
+  /// Whether router solicitations stay unanswered. RFC 4861 6.2.6.
   bool raSuppressRouterSolicitationResponse() const { return raSuppressRouterSolicitationResponse_; }
   void raSuppressRouterSolicitationResponseIs(bool v) {
     attrIs(raSuppressRouterSolicitationResponse_, v, raSuppressRouterSolicitationResponseAttr);
@@ -107,7 +113,8 @@ class ROUTER_ADVT_EXPORT IntfConfig final : public Fwk::Entity {
   void otherConfigFlagIs(bool v) { attrIs(otherConfigFlag_, v, otherConfigFlagAttr); }
   static constexpr bool otherConfigFlagDefault() { return false; }
 
-  /// Default router preference. RFC 4191 2.2. `reserved_` must never be stored: building with it stops the process.
+  /// Default router preference. RFC 4191 2.2. Any value is stored; `reserved_` never should be: building with it stops
+  /// the process.
   Icmp6RouterAdvtRouterPreferenceType routerPreference() const { return routerPreference_; }
   void routerPreferenceIs(Icmp6RouterAdvtRouterPreferenceType v) { attrIs(routerPreference_, v, routerPreferenceAttr); }
   static constexpr Icmp6RouterAdvtRouterPreferenceType routerPreferenceDefault() {
@@ -133,7 +140,8 @@ class ROUTER_ADVT_EXPORT IntfConfig final : public Fwk::Entity {
   void nsIntervalMsecIs(U32 v) { attrIs(nsIntervalMsec_, v, nsIntervalMsecAttr); }
   static constexpr U32 nsIntervalMsecDefault() { return 0; }
 
-  /// Reachable Time field, sent as it is. RFC 4861 6.2.1 AdvReachableTime.
+  /// Reachable Time field, sent as it is, where it counts milliseconds; 0: unspecified. RFC 4861 6.2.1
+  /// AdvReachableTime.
   U32 reachableTime() const { return reachableTime_; }
   void reachableTimeIs(U32 v) { attrIs(reachableTime_, v, reachableTimeAttr); }
   static constexpr U32 reachableTimeDefault() { return 0; }
@@ -151,8 +159,8 @@ class ROUTER_ADVT_EXPORT IntfConfig final : public Fwk::Entity {
   void dnsServersLifetimeIs(U32 v) { attrIs(dnsServersLifetime_, v, dnsServersLifetimeAttr); }
   static constexpr U32 dnsServersLifetimeDefault() { return 300; }
 
-  /// The lifetime for DNS servers that have none of their own, seconds: the configured one, else one and a half times
-  /// the longest interval in whole seconds.
+  /// The lifetime for DNS servers that have none of their own, seconds: the configured one as it is stored, 0 included;
+  /// else one and a half times the longest interval in whole seconds, rounded down. RFC 8106 5.1.
   U32 validDnsServersLifetime() const;
 
   /// Whether `dnsServersLifetime` was configured. Setting that does not set this.
@@ -174,8 +182,8 @@ class ROUTER_ADVT_EXPORT IntfConfig final : public Fwk::Entity {
   void dnsSuffixesLifetimeIs(U32 v) { attrIs(dnsSuffixesLifetime_, v, dnsSuffixesLifetimeAttr); }
   static constexpr U32 dnsSuffixesLifetimeDefault() { return 300; }
 
-  /// The lifetime for DNS search suffixes that have none of their own, seconds: the configured one, else one and a half
-  /// times the longest interval in whole seconds.
+  /// The lifetime for DNS search suffixes that have none of their own, seconds: the configured one as it is stored, 0
+  /// included; else one and a half times the longest interval in whole seconds, rounded down. RFC 8106 5.2.
   U32 validDnsSuffixesLifetime() const;
 
   /// Whether `dnsSuffixesLifetime` was configured. Setting that does not set this.
@@ -184,7 +192,8 @@ class ROUTER_ADVT_EXPORT IntfConfig final : public Fwk::Entity {
     attrIs(dnsSuffixesLifetimeConfigured_, v, dnsSuffixesLifetimeConfiguredAttr);
   }
 
-  /// URL of a network boot file; empty: none.
+  /// URL of a network boot file, sent octet for octet in an option of type 253, cut when there is no room; empty: no
+  /// such option.
   String const& networkBootFileUrl() const { return networkBootFileUrl_; }
   void networkBootFileUrlIs(String const& v) { attrIs(networkBootFileUrl_, v, networkBootFileUrlAttr); }
 
@@ -195,7 +204,7 @@ class ROUTER_ADVT_EXPORT IntfConfig final : public Fwk::Entity {
   static constexpr U32 hopLimitDefault() { return 64; }
   static constexpr U32 hopLimitMax() { return 255; }
 
-  /// The hop limit to advertise: `hopLimit`, at most `hopLimitMax`.
+  /// The hop limit to advertise: `hopLimit`, at most `hopLimitMax`; 0 (unspecified) is one.
   U32 validHopLimit() const;
 
   static constexpr char const* fwkTypeName = "RouterAdvt::IntfConfig";

@@ -25,7 +25,8 @@ class ROUTER_ADVT_EXPORT IntfStatus final : public Fwk::Entity {
 
   /// The files of the interface's configuration, or null.
   Ptr<ProcFileDirDataSet> cfgProcFileData() const { return cfgProcFileData_.child(); }
-  /// The set of that name: the present one as it is, else a new, empty one, which takes its place and is notified.
+  /// The set of that name: the present one as it is, nobody notified; else a new, empty one. The present one then loses
+  /// its parent, the new one takes its place, and the attribute is notified once.
   Ptr<ProcFileDirDataSet> cfgProcFileDataIs(Name const& name) { return cfgProcFileData_.childIs(name); }
   /// Removes the set, notifies and returns it; null, and nobody notified, when there is none.
   Ptr<ProcFileDirDataSet> cfgProcFileDataDel() { return cfgProcFileData_.childDel(); }

@@ -9,6 +9,10 @@ namespace RouterAdvt {
 /// nobody.
 class ROUTER_ADVT_EXPORT LifeTimeHashMap {
  public:
+  enum Attr : AttrId {
+    visitedAttr = Fwk::firstOwnAttr,
+  };
+
   // As many DNS options as ever fit into one advertisement have room without allocation.
   using Visited = Fwk::OrderedMap<U32, bool, 96, 96>;
 

@@ -9,7 +9,8 @@ namespace RouterAdvt {
 class PrefixProfileEntry;
 
 /// A prefix to advertise on an interface. Key: `prefix`, host bits and mask length included. Parent: `IntfConfig`.
-/// Setters store any value; an unchanged one notifies nobody, a changed one notifies with the attribute.
+/// Setters store any value; an unchanged one notifies nobody, a changed one notifies with the attribute. Used by one
+/// thread at a time.
 ///
 /// The builder sends the five own parameters. The `...Value` operations give the effective ones: those of the profile
 /// that `profile` names when the root `Config` has it, all five of them, otherwise the own ones.
@@ -44,7 +45,7 @@ class ROUTER_ADVT_EXPORT PrefixConfigEntry final : public Fwk::Entity {
   /// interface is a programming error, which stops the process (here and in the `...Value` operations).
   bool useProfile() const;
 
-  /// Whether the prefix is kept out of advertisements.
+  /// Whether the prefix is kept out of advertisements; this, not the profile's, is what the builder goes by.
   bool noAdvertise() const { return noAdvertise_; }
   void noAdvertiseIs(bool v) { attrIs(noAdvertise_, v, noAdvertiseAttr); }
 
@@ -65,12 +66,13 @@ class ROUTER_ADVT_EXPORT PrefixConfigEntry final : public Fwk::Entity {
   bool noAutoConfig() const { return noAutoConfig_; }
   void noAutoConfigIs(bool v) { attrIs(noAutoConfig_, v, noAutoConfigAttr); }
 
-  // The effective parameters: the profile's where `useProfile`, otherwise the own ones.
-  bool noAdvertiseValue() const;
-  U32 validLifetimeValue() const;
-  U32 preferredLifetimeValue() const;
-  bool noOnLinkValue() const;
-  bool noAutoConfigValue() const;
+  // The effective parameters: all five the profile's where `useProfile`, all five the own ones otherwise; lifetimes in
+  // seconds, not compared with one another.
+  bool noAdvertiseValue() const;       ///< of `noAdvertise`
+  U32 validLifetimeValue() const;      ///< of `validLifetime`
+  U32 preferredLifetimeValue() const;  ///< of `preferredLifetime`
+  bool noOnLinkValue() const;          ///< of `noOnLink`
+  bool noAutoConfigValue() const;      ///< of `noAutoConfig`
 
   /// Name of a profile of the root `Config`, which need not exist. Compared case-sensitively.
   String const& profile() const { return profile_; }

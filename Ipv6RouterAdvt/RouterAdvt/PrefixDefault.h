@@ -5,9 +5,18 @@
 
 namespace RouterAdvt {
 
-/// The built-in prefix parameters. A value without stored attributes: any two are equal.
+/// The built-in prefix parameters: what a new prefix entry and a new profile start from, and what a prefix is
+/// advertised with that has no entry. A value without stored attributes: any two are equal.
 class ROUTER_ADVT_EXPORT PrefixDefault {
  public:
+  enum Attr : AttrId {
+    noAdvertiseAttr = Fwk::firstOwnAttr,
+    validLifetimeAttr,
+    preferredLifetimeAttr,
+    noOnLinkAttr,
+    noAutoConfigAttr,
+  };
+
   constexpr PrefixDefault() = default;
   /// Reads the text form, which is empty: `pos` stays where it is.
   PrefixDefault(String::IteratorConst& pos, String::IteratorConst const& end);

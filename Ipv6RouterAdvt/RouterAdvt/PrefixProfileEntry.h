@@ -6,7 +6,8 @@
 namespace RouterAdvt {
 
 /// Named prefix parameters: a prefix that names the profile takes all five from here. Key: `name`. Parent: `Config`.
-/// Setters store any value; an unchanged one notifies nobody, a changed one notifies with the attribute.
+/// Setters store any value; an unchanged one notifies nobody, a changed one notifies with the attribute. Used by one
+/// thread at a time.
 class ROUTER_ADVT_EXPORT PrefixProfileEntry final : public Fwk::Entity {
  public:
   enum Attr : AttrId {

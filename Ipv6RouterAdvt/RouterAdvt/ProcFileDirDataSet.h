@@ -22,11 +22,12 @@ class ROUTER_ADVT_EXPORT ProcFileDirDataSet final : public Fwk::Entity {
   auto const& fileData() const { return fileData_; }
   /// Contents of that file; empty when it is not there.
   String fileData(String const& fileName) const { return fileData_.member(fileName); }
-  /// Stores the contents and notifies with the file name; equal contents change nothing.
+  /// Stores the contents, any octets, and notifies with the file name; equal contents change nothing and notify nobody.
   void fileDataIs(String const& fileName, String const& contents) { fileData_.memberIs(fileName, contents); }
   /// Removes the file, notifies with its name and returns its contents; empty, and nobody notified, when it is not
   /// there.
   String fileDataDel(String const& fileName) { return fileData_.memberDel(fileName); }
+  /// `fileDataDel` for every file.
   void fileDataDelAll() { fileData_.memberDelAll(); }
 
   static constexpr char const* fwkTypeName = "RouterAdvt::ProcFileDirDataSet";

@@ -29,6 +29,7 @@ class ROUTER_ADVT_EXPORT RaPacketStatus final : public Fwk::Entity {
   /// Removes and returns the packet of that interface and notifies with the interface; the empty packet, and nobody
   /// notified, when there is none.
   RaPacket raPacketDel(IntfId key) { return raPacket_.memberDel(key); }
+  /// `raPacketDel` for every packet.
   void raPacketDelAll() { raPacket_.memberDelAll(); }
 
   static constexpr char const* fwkTypeName = "RouterAdvt::RaPacketStatus";

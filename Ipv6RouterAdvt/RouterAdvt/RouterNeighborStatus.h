@@ -31,9 +31,13 @@ class ROUTER_ADVT_EXPORT RouterNeighborStatus final : public Fwk::Entity {
   /// Removes and returns the router of that interface and notifies with the interface; the default value, and nobody
   /// notified, when there is none.
   RouterNeighbor routerNeighborDel(IntfId key) { return routerNeighbor_.memberDel(key); }
+  /// `routerNeighborDel` for every router.
   void routerNeighborDelAll() { routerNeighbor_.memberDelAll(); }
 
-  /// Sets of routers by interface.
+  /// Sets of routers by interface. `neighbor(key)` gives the interface's set or null. `neighborIs(key)` gives it, made
+  /// empty if it is not there, and then notified with the interface. `neighborDel(key)` takes it out, notifies with the
+  /// interface and returns it; null, and nobody notified, when it is not there. `neighborDelAll()` does so for every
+  /// set.
   auto const& neighbor() const { return neighbor_; }
   Ptr<RouterNeighbors> neighbor(IntfId key) const { return neighbor_.member(key); }
   Ptr<RouterNeighbors> neighborIs(IntfId key) { return neighbor_.memberIs(key); }

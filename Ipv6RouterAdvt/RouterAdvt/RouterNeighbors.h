@@ -28,6 +28,7 @@ class ROUTER_ADVT_EXPORT RouterNeighbors final : public Fwk::Entity {
   void linkLocalAddrIs(Ip6Addr const& key) { linkLocalAddr_.memberIs(key); }
   /// Removes the address and notifies with it; returns whether it was there, without which nobody is notified.
   bool linkLocalAddrDel(Ip6Addr const& key) { return linkLocalAddr_.memberDel(key); }
+  /// `linkLocalAddrDel` for every address.
   void linkLocalAddrDelAll() { linkLocalAddr_.memberDelAll(); }
 
   static constexpr char const* fwkTypeName = "RouterAdvt::RouterNeighbors";

@@ -7,6 +7,11 @@
 namespace RouterAdvt {
 
 /// What the agent publishes about itself; root of the status tree. Key: `name`. Used by one thread at a time.
+///
+/// Collections: `x(key)` gives the member or null. `xIs(key)` gives the member, made with every default if it is not
+/// there, and then notified with its key. `xDel(key)` takes the member out, notifies with the key and returns it; null,
+/// and nobody notified, when it is not there. `xDelAll()` does so for every member. A mutator that makes a
+/// member may throw std::bad_alloc, having changed nothing.
 class ROUTER_ADVT_EXPORT Status final : public Fwk::Entity {
  public:
   enum Attr : AttrId {
@@ -26,7 +31,7 @@ class ROUTER_ADVT_EXPORT Status final : public Fwk::Entity {
   Ptr<IntfStatus> intfDel(IntfId key) { return intf_.memberDel(key); }
   void intfDelAll() { intf_.memberDelAll(); }
 
-  /// Whether the agent is at work. An unchanged value notifies nobody.
+  /// Whether the agent is at work. An unchanged value notifies nobody, a changed one notifies with the attribute.
   bool routerAdvtDaemonActive() const { return routerAdvtDaemonActive_; }
   void routerAdvtDaemonActiveIs(bool v) { attrIs(routerAdvtDaemonActive_, v, routerAdvtDaemonActiveAttr); }
 

@@ -26,6 +26,8 @@ MakerRow const makerRows[] = {
      []() -> Ptr<Fwk::Entity> { return routerNeighborStatusFactory("routers"); }},
     {"routerNeighborsFactory", RouterNeighbors::typeRecord(), "Ethernet1",
      []() -> Ptr<Fwk::Entity> { return routerNeighborsFactory("Ethernet1"); }},
+    {"routerNeighborRaStatusFactory", Table::RouterNeighborRaStatus::typeRecord(), "table",
+     []() -> Ptr<Fwk::Entity> { return Table::routerNeighborRaStatusFactory("table"); }},
     {"IntfConfigIs", IntfConfig::typeRecord(), "Ethernet1",
      []() -> Ptr<Fwk::Entity> { return IntfConfig::IntfConfigIs("Ethernet1"); }},
     {"PrefixConfigEntryIs", PrefixConfigEntry::typeRecord(), "2001:db8::/64",

@@ -7,7 +7,8 @@ using RouterAdvt::LifeTimeHashMap;
 using RouterAdvt::U32;
 
 TEST(LifeTimeHashMap, HasOneCollectionOfFlagsByLifetime) {
-  AttributeRow const rows[] = {{258, 258, "visited", AttributeKind::collection, "bool", nullptr}};
+  AttributeRow const rows[] = {
+      {258, LifeTimeHashMap::visitedAttr, "visited", AttributeKind::collection, "bool", nullptr}};
   LifeTimeHashMap map;
   EXPECT_STREQ(LifeTimeHashMap::typeRecord().name, "RouterAdvt::LifeTimeHashMap");
   EXPECT_EQ(LifeTimeHashMap::typeRecord().kind, Fwk::TypeKind::value);

@@ -7,11 +7,11 @@ using RouterAdvt::PrefixDefault;
 
 TEST(PrefixDefault, HasTheBuiltInPrefixParametersAsConstantsInTheirOrder) {
   AttributeRow const rows[] = {
-      {258, 258, "noAdvertise", AttributeKind::constant, "bool", "false"},
-      {259, 259, "validLifetime", AttributeKind::constant, "U32", "2592000"},
-      {260, 260, "preferredLifetime", AttributeKind::constant, "U32", "604800"},
-      {261, 261, "noOnLink", AttributeKind::constant, "bool", "false"},
-      {262, 262, "noAutoConfig", AttributeKind::constant, "bool", "false"},
+      {258, PrefixDefault::noAdvertiseAttr, "noAdvertise", AttributeKind::constant, "bool", "false"},
+      {259, PrefixDefault::validLifetimeAttr, "validLifetime", AttributeKind::constant, "U32", "2592000"},
+      {260, PrefixDefault::preferredLifetimeAttr, "preferredLifetime", AttributeKind::constant, "U32", "604800"},
+      {261, PrefixDefault::noOnLinkAttr, "noOnLink", AttributeKind::constant, "bool", "false"},
+      {262, PrefixDefault::noAutoConfigAttr, "noAutoConfig", AttributeKind::constant, "bool", "false"},
   };
   PrefixDefault value;
   EXPECT_STREQ(PrefixDefault::typeRecord().name, "RouterAdvt::PrefixDefault");
