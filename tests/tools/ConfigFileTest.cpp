@@ -68,7 +68,7 @@ ErrorRow const attributeErrors[] = {
      "f:4:7: config/intf[Ethernet1]/intfId: is given by the key of the mapping, and cannot be set"},
     {"AttributeWithoutDescriptor", intfFile("numPrefixesToAdvertise: 1"),
      "f:4:7: config/intf[Ethernet1]/numPrefixesToAdvertise: there is no such attribute; the nearest valid name is "
-     "raIntervalMaxMsec"},
+     "dnsSuffixesLifetime"},
     {"DuplicateAttribute", "config:\n  hopLimit: 1\n  hopLimit: 2\n",
      "f:3:3: config: duplicate key \"hopLimit\", which line 2 has already"},
 };

@@ -272,7 +272,7 @@ TEST(FramePrinter, AKnownOptionWithoutADescriptionHasItsName) {
 
 TEST(FramePrinter, AnOrdinaryFrameHasNoOddities) {
   Bytes const frame =
-      fromHex(ethernetHex + "6000000000103aff" + addressesHex + "8600 ea3f 40 00 0708 00000000 00000000");
+      fromHex(ethernetHex + "6000000000103aff" + addressesHex + "8600 3527 40 00 0708 00000000 00000000");
   EXPECT_FALSE(describeEthernetFrame(frame).hasOddities()) << textOf(frame);
 }
 

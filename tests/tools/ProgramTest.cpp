@@ -6,6 +6,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <unistd.h>
+
 #include <cstdio>
 #include <fstream>
 #include <ostream>
@@ -36,7 +38,7 @@ Outcome run(std::vector<std::string> const& arguments) {
 class TemporaryFile {
  public:
   explicit TemporaryFile(std::string const& text)
-      : name_(testing::TempDir() + "/" + testing::UnitTest::GetInstance()->current_test_info()->name() + ".yaml") {
+      : name_(testing::TempDir() + "ProgramTest" + std::to_string(getpid()) + ".yaml") {
     std::ofstream(name_) << text;
   }
   ~TemporaryFile() { std::remove(name_.c_str()); }
@@ -47,7 +49,7 @@ class TemporaryFile {
 };
 
 constexpr char const* smallFile = R"(config:
-  prefixProfiles: {guest: {validLifetime: 3600}}
+  prefixProfiles: {guest: {validLifetime: 3600, preferredLifetime: 1800}}
   intf:
     E1:
       raLifetime: 70000
@@ -100,7 +102,7 @@ UsageRow const usageRows[] = {
     {"MtuNoNumber", {"build", "x", "y", "--mtu", "a"}, "--mtu"},
     {"BadTraceLevels", {"build", "x", "y", "--trace", "E/99"}, "--trace"},
     {"BadInterval", {"send", "x", "y", "--via", "z", "--interval", "0"}, "--interval"},
-    {"BadCount", {"send", "x", "y", "--via", "z", "--count", "-1"}, "--count"},
+    {"BadCount", {"send", "x", "y", "--via", "z", "--count", "-1"}, "--count: \"-1\" is not a whole number"},
 };
 INSTANTIATE_TEST_SUITE_P(Row, ProgramUsage, testing::ValuesIn(usageRows));
 
@@ -175,7 +177,7 @@ TEST(BuildCommand, WarnsAboutWhatIsNotSentAsWritten) {
   TemporaryFile const file(smallFile);
   Outcome const outcome = run({"build", file.name(), "E1", "--hex"});
   EXPECT_THAT(outcome.err, AllOf(HasSubstr(":5:7: warning: config/intf[E1]/raLifetime: 70000 s is more than"),
-                                 HasSubstr(":6:42: warning: config/intf[E1]/prefixes[2001:db8::/64]/profile: ")));
+                                 HasSubstr(":6:34: warning: config/intf[E1]/prefixes[2001:db8::/64]/profile: ")));
 }
 
 TEST(BuildCommand, AnUnknownInterfaceComesWithTheNearest) {

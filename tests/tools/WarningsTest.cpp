@@ -74,7 +74,7 @@ TEST(IntfWarnings, NoneAtTheBounds) {
 TEST(IntfWarnings, AMissingProfileComesWithTheNearestOne) {
   EXPECT_THAT(
       warningsOf("config:\n  prefixProfiles: {guest: {}}\n  intf: {E: {prefixes: {\"::/64\": {profile: gest}}}}"),
-      ElementsAre("f:3:37: config/intf[E]/prefixes[::/64]/profile: there is no profile \"gest\"; did you mean "
+      ElementsAre("f:3:35: config/intf[E]/prefixes[::/64]/profile: there is no profile \"gest\"; did you mean "
                   "guest?"));
 }
 
@@ -82,7 +82,7 @@ TEST(IntfWarnings, AProfileThatDiffersFromWhatIsSentIsTold) {
   EXPECT_THAT(
       warningsOf("config:\n  prefixProfiles: {guest: {noAdvertise: true, validLifetime: 5, preferredLifetime: "
                  "604800}}\n  intf: {E: {prefixes: {\"::/64\": {profile: guest}}}}"),
-      ElementsAre("f:3:37: config/intf[E]/prefixes[::/64]/profile: profiles are not applied to what is sent: it "
+      ElementsAre("f:3:35: config/intf[E]/prefixes[::/64]/profile: profiles are not applied to what is sent: it "
                   "has noAdvertise false and not true, validLifetime 2592000 and not 5"));
 }
 
@@ -133,7 +133,7 @@ TEST(FitWarnings, NoneWhenAllFits) {
 TEST(FitWarnings, PrefixesThatDoNotFitAreNamed) {
   EXPECT_THAT(
       fitsOf(fileWith(prefixList(3)), withMtu(86 + 32)),
-      ElementsAre("f:3:34: config/intf[E]/prefixes[2001:db8:2::/64]: does not fit and is left out: Could not copy "
+      ElementsAre("f:3:35: config/intf[E]/prefixes[2001:db8:2::/64]: does not fit and is left out: Could not copy "
                   "prefix as msgLen ( 118 ) > pktBufSize > ( 118)",
                   HasSubstr("prefixes[2001:db8:3::/64]: does not fit and is left out: ")));
 }

@@ -23,7 +23,6 @@ class BuildCommand final : public Command {
         "  routeradvt build office.yaml Ethernet1\n"
         "  routeradvt build office.yaml Ethernet1 --write ra.pcap && wireshark ra.pcap\n"
         "  routeradvt build office.yaml Ethernet1 --death --hex");
-    app.group("Commands");
     return app;
   }
 

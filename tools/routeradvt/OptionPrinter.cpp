@@ -108,7 +108,7 @@ void describeRouteInfo(BlockWriter& block, SeenOptions&) {
   block.field(3, "flags", hexText(option.flags, 2));
   block.field(3, "route preference", preferenceText(option.routePreference()));
   block.field(4, "route lifetime", lifetimeText(option.routeLifetime));
-  block.field(8, "prefix", prefix.toString());
+  block.field(octets.empty() ? 2 : sizeof option, "prefix", prefix.toString());
   checkPrefix(block, prefix);
   block.mustBeZero("reserved flags", option.flags & ~U8{Net::Icmp6HdrRouteInfoOption::routePreferenceBits});
   if (option.routePreference() == Net::Icmp6RouterAdvtRouterPreferenceType::reserved_)
@@ -161,7 +161,8 @@ void describeNetworkBoot(BlockWriter& block, SeenOptions&) {
     return block.hexField(sizeof option, "data");
   }
   Octets const url = rest.from(0, rest.size() - option.paddingLen);
-  block.field(8, "boot file url", printable({reinterpret_cast<char const*>(url.span().data()), url.size()}));
+  if (!url.empty())
+    block.field(8, "boot file url", printable({reinterpret_cast<char const*>(url.span().data()), url.size()}));
   if (option.paddingLen > 0) block.hexField(sizeof option + url.size(), "padding");
 }
 

@@ -58,6 +58,7 @@ ExitStatus runProgram(std::vector<std::string> arguments, Console console) {
   std::vector<std::pair<CLI::App*, std::unique_ptr<Command>>> commands;
   for (auto& command : makeCommands()) {
     CLI::App& app = command->addTo(program);
+    app.group("Commands");
     app.set_help_flag("-h,--help", "print this help");
     commands.emplace_back(&app, std::move(command));
   }

@@ -5,12 +5,14 @@
 #include <tools/routeradvt/Octets.h>
 #include <tools/routeradvt/PacketSocket.h>
 #include <tools/routeradvt/StopSignals.h>
+#include <tools/routeradvt/ValueOption.h>
 
 #include <CLI/CLI.hpp>
 
 #include <array>
 #include <chrono>
 #include <cstdio>
+#include <optional>
 #include <ostream>
 
 namespace Tool {
@@ -36,9 +38,8 @@ class SendCommand final : public Command {
         ->type_name("DEV")
         ->required()
         ->group("Sending");
-    count_ = app.add_option("--count", wanted_, "how many to send; 0: until Ctrl-C. Else 1, and with --interval 0")
-                 ->type_name("N")
-                 ->group("Sending");
+    addValueOption(app, "--count", count_, "N", "how many to send; 0: until Ctrl-C. Else 1, and with --interval 0")
+        ->group("Sending");
     interval_ = app.add_option("--interval", seconds_, "time from one to the next; else 3 seconds")
                     ->type_name("SECONDS")
                     ->check(CLI::Range(0.001, 1e6).description(""))
@@ -48,7 +49,6 @@ class SendCommand final : public Command {
         "  routeradvt send office.yaml Ethernet1 --via eth0\n"
         "  routeradvt send office.yaml Ethernet1 --via eth0 --interval 10\n"
         "  routeradvt send office.yaml Ethernet1 --via eth0 --death");
-    app.group("Commands");
     return app;
   }
 
@@ -72,8 +72,8 @@ class SendCommand final : public Command {
 
  private:
   bool isEnough(Fwk::U64 sent) const {
-    bool const endless = count_->empty() ? !interval_->empty() : wanted_ == 0;
-    return !endless && sent >= wanted_;
+    Fwk::U64 const wanted = count_.value_or(interval_->empty() ? 1 : 0);
+    return wanted > 0 && sent >= wanted;
   }
 
   /// The summary comes in any case: an error does not take back what was sent before it.
@@ -102,9 +102,8 @@ class SendCommand final : public Command {
 
   AdvertOptions options_;
   std::string device_;
-  Fwk::U64 wanted_ = 1;
-  double seconds_ = 3;  // MIN_DELAY_BETWEEN_RAS, RFC 4861 10
-  CLI::Option* count_ = nullptr;
+  std::optional<Fwk::U64> count_;  // 0: until it is told to stop
+  double seconds_ = 3;             // MIN_DELAY_BETWEEN_RAS, RFC 4861 10
   CLI::Option* interval_ = nullptr;
   std::unique_ptr<CaptureFile> capture_;
 };

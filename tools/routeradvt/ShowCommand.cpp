@@ -28,7 +28,6 @@ class ShowCommand final : public Command {
         "value,\nwith the prefix's profile applied. Warnings are about what is not sent as it is written.\n\n"
         "  routeradvt show office.yaml\n"
         "  routeradvt show office.yaml Ethernet1");
-    app.group("Commands");
     return app;
   }
 

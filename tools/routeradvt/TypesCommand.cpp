@@ -59,7 +59,6 @@ class TypesCommand final : public Command {
     CLI::App& app = *program.add_subcommand("types", "list the model's types, or the attributes of one");
     app.add_option("NAME", name_, "type, with or without its namespace");
     app.footer("  routeradvt types\n  routeradvt types IntfConfig");
-    app.group("Commands");
     return app;
   }
 

@@ -31,6 +31,7 @@ ValueType const* valueType(std::string_view typeName) {
   static std::array const types{
       ValueType{"bool", "true or false"},
       ValueType{"U32", "a whole number from 0 to 4294967295"},
+      ValueType{"U64", "a whole number"},
       ValueType{"Ip6Addr", "an IPv6 address such as 2001:db8::53"},
       ValueType{"Ip6AddrWithMask", "an IPv6 address with a mask length from 0 to 128, such as 2001:db8::/64"},
       ValueType{"EthAddr", "an Ethernet address such as 02:00:00:00:00:01"},

@@ -34,7 +34,10 @@ Place placeOf(YAML::Node const& node, Place otherwise) {
   return mark.is_null() || mark.line < 0 ? otherwise : Place{mark.line + 1, mark.column + 1};
 }
 
-YamlValue YamlEntry::value(std::string path) const { return {node, std::move(path), placeOf(node, keyPlace)}; }
+// Of nothing the parser notes where the next thing begins.
+YamlValue YamlEntry::value(std::string path) const {
+  return {node, std::move(path), node.IsNull() ? keyPlace : placeOf(node, keyPlace)};
+}
 
 void YamlReader::error(Place place, std::string path, std::string text) {
   file_.errors.push_back({place, std::move(path), std::move(text)});
