@@ -23,13 +23,22 @@ if(ROUTERADVT_WERROR)
   add_compile_options(-Werror)
 endif()
 
-# A precompiled header is good for the cache too, once it is told that the header's time of making says nothing.
+# The compiler's cache, where there is one that works: it may have no place to write to. A precompiled header is good for
+# it too, once it is told that the header's time of making says nothing.
 find_program(CCACHE ccache)
 mark_as_advanced(CCACHE)
 if(CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE})
-  if(CMAKE_CXX_COMPILER_ID STREQUAL Clang)
-    add_compile_options("SHELL:-Xclang -fno-pch-timestamp")
+  set(probe ${CMAKE_CURRENT_BINARY_DIR}/ccache_probe)
+  file(CONFIGURE OUTPUT ${probe}.cpp CONTENT "int probe;\n")
+  execute_process(
+    COMMAND ${CCACHE} ${CMAKE_CXX_COMPILER} -c ${probe}.cpp -o ${probe}.o
+    RESULT_VARIABLE failed
+    OUTPUT_QUIET ERROR_QUIET)
+  if(NOT failed)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE})
+    if(CMAKE_CXX_COMPILER_ID STREQUAL Clang)
+      add_compile_options("SHELL:-Xclang -fno-pch-timestamp")
+    endif()
   endif()
 endif()
 
