@@ -46,7 +46,7 @@ TEST(LifeTimeHashMap, AStoredFlagIsOverwritten) {
 
 TEST(LifeTimeHashMap, DeletingTakesOneOrAllAway) {
   LifeTimeHashMap map;
-  for (U32 lifetime : {1, 2, 3}) map.visitedIs(lifetime, true);
+  for (U32 const lifetime : {1U, 2U, 3U}) map.visitedIs(lifetime, true);
   map.visitedDel(2);
   map.visitedDel(99);
   EXPECT_FALSE(map.visited(2));
