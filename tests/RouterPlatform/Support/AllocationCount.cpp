@@ -5,7 +5,7 @@
 #include <limits>
 #include <new>
 
-// The array and nothrow forms of the standard library end in these.
+// The other forms of the standard library end in these; a sanitizer has array forms of its own.
 
 namespace {
 
@@ -44,6 +44,7 @@ void* operator new(std::size_t size) {
   takeLeave();
   return counted(std::malloc(size ? size : 1));
 }
+void* operator new[](std::size_t size) { return operator new(size); }
 void* operator new(std::size_t size, std::align_val_t alignment) {
   takeLeave();
   auto const step = static_cast<std::size_t>(alignment);
@@ -51,5 +52,7 @@ void* operator new(std::size_t size, std::align_val_t alignment) {
 }
 void operator delete(void* memory) noexcept { release(memory); }
 void operator delete(void* memory, std::size_t) noexcept { release(memory); }
+void operator delete[](void* memory) noexcept { release(memory); }
+void operator delete[](void* memory, std::size_t) noexcept { release(memory); }
 void operator delete(void* memory, std::align_val_t) noexcept { release(memory); }
 void operator delete(void* memory, std::size_t, std::align_val_t) noexcept { release(memory); }
