@@ -7,6 +7,7 @@ JOBS ?= $(shell nproc)
 PREFIX ?= /usr/local
 FUZZ_SECONDS ?= 60
 SOAK_SECONDS ?= 600
+SOAK_KILLS ?= 5000
 
 # $(call build,preset[,target...]): configures, with words only if that fails, and builds.
 configure = @mkdir -p build && { cmake --preset $(1) >build/$(1)-configure.log 2>&1 || { cat build/$(1)-configure.log; exit 1; }; }
@@ -28,7 +29,7 @@ help:
 ## make format         format the sources
 ## make lint           the same as check-lint
 ## make fuzz           every fuzz target for FUZZ_SECONDS (60)
-## make soak           every fuzz target for SOAK_SECONDS (600)
+## make soak           every fuzz target for SOAK_SECONDS (600); SOAK_KILLS (5000) killed writers of a shared table
 ## make clean          remove build/
 ##
 
@@ -108,6 +109,8 @@ check-fuzz fuzz:
 .PHONY: soak format lint clean
 soak:
 	@scripts/setup check
+	$(call build,release,platform_tests)
+	SHARED_TABLE_KILLS=$(SOAK_KILLS) build/release/bin/platform_tests --gtest_filter='KilledWriters.LeaveEveryLastingRow*'
 	$(call build,fuzz)
 	scripts/fuzz-short $(SOAK_SECONDS)
 
@@ -120,4 +123,4 @@ lint: check-lint
 clean:
 	rm -rf build
 ##
-## Variables: JOBS, PREFIX, DESTDIR, BENCH_ARGS, FUZZ_SECONDS, SOAK_SECONDS; ROUTERADVT_SETUP=skip installs nothing.
+## Variables: JOBS, PREFIX, DESTDIR, BENCH_ARGS, FUZZ_SECONDS, SOAK_SECONDS, SOAK_KILLS; ROUTERADVT_SETUP=skip installs nothing.

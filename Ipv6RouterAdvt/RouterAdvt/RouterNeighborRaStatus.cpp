@@ -26,7 +26,7 @@ class RouterNeighborRaStatusZeroReferencesNotifiee final : public Fwk::Notifiee 
 
 RouterNeighborRaStatus::RouterNeighborRaStatus(Name name)
     : name_(name),
-      table_(collectionName),
+      table_(routerNeighborRaCollection),
       written_(Stats::counter("routerNeighborRaIs")),
       deleted_(Stats::counter("routerNeighborRaDel")),
       notified_(Stats::counter("routerNeighborRaNotify")) {

@@ -3,6 +3,7 @@
 #include <Ipv6RouterAdvt/Export.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
 #include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRa.h>
+#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaReader.h>
 #include <RouterPlatform/SharedTable/CollectionControl.h>
 #include <RouterPlatform/SharedTable/Writer.h>
 #include <RouterPlatform/Stats/Counter.h>
@@ -66,12 +67,13 @@ class ROUTER_ADVT_EXPORT RouterNeighborRaStatus final : public Fwk::Entity {
   }
 
   /// Where the table is mounted, below the table directory.
-  static String tablePath() { return "routing6/routerAdvt/routerNeighborRaStatus"; }
-  /// Name of the collection there.
-  static constexpr char const* collectionName = "routerNeighborRa";
+  static String tablePath() { return routerNeighborRaTablePath; }
 
   /// Mounts the table at `tablePath()` when there is a parent, unmounts it when there is none.
   void handleParent(Ptr<Fwk::Entity> parent) override;
+
+  /// Why the table could not be mounted, when its mount status is `failed`.
+  SharedTable::Error const& mountError() const { return table_.mountError(); }
 
   /// What becomes of damage in the shared memory before the operation that met it fails.
   void corruptionHandlerIs(SharedTable::WriterBase::CorruptionHandler handler) {

@@ -83,6 +83,7 @@ Error WriterBase::mountPathDel() {
   mountPath_.clear();
   if (mountStatus_ == MountStatus::failed) {
     mountStatus_ = MountStatus::unmounted;
+    mountError_ = {};
     callIfSet(callbacks_.mountStatus);
   }
   return {};
@@ -117,6 +118,7 @@ Error WriterBase::mount(std::string_view path) {
     error = place->publish(next->memory(), options_.mode);
   }
   mountPath_ = path;
+  mountError_ = error;
   if (error) {
     ++counters().mountFailed;
     TRACE(traceHandle, 2, "Could not mount ", path, "/", collection_, ": ", error.code, ": ", error.text);

@@ -42,6 +42,8 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
   std::string const& collection() const noexcept { return collection_; }
   std::string const& mountPath() const noexcept { return mountPath_; }
   MountStatus mountStatus() const noexcept { return mountStatus_; }
+  /// Why the last attempt to mount failed; none if it did not.
+  Error const& mountError() const noexcept { return mountError_; }
 
   /// Publishes the rows under `path` in the table directory; the empty path unmounts. A mounted table moves: it is
   /// unmounted first. On an error the rows stay in the process, everything goes on working, and the status is
@@ -98,6 +100,7 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
   WriterOptions const options_;
   std::string mountPath_;
   MountStatus mountStatus_ = MountStatus::unmounted;
+  Error mountError_;
   BaseCallbacks callbacks_;
   CorruptionHandler corruptionHandler_;
   std::unique_ptr<Publication> publication_;  // before the core: the file's lock goes before the place's

@@ -54,6 +54,7 @@ std::vector<std::unique_ptr<Command>> makeCommands();
 
 std::unique_ptr<Command> makeBuildCommand();
 std::unique_ptr<Command> makeListenCommand();
+std::unique_ptr<Command> makeNeighborsCommand();
 std::unique_ptr<Command> makeParseCommand();
 std::unique_ptr<Command> makeSendCommand();
 std::unique_ptr<Command> makeShowCommand();

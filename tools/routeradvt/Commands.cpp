@@ -8,6 +8,7 @@ std::vector<std::unique_ptr<Command>> makeCommands() {
   commands.push_back(makeSendCommand());
   commands.push_back(makeParseCommand());
   commands.push_back(makeListenCommand());
+  commands.push_back(makeNeighborsCommand());
   commands.push_back(makeShowCommand());
   commands.push_back(makeTypesCommand());
   return commands;

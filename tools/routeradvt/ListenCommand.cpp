@@ -1,6 +1,7 @@
 #include <Ipv6RouterAdvt/RouterAdvtUtils/RaParser.h>
 #include <RouterPlatform/Fwk/Attributes.h>
 #include <tools/routeradvt/Command.h>
+#include <tools/routeradvt/NeighborTable.h>
 #include <tools/routeradvt/RaSocket.h>
 #include <tools/routeradvt/RaValidity.h>
 #include <tools/routeradvt/RouterWatch.h>
@@ -104,6 +105,7 @@ class ListenCommand final : public Command {
     app.footer(
         "Reports routers as they come and go, what changes in what they advertise, and what is dropped\n"
         "and why. An advertisement that says what the one before it said is counted and not shown.\n"
+        "Keeps the table of neighbouring routers meanwhile, unless a daemon does: see 'neighbors'.\n"
         "Takes the right to open raw sockets (root, or CAP_NET_RAW). Ctrl-C ends it, with a summary.\n\n"
         "  routeradvt listen eth0\n"
         "  routeradvt listen eth0 --for 60 --json");
@@ -117,11 +119,13 @@ class ListenCommand final : public Command {
     RaSocket socket(device);
     Reporter reporter(console.out, json_);
     RouterWatch watch(Net::IntfId(device.name), reporter);
+    NeighborTable table;
+    if (!table.problem().empty()) console.err << "the table of neighbours is not kept: " << table.problem() << '\n';
     auto const start = Clock::now();
     reporter.listening(device.name);
     auto const summary = [&] { reporter.summary(heard_, dropped_, routersOf(watch), Clock::now() - start); };
     try {
-      while (!isEnough() && waitFor(socket, stop, start)) takeAll(socket, watch, reporter);
+      while (!isEnough() && waitFor(socket, stop, start)) takeAll(socket, watch, reporter, table);
       signals.waitUntil(Clock::now());  // takes what is pending: it is dealt with
     } catch (Failure const&) {
       summary();
@@ -147,21 +151,22 @@ class ListenCommand final : public Command {
     return ready != 0 && sources[1].revents == 0;
   }
 
-  void takeAll(RaSocket& socket, RouterWatch& watch, Reporter& reporter) {
+  void takeAll(RaSocket& socket, RouterWatch& watch, Reporter& reporter, NeighborTable& table) {
     while (!isEnough()) {
       auto const received = socket.receive();
       if (!received) return;
-      take(*received, watch, reporter);
+      take(*received, watch, reporter, table);
     }
   }
 
-  void take(Net::Ip6PktInfo::Result const& received, RouterWatch& watch, Reporter& reporter) {
+  void take(Net::Ip6PktInfo::Result const& received, RouterWatch& watch, Reporter& reporter, NeighborTable& table) {
     if (!received) return drop(reporter, Ip6Addr(), reasonText(received.reason));
     Ip6Addr const& source = received.info->sourceAddr();
     if (std::string const reason = raInvalidity(received.info); !reason.empty()) return drop(reporter, source, reason);
     RouterAdvt::RaPacket const packet = RouterAdvt::makeRaPacketType(Net::IntfId(device_), received.info);
     if (!packet) return drop(reporter, source, "an option has length 0");
     ++heard_;
+    table.hear(packet.intfId(), source);
     watch.hear(packet);
   }
 

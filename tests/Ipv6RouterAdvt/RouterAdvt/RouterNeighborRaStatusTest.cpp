@@ -2,7 +2,6 @@
 #include <RouterPlatform/Fwk/Attributes.h>
 #include <RouterPlatform/Fwk/Observe.h>
 #include <RouterPlatform/Fwk/Reflection.h>
-#include <RouterPlatform/SharedTable/Reader.h>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -257,8 +256,7 @@ TEST_F(NeighborTable, EnteringAndLeavingACollectionMountsAndUnmounts) {
 }
 
 TEST_F(NeighborTable, ReadersSeeRowsAsTheyAreWritten) {
-  SharedTable::Reader<RouterNeighborRa> reader(RouterNeighborRaStatus::tablePath(),
-                                               RouterNeighborRaStatus::collectionName);
+  RouterNeighborRaReader reader;
   EXPECT_EQ(reader.attach().code, SharedTable::Errc::noTable);
   mount();
   ASSERT_FALSE(reader.attach());

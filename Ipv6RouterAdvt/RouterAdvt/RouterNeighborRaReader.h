@@ -1,0 +1,26 @@
+#pragma once
+
+#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRa.h>
+#include <RouterPlatform/SharedTable/Reader.h>
+
+#include <utility>
+
+namespace RouterAdvt {
+
+/// Where the table of neighbouring routers is, below the table directory, and the name of its collection.
+inline constexpr char const* routerNeighborRaTablePath = "routing6/routerAdvt/routerNeighborRaStatus";
+inline constexpr char const* routerNeighborRaCollection = "routerNeighborRa";
+
+/// Reads the table of neighbouring routers from any process. This header and the platform library are all that a
+/// program needs.
+///
+///     RouterAdvt::RouterNeighborRaReader neighbors;
+///     if (auto error = neighbors.attach()) return fail(error.text);
+///     neighbors.forEach([](RouterAdvt::RouterNeighborRa const& row) { print(row.key().neighborAddr()); });
+class RouterNeighborRaReader : public SharedTable::Reader<RouterNeighborRa> {
+ public:
+  explicit RouterNeighborRaReader(SharedTable::ReaderOptions options = {})
+      : Reader(routerNeighborRaTablePath, routerNeighborRaCollection, std::move(options)) {}
+};
+
+}  // namespace RouterAdvt

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaStatus.h>
+
+#include <string>
+
+namespace Tool {
+
+/// The table of neighbouring routers that other processes read, kept for as long as this lives.
+class NeighborTable {
+ public:
+  NeighborTable();
+  NeighborTable(NeighborTable const&) = delete;
+  NeighborTable& operator=(NeighborTable const&) = delete;
+  ~NeighborTable();
+
+  /// Why other processes cannot read it; empty: they can.
+  std::string problem() const;
+
+  /// An advertisement of that router has arrived now.
+  void hear(Net::IntfId const& intfId, Net::Ip6Addr const& router);
+
+ private:
+  Fwk::Ptr<Fwk::Entity> root_;  ///< having a parent is what mounts the table
+  Fwk::Ptr<RouterAdvt::Table::RouterNeighborRaStatus> rows_;
+};
+
+}  // namespace Tool
