@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -208,7 +210,7 @@ TEST(ConfigFile, AFolderIsAnError) {
 }
 
 TEST(ConfigFile, IsReadFromAFile) {
-  std::string const name = testing::TempDir() + "/ConfigFileTest.yaml";
+  std::string const name = testing::TempDir() + "ConfigFileTest" + std::to_string(getpid()) + ".yaml";
   std::ofstream(name) << "config: {hopLimit: 7}\n";
   ConfigFile const file = loadConfigFile(name);
   std::remove(name.c_str());

@@ -5,7 +5,7 @@
 #include <limits>
 #include <new>
 
-// The other forms of the standard library end in these; a sanitizer has array forms of its own.
+// Every form is here, since a sanitizer has each of its own, and what one allocates another may not release.
 
 namespace {
 
@@ -45,6 +45,14 @@ void* operator new(std::size_t size) {
   return counted(std::malloc(size ? size : 1));
 }
 void* operator new[](std::size_t size) { return operator new(size); }
+void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
+  try {
+    return operator new(size);
+  } catch (std::bad_alloc const&) {
+    return nullptr;
+  }
+}
+void* operator new[](std::size_t size, std::nothrow_t const& nothrow) noexcept { return operator new(size, nothrow); }
 void* operator new(std::size_t size, std::align_val_t alignment) {
   takeLeave();
   auto const step = static_cast<std::size_t>(alignment);
