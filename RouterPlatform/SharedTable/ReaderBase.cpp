@@ -20,6 +20,8 @@ constexpr milliseconds slice{1000};
 /// First sleep of a wait, more than two clock ticks: a writer whose wake woke nobody does not wake again in the same
 /// tick, so what changes right after a wait began may come without a wake.
 constexpr milliseconds firstSlice{25};
+/// What stands for longer waits, so that the deadline can be computed.
+constexpr milliseconds longestWait = std::chrono::hours(24 * 365);
 
 constexpr U32 swappedByteOrderMark = 0x04030201;
 
@@ -96,6 +98,9 @@ Error ReaderBase::open(std::unique_ptr<Attachment>& out) const {
   if (int const error = attachment->memory.mapReadOnly(std::move(file), header.fileSize))
     return FileIo::systemFailure(error, path_);
   attachment->view = View(attachment->memory.base(), header, type_);
+  // A writer that was killed between leaving the file and removing its name.
+  if (attachment->view.live().retired.load(std::memory_order_acquire) == retiredMark)
+    return {Errc::noTable, 0, path_ + ": its writer has ended"};
   out = std::move(attachment);
   return {};
 }
@@ -107,7 +112,7 @@ Error ReaderBase::attach() {
 
 /// Acquire; pairs with the release store in WriterCore::retire.
 bool ReaderBase::isRetired() const noexcept {
-  return attachment_->view.live().retired.load(std::memory_order_acquire) != 0;
+  return attachment_->view.live().retired.load(std::memory_order_acquire) == retiredMark;
 }
 
 WriterState ReaderBase::writer() const noexcept {
@@ -141,7 +146,7 @@ std::optional<WaitResult> ReaderBase::checkWriter() {
 
 WaitResult ReaderBase::wait(U64 seen, milliseconds timeout) {
   using Clock = std::chrono::steady_clock;
-  auto const deadline = Clock::now() + timeout;
+  auto const deadline = Clock::now() + std::min<milliseconds>(timeout, longestWait);
   milliseconds longest = firstSlice;
   while (true) {
     auto const left = std::chrono::ceil<milliseconds>(deadline - Clock::now());

@@ -61,8 +61,9 @@ WriterBase::WriterBase(RowType const& type, std::string collection, WriterOption
 
 WriterBase::~WriterBase() {
   if (mountStatus_ != MountStatus::mounted) return;
-  core_->retire();
+  // The name goes first: a reader that hears of the end must not find the same file again.
   publication_->withdraw(core_->memory());
+  core_->retire();
 }
 
 U32 WriterBase::count() const noexcept { return core_->count(); }
@@ -139,8 +140,8 @@ Error WriterBase::unmount() {
   std::vector<std::vector<U64>> lostRows;
   auto next = privateCore(type_, options_.capacity, std::max(core_->count(), options_.capacity.initialRows));
   if (Error error = moveRows(*next, lostRows)) return error;
-  core_->retire();
   publication_->withdraw(core_->memory());
+  core_->retire();
   core_ = std::move(next);
   publication_.reset();
   mountPath_.clear();

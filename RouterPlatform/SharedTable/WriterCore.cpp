@@ -213,7 +213,10 @@ LookupStatus WriterCore::stage(void const* key, void* row, Corruption& corruptio
   staged_ = find(key, type_->keyHash(key, header_.hashSeed), corruption);
   if (staged_.outcome == Find::corrupt) return LookupStatus::corrupt;
   if (staged_.outcome == Find::missing) return LookupStatus::missing;
-  if (!readBack(staged_.word, corruption)) return LookupStatus::corrupt;
+  if (!readBack(staged_.word, corruption)) {
+    staged_.outcome = Find::missing;  // what was staged before must not be taken for this
+    return LookupStatus::corrupt;
+  }
   std::memcpy(row, scratch_.data(), geometry_.rowSize);
   std::memcpy(stagedKey_.data(), key, geometry_.keySize);
   stagedEpoch_ = epoch_;

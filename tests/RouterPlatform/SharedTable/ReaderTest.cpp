@@ -165,6 +165,17 @@ TEST_F(ReaderOf, ATableThatEndsWakesTheWaiter) {
   EXPECT_FALSE(reader_.attached());
 }
 
+TEST_F(ReaderOf, TheLongestTimeoutThatCanBeSaidIsWaited) {
+  mountAndAttach();
+  U64 const seen = reader_.changeCount();
+  std::thread changer([&] {
+    std::this_thread::sleep_for(40ms);
+    writer_.rowIs(Row(1, 1));
+  });
+  EXPECT_EQ(reader_.wait(seen, std::chrono::milliseconds::max()), WaitResult::changed);
+  changer.join();
+}
+
 TEST_F(ReaderOf, ATableThatEndedKeepsItsRowsForWhoStillHasIt) {
   writer_.rowIs(Row(1, 1));
   mountAndAttach();
