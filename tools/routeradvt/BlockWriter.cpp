@@ -30,7 +30,7 @@ void BlockWriter::mustBeZero(std::string_view name, Fwk::U64 value) {
 
 std::string lifetimeText(Fwk::U32 seconds) {
   if (seconds == 0xffffffff) return "infinity";
-  std::string const plain = std::to_string(seconds) + " s";
+  std::string plain = std::to_string(seconds) + " s";
   if (seconds < 60) return plain;
   static constexpr std::array<std::pair<Fwk::U32, char const*>, 4> units{
       {{86400, " d"}, {3600, " h"}, {60, " min"}, {1, " s"}}};
