@@ -98,9 +98,6 @@ Error ReaderBase::open(std::unique_ptr<Attachment>& out) const {
   if (int const error = attachment->memory.mapReadOnly(std::move(file), header.fileSize))
     return FileIo::systemFailure(error, path_);
   attachment->view = View(attachment->memory.base(), header, type_);
-  // A writer that was killed between leaving the file and removing its name.
-  if (attachment->view.live().retired.load(std::memory_order_acquire) == retiredMark)
-    return {Errc::noTable, 0, path_ + ": its writer has ended"};
   out = std::move(attachment);
   return {};
 }
