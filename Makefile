@@ -21,7 +21,7 @@ help:
 ##
 ## make demo           build and show the main job on the files in examples/
 ## make test           build, and run the whole fast test suite
-## make check          everything CI runs: test and all of the check-... below
+## make check          everything CI runs: test, check-format, check-install, check-clang, check-asan, check-tsan
 ## make bench          build and run the benchmarks
 ## make install        install to PREFIX (/usr/local), below DESTDIR if given
 ##
