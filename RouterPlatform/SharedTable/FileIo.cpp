@@ -35,11 +35,21 @@ Error openStep(int parent, std::string const& name, bool create, Owner owner, Fd
     return systemFailure(errno, name);
   }
   struct stat status {};
-  if (created && fchmod(directory.get(), 0755) != 0) return systemFailure(errno, name);  // whatever the umask says
   if (fstat(directory.get(), &status) != 0) return systemFailure(errno, name);
   if (!isTrusted(status, owner)) return notTrusted(name, "directory of a foreign owner, or others may write it");
+  // Readers get there whatever the umask says. What was put in the place of our directory meanwhile stays as it is.
+  if (created && status.st_uid == geteuid() && fchmod(directory.get(), (status.st_mode & 07000) | 0755) != 0)
+    return systemFailure(errno, name);
   out = std::move(directory);
   return {};
+}
+
+struct flock firstOctet(short kind) noexcept {
+  struct flock lock {};
+  lock.l_type = kind;
+  lock.l_whence = SEEK_SET;
+  lock.l_len = 1;
+  return lock;
 }
 
 struct timespec now(clockid_t clock) noexcept {
@@ -87,7 +97,8 @@ bool namesAreSound(std::string_view mountPath, std::string_view collection) noex
 }
 
 Error systemFailure(int systemError, std::string const& what) {
-  Errc const code = systemError == ENOSPC || systemError == EDQUOT ? Errc::noSpace : Errc::system;
+  bool const noSpace = systemError == ENOSPC || systemError == EDQUOT || systemError == EFBIG;
+  Errc const code = noSpace ? Errc::noSpace : Errc::system;
   return {code, systemError, what + ": " + strerrordesc_np(systemError)};
 }
 
@@ -129,20 +140,22 @@ bool namesFile(Fd const& directory, std::string const& name, int file) noexcept 
          named.st_dev == opened.st_dev && named.st_ino == opened.st_ino;
 }
 
-bool lockForWriting(int file) noexcept {
-  struct flock lock {};
-  lock.l_type = F_WRLCK;
-  lock.l_whence = SEEK_SET;
-  lock.l_len = 1;
-  return fcntl(file, F_OFD_SETLK, &lock) == 0;
+int lockForWriting(int file) noexcept {
+  struct flock lock = firstOctet(F_WRLCK);
+  if (fcntl(file, F_OFD_SETLK, &lock) == 0) return 0;
+  return errno == EACCES ? EAGAIN : errno;  // POSIX leaves the choice
+}
+
+int findWriteLock(int file, bool& held) noexcept {
+  struct flock lock = firstOctet(F_RDLCK);  // what stands in the way of reading is a write lock
+  if (fcntl(file, F_OFD_GETLK, &lock) != 0) return errno;
+  held = lock.l_type == F_WRLCK;
+  return 0;
 }
 
 bool isLockedForWriting(int file) noexcept {
-  struct flock lock {};
-  lock.l_type = F_RDLCK;  // what stands in the way of reading is a write lock
-  lock.l_whence = SEEK_SET;
-  lock.l_len = 1;
-  return fcntl(file, F_OFD_GETLK, &lock) == 0 && lock.l_type == F_WRLCK;
+  bool held = false;
+  return findWriteLock(file, held) == 0 && held;
 }
 
 void wait(std::atomic<U32> const& word, U32 value, int milliseconds) noexcept {

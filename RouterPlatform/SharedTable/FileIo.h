@@ -25,7 +25,8 @@ std::string directoryOr(std::string directory);
 /// begin with a dot, and has neither slash nor NUL.
 bool namesAreSound(std::string_view mountPath, std::string_view collection) noexcept;
 
-/// The error of a system call on `what`.
+/// The error of a system call on `what`. `noSpace` where the file system, a quota or a limit on the size of files gives
+/// no more.
 Error systemFailure(int systemError, std::string const& what);
 
 /// Opens the directory of a mount path, component by component, following no symbolic link. `create` makes what is
@@ -39,9 +40,12 @@ Error openTrusted(Fd const& directory, std::string const& name, int flags, Owner
 bool namesFile(Fd const& directory, std::string const& name, int file) noexcept;
 
 /// A write lock on the file, bound to the open file description: it ends with the last descriptor of it, so with the
-/// process at the latest. False: somebody else holds a lock.
-bool lockForWriting(int file) noexcept;
+/// process at the latest. 0, EAGAIN when somebody else holds a lock, or another errno value.
+int lockForWriting(int file) noexcept;
 /// Whether somebody else holds a write lock on the file. A lock for reading, which anybody may place, does not count.
+/// 0 or an errno value.
+int findWriteLock(int file, bool& held) noexcept;
+/// The same, where a question that cannot be asked is one answered with no.
 bool isLockedForWriting(int file) noexcept;
 
 /// Sleeps while `word` is `value`, at most `milliseconds`. Works on a read-only mapping of a file.

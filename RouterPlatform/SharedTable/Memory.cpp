@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -28,6 +29,9 @@ int Memory::map(U64 size, int protection, int flags) noexcept {
 int Memory::mapPrivate(U64 size) noexcept { return map(size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE); }
 
 int Memory::mapFile(Fd file, U64 size) noexcept {
+  // Above the limit on the size of files the call would end the process with a signal.
+  struct rlimit limit {};
+  if (getrlimit(RLIMIT_FSIZE, &limit) == 0 && size > limit.rlim_cur) return EFBIG;
   if (ftruncate(file.get(), static_cast<off_t>(size)) != 0) return errno;
   fd_ = std::move(file);
   return map(size, PROT_READ | PROT_WRITE, MAP_SHARED);

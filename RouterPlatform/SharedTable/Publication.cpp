@@ -12,6 +12,12 @@
 namespace SharedTable {
 namespace {
 
+/// Whether the mark of retirement is where we would write it.
+bool isOurFormat(FixedHeader const& header) noexcept {
+  return header.magic == magicText && header.byteOrder == byteOrderMark && header.version == formatVersion &&
+         header.crc == crc32(&header, offsetof(FixedHeader, crc));
+}
+
 /// Marks a file that a writer left without a word, and wakes its readers so that they find the new one.
 void retireFormer(Fd const& file) noexcept {
   void* const page = mmap(nullptr, headerSize, PROT_READ | PROT_WRITE, MAP_SHARED, file.get(), 0);
@@ -38,11 +44,24 @@ Error Publication::claim(std::string const& directory, std::string_view mountPat
   std::string const lockName = collection_ + ".lock";
   do {
     if (Error error = FileIo::openTrusted(directory_, lockName, O_RDWR | O_CREAT, {}, lock_)) return error;
-    if (!FileIo::lockForWriting(lock_.get()))
-      return {Errc::secondWriter, EAGAIN, path(collection_) + ": another writer has this table"};
+    if (int const error = FileIo::lockForWriting(lock_.get()))
+      return error == EAGAIN ? secondWriter() : FileIo::systemFailure(error, path(lockName));
     // A lock on a file that has lost its name keeps nobody out.
   } while (!FileIo::namesFile(directory_, lockName, lock_.get()));
-  return {};
+  return checkFormer();
+}
+
+Error Publication::secondWriter() const {
+  return {Errc::secondWriter, EAGAIN, path(collection_) + ": another writer has this table"};
+}
+
+/// Somebody may have removed the `.lock` of a writer that lives; its table is locked too.
+Error Publication::checkFormer() const {
+  Fd file;
+  if (FileIo::openTrusted(directory_, name(), O_RDONLY, {}, file)) return {};  // no table: publishing replaces it
+  bool held = false;
+  if (int const error = FileIo::findWriteLock(file.get(), held)) return FileIo::systemFailure(error, path(name()));
+  return held ? secondWriter() : Error{};
 }
 
 Publication::~Publication() {
@@ -58,21 +77,23 @@ Error Publication::createFile(U64 size, Memory& out) {
   return {};
 }
 
-/// The file that has the name now, if it is a table of ours.
+/// The file that has the name now, if it is a whole table of this format.
 Fd Publication::openFormer() const {
   Fd file;
   if (FileIo::openTrusted(directory_, name(), O_RDWR, {}, file)) return {};
-  std::array<char, 8> magic{};
+  FixedHeader header{};
   struct stat status {};
   bool const isTable = fstat(file.get(), &status) == 0 && status.st_size >= static_cast<off_t>(headerSize) &&
-                       pread(file.get(), magic.data(), magic.size(), 0) == 8 && magic == magicText;
+                       pread(file.get(), &header, sizeof header, 0) == static_cast<ssize_t>(sizeof header) &&
+                       isOurFormat(header);
   return isTable ? std::move(file) : Fd();
 }
 
 Error Publication::publish(Memory const& memory, mode_t mode) {
   Fd const former = openFormer();
   // Nobody else can have the file open yet, so nobody's lock is in the way: this one tells readers that we live.
-  if (!FileIo::lockForWriting(memory.fd()) || fchmod(memory.fd(), mode & 0755) != 0 ||
+  if (int const error = FileIo::lockForWriting(memory.fd())) return FileIo::systemFailure(error, path(name()));
+  if (fchmod(memory.fd(), mode & 0755) != 0 ||
       renameat(directory_.get(), temporaryName().c_str(), directory_.get(), name().c_str()) != 0)
     return FileIo::systemFailure(errno, path(name()));
   building_ = false;

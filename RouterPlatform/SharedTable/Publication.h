@@ -20,8 +20,8 @@ class Publication {
   /// An unpublished file goes.
   ~Publication();
 
-  /// Takes the place: makes the directories and locks `COLLECTION.lock`. `secondWriter` if somebody has it; nothing is
-  /// touched then.
+  /// Takes the place: makes the directories and locks `COLLECTION.lock`. `secondWriter` if somebody has it, or if the
+  /// table there has a writer that lives, whatever became of its `.lock`; nothing is touched then.
   Error claim(std::string const& directory, std::string_view mountPath, std::string_view collection);
 
   /// A new file under a temporary name, `size` octets without space.
@@ -37,6 +37,8 @@ class Publication {
   std::string name() const { return collection_ + ".tbl"; }
   std::string temporaryName() const { return "." + collection_ + ".tmp"; }
   std::string path(std::string const& name) const { return mountPath_ + "/" + name; }
+  Error secondWriter() const;
+  Error checkFormer() const;
   Fd openFormer() const;
 
   std::string mountPath_;

@@ -2,6 +2,7 @@
 #include <tests/RouterPlatform/SharedTable/TableFixture.h>
 #include <tests/RouterPlatform/Trace/TraceCapture.h>
 
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <random>
@@ -294,6 +295,64 @@ TEST_F(WriterMounting, ASecondWriterIsRefusedAndTouchesNothing) {
   EXPECT_EQ(reader.row(Key::of(1)).row, Row(1, 2));
   ASSERT_FALSE(first.mountPathDel());
   EXPECT_FALSE(second.mountPathIs(mountPath)) << "free again";
+}
+
+TEST_F(WriterMounting, ALivingWriterIsNotTakenOverWhenItsLockFileIsRemoved) {
+  Writer first(collection, writerOptions());
+  first.rowIs(Row(1, 1));
+  ASSERT_FALSE(first.mountPathIs(mountPath));
+  Reader reader(mountPath, collection, readerOptions());
+  ASSERT_FALSE(reader.attach());
+  ASSERT_TRUE(std::filesystem::remove(path("row.lock")));
+
+  Writer second(collection, writerOptions());
+  EXPECT_EQ(second.mountPathIs(mountPath).code, Errc::secondWriter);
+  EXPECT_TRUE(reader.writer().alive);
+  first.rowIs(Row(1, 2));
+  EXPECT_EQ(reader.row(Key::of(1)).row, Row(1, 2)) << "the table is still the first one's";
+  ASSERT_FALSE(first.mountPathDel());
+  EXPECT_FALSE(second.mountPathIs(mountPath));
+}
+
+struct ForeignHeader {
+  char const* name;
+  void (*change)(SharedTable::FixedHeader&);
+  bool crcHolds;
+  friend void PrintTo(ForeignHeader const& c, std::ostream* out) { *out << c.name; }
+};
+class FormerFile : public Tables, public testing::WithParamInterface<ForeignHeader> {};
+INSTANTIATE_TEST_SUITE_P(
+    SharedTable, FormerFile,
+    testing::Values(ForeignHeader{"OfAnotherVersion", [](SharedTable::FixedHeader& h) { h.version = 7; }, true},
+                    ForeignHeader{"OfTheOtherByteOrder", [](SharedTable::FixedHeader& h) { h.byteOrder = 0x04030201; },
+                                  true},
+                    ForeignHeader{"WithAWrongCrc", [](SharedTable::FixedHeader& h) { h.createdTime += 1; }, false}),
+    [](auto const& of) { return of.param.name; });
+
+TEST_P(FormerFile, IsReplacedAndNotWrittenTo) {
+  {
+    Writer writer(collection, writerOptions());
+    ASSERT_FALSE(writer.mountPathIs(mountPath));
+    std::filesystem::copy_file(path(), path("copy"));
+  }
+  SharedTable::Fd const former(open(path("copy").c_str(), O_RDWR | O_CLOEXEC));
+  SharedTable::FixedHeader header{};
+  ASSERT_EQ(pread(former.get(), &header, sizeof header, 0), static_cast<ssize_t>(sizeof header));
+  GetParam().change(header);
+  if (GetParam().crcHolds) header.crc = SharedTable::crc32(&header, offsetof(SharedTable::FixedHeader, crc));
+  ASSERT_EQ(pwrite(former.get(), &header, sizeof header, 0), static_cast<ssize_t>(sizeof header));
+  std::filesystem::rename(path("copy"), path());
+  auto const octets = [&] {
+    std::string read(SharedTable::headerSize, '\0');
+    EXPECT_EQ(pread(former.get(), read.data(), read.size(), 0), static_cast<ssize_t>(read.size()));
+    return read;
+  };
+  std::string const before = octets();
+
+  Writer writer(collection, writerOptions());
+  ASSERT_FALSE(writer.mountPathIs(mountPath));
+  EXPECT_EQ(octets(), before);
+  EXPECT_FALSE(Reader(mountPath, collection, readerOptions()).attach());
 }
 
 struct NameCase {
