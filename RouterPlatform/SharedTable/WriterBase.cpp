@@ -100,7 +100,8 @@ Error WriterBase::moveRows(WriterCore& next, std::vector<std::vector<U64>>& lost
   };
   WriteStatus const status = next.copyFrom(*core_, lost);
   if (status == WriteStatus::ok) return {};
-  return {status == WriteStatus::noSpace ? Errc::noSpace : Errc::damaged, ENOSPC, collection_ + ": rows do not fit"};
+  if (status == WriteStatus::corrupt) return {Errc::damaged, 0, collection_ + ": damaged while the rows were moved"};
+  return {Errc::noSpace, ENOSPC, collection_ + ": rows do not fit"};
 }
 
 Error WriterBase::mount(std::string_view path) {

@@ -133,7 +133,7 @@ WriterCore::Position WriterCore::find(void const* key, U64 hash, Corruption& cor
     // Another key of the same tag, or this one damaged.
     if (!readBack(word, corruption)) return {Find::corrupt, number, word};
   }
-  corruption = {Corruption::Place::index, 0, geometry_.indexOffset[half()]};
+  corruption = indexDamage();
   return {Find::corrupt, 0, {}};
 }
 
@@ -166,7 +166,7 @@ void WriterCore::replace(Position const& position, void const* row) noexcept {
 
 WriteStatus WriterCore::insert(void const* row, U64 hash, Position position, Corruption& corruption) {
   bool rebuilt = false;
-  if (WriteStatus const status = makeRoom(rebuilt, corruption); status != WriteStatus::ok) return status;
+  if (WriteStatus const status = makeRoom(position.word, rebuilt, corruption); status != WriteStatus::ok) return status;
   if (rebuilt) position = find(row, hash, corruption);
   if (position.outcome != Find::missing) return WriteStatus::corrupt;
   fillSpare(row);
@@ -233,16 +233,21 @@ WriteStatus WriterCore::commit(void const* row, Corruption& corruption) {
   return WriteStatus::ok;
 }
 
-/// Before a row is added: an index that is not too full, and a slot to follow the spare one.
-WriteStatus WriterCore::makeRoom(bool& rebuilt, Corruption& corruption) {
+/// Before a row is added to the bucket that holds `present`: an index that is not too full, and a slot to follow the
+/// spare one.
+WriteStatus WriterCore::makeRoom(BucketWord present, bool& rebuilt, Corruption& corruption) {
   if (rows_ >= geometry_.maxRows) return WriteStatus::full;
   if (int const error = reserveSlot()) return statusOf(error);
+  U64 const filled = U64{rows_} + tombstones_ + 1;
   bool const grow = U64{rows_} + 1 > buckets() / 2;
   // Without this, removals in the middle of long runs would leave tombstones until probing found no end.
-  bool const clean = U64{rows_} + tombstones_ + 1 > buckets() / 4 * 3;
+  bool const clean = filled > buckets() / 4 * 3;
   if (!grow && !clean) return WriteStatus::ok;
-  rebuilt = true;
-  return rebuild(grow ? indexBits_ + 1 : indexBits_, corruption);
+  WriteStatus const status = rebuild(grow ? indexBits_ + 1 : indexBits_, corruption);
+  rebuilt = status == WriteStatus::ok;
+  // Cleaning can wait while the file system is full: a bucket stays empty, where probing ends.
+  bool const bucketsRemain = present.tombstone() || filled < buckets();
+  return status == WriteStatus::noSpace && !grow && bucketsRemain ? WriteStatus::ok : status;
 }
 
 /// Fills the other half with an index of the same rows and brings it into force with one store. Readers go on in the
@@ -263,13 +268,14 @@ WriteStatus WriterCore::rebuild(U32 indexBits, Corruption& corruption) {
       return WriteStatus::corrupt;
     }
     if (word.empty() || word.tombstone()) continue;
-    if (++placed > rows_) {
-      corruption = {Corruption::Place::index, 0, geometry_.indexOffset[half()]};
-      return WriteStatus::corrupt;
-    }
+    if (++placed > rows_) break;
     U64 number = slotHash_[word.slot()] >> (32 - indexBits);
     while (bucket(other, number).load(std::memory_order_relaxed) != 0) number = (number + 1) & mask;
     put(bucket(other, number), word.bits, std::memory_order_release);
+  }
+  if (placed != rows_) {
+    corruption = indexDamage();
+    return WriteStatus::corrupt;
   }
   indexBits_ = indexBits;
   epoch_ += 1;
@@ -306,11 +312,15 @@ U32 WriterCore::takeSlot() noexcept {
 
 WriteStatus WriterCore::copyFrom(WriterCore& other, Lost const& lost) {
   std::vector<U64> row(geometry_.rowSize / 8);
+  U32 met = 0;
+  U32 unknown = 0;  // damaged buckets, which may have been of rows
   for (U64 number = 0; number < other.buckets(); ++number) {
     BucketWord const word = other.wordOf(number);
     if (other.isDamaged(word)) {
       lost({Corruption::Place::bucket, number, geometry_.bucketOffset(other.half(), number)}, nullptr);
+      unknown += 1;
     } else if (!word.empty() && !word.tombstone()) {
+      met += 1;
       RowCheck const check(checkSeedOf(other.header_), word.slot());
       Corruption corruption{Corruption::Place::slot, word.slot(), geometry_.slotOffset(word.slot())};
       if (SlotWords::copy(other.slot(word.slot()), row.data(), row.size(), check)) {
@@ -321,6 +331,8 @@ WriteStatus WriterCore::copyFrom(WriterCore& other, Lost const& lost) {
       }
     }
   }
+  // Octets that became zeroes, as whole pages do, look like buckets that nothing was ever put in.
+  if (met + unknown < other.rows_ || met > other.rows_) lost(other.indexDamage(), nullptr);
   return WriteStatus::ok;
 }
 

@@ -49,7 +49,8 @@ class ROUTER_PLATFORM_EXPORT WriterCore {
   WriteStatus commit(void const* row, Corruption& corruption);
 
   /// Copies all rows of `other` in. `lost` hears of a damaged place, which is left out; `row` is what was read there if
-  /// its key still has the hash that it had, otherwise null.
+  /// its key still has the hash that it had, otherwise null. It hears of the index when that holds fewer or more rows
+  /// than were put in.
   using Lost = std::function<void(Corruption const&, void const* row)>;
   WriteStatus copyFrom(WriterCore& other, Lost const& lost);
 
@@ -87,6 +88,9 @@ class ROUTER_PLATFORM_EXPORT WriterCore {
     return !word.isIntact() || (word.slot() > slotsTaken_ && !word.tombstone());
   }
 
+  /// The index as a whole does not hold what it should.
+  Corruption indexDamage() const noexcept { return {Corruption::Place::index, 0, geometry_.indexOffset[half()]}; }
+
   template <class Word, class Value>
   void put(std::atomic<Word>& word, Value value, std::memory_order order) noexcept;
   void fillSpare(void const* row) noexcept;
@@ -98,7 +102,7 @@ class ROUTER_PLATFORM_EXPORT WriterCore {
   void replace(Position const& position, void const* row) noexcept;
   WriteStatus insert(void const* row, U64 hash, Position position, Corruption& corruption);
   void emptyBucket(U64 number) noexcept;
-  WriteStatus makeRoom(bool& rebuilt, Corruption& corruption);
+  WriteStatus makeRoom(BucketWord present, bool& rebuilt, Corruption& corruption);
   WriteStatus rebuild(U32 indexBits, Corruption& corruption);
   int reserveSlot();
   U32 takeSlot() noexcept;

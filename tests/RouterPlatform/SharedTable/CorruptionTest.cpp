@@ -47,6 +47,11 @@ class DamagedTable : public Tables {
   U64 slotOffset(U64 number) const { return geometry().slotOffset(slotOf(number)); }
   Geometry const& geometry() const { return reader_.view().geometry(); }
 
+  /// As a page that was lost: all buckets of it are empty.
+  void loseIndex() {
+    for (U64 i = 0; i < 8 * 16; ++i) octetAtIs(path(), geometry().bucketOffset(0, 0) + i, 0);
+  }
+
   void damage(U64 offset, U8 change = 0x04) { octetAtIs(path(), offset, octetAt(path(), offset) ^ change); }
 
   Writer writer_;
@@ -194,6 +199,37 @@ TEST_F(DamagedTableDeathTest, ARebuildOfADamagedIndexFailsTheAssertion) {
       "in no man's land");
 }
 
+TEST_F(DamagedTableDeathTest, ARebuildThatMissesRowsFailsTheAssertion) {
+  writer_.corruptionHandlerIs([](std::string_view message) { std::cerr << "handler: " << message << '\n'; });
+  loseIndex();
+  EXPECT_DEATH(
+      {
+        for (U64 i = 100; i < 600; ++i) writer_.rowIs(Row(i, 0));
+      },
+      "damaged index at offset 4096 while writing(.|\n)*in no man's land");
+}
+
+TEST_F(DamagedTable, UnmountingSaysWhenAnIndexHasLostItsRows) {
+  std::vector<std::string> messages;
+  writer_.corruptionHandlerIs([&](std::string_view message) { messages.emplace_back(message); });
+  loseIndex();
+  ASSERT_FALSE(writer_.mountPathDel());
+  EXPECT_THAT(messages, ElementsAre(HasSubstr("damaged index at offset 4096 while moving the rows")));
+  EXPECT_EQ(writer_.count(), 0u);
+}
+
+TEST_F(DamagedTable, UnmountingNamesADamagedBucketOnlyOnceWhetherOrNotItWasOfARow) {
+  std::vector<std::string> messages;
+  writer_.corruptionHandlerIs([&](std::string_view message) { messages.emplace_back(message); });
+  U64 bucket = 0;
+  while (reader_.view().bucket(0, bucket).load() != 0) ++bucket;
+  damage(geometry().bucketOffset(0, bucket) + 1);
+  damage(bucketOffset(5) + 1);
+  ASSERT_FALSE(writer_.mountPathDel());
+  EXPECT_THAT(messages, ElementsAre(HasSubstr("damaged bucket "), HasSubstr("damaged bucket ")));
+  EXPECT_EQ(writer_.count(), 5u);
+}
+
 TEST_F(DamagedTable, AWriteRepairsARowWhoseKeyIsWhole) {
   damage(slotOffset(3) + 60);
   EXPECT_EQ(reader_.row(Key::of(3)).status, LookupStatus::corrupt);
@@ -207,6 +243,19 @@ TEST_F(DamagedTable, ACommitInPlaceNeedsNoLookupAndRepairsTheRow) {
   row->versionIs(2);
   EXPECT_EQ(writer_.commit(*row), WriteStatus::ok);
   EXPECT_EQ(reader_.row(Key::of(3)).row, Row(3, 2));
+}
+
+TEST_F(DamagedTable, ADamagedRowIsNotStagedAndNeitherIsTheOneBefore) {
+  writer_.corruptionHandlerIs([](std::string_view) {});
+  Row* const row = writer_.writable(Key::of(3));
+  ASSERT_NE(row, nullptr);
+  damage(slotOffset(4) + 60);
+  EXPECT_EQ(writer_.writable(Key::of(4)), nullptr);
+  EXPECT_EQ(reader_.row(Key::of(4)).status, LookupStatus::corrupt) << "nothing was published for it";
+  EXPECT_EQ(writer_.commit(Row(4, 2)), WriteStatus::ok);
+  EXPECT_EQ(reader_.row(Key::of(4)).row, Row(4, 2));
+  EXPECT_EQ(reader_.row(Key::of(3)).row, Row(3, 1)) << "the row that was staged before is another one";
+  EXPECT_EQ(writer_.count(), 6u);
 }
 
 TEST_F(DamagedTable, UnmountingSavesWhatIsWholeAndNamesTheRowThatIsLost) {

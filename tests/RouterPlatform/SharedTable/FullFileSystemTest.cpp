@@ -84,6 +84,29 @@ TEST_F(FullFileSystem, GrowingFailsWithAnErrorAndTheRowsThatAreThereStayUsable) 
   EXPECT_EQ(result, 0);
 }
 
+TEST_F(FullFileSystem, RowsComeAndGoForAsLongAsABucketIsLeft) {
+  int const result = inSmallFileSystem([&] {
+    Writer writer(collection, writerOptions(256, 4096));
+    CHECK_OR_RETURN(!writer.mountPathIs(mountPath), 1);
+    for (U64 i = 0; i < 100; ++i) CHECK_OR_RETURN(writer.rowIs(Row(i, 1)) == WriteStatus::ok, 2);
+    CHECK_OR_RETURN(writer.rowDel(Key::of(0)), 3);
+    std::ofstream(directory_ + "/ballast") << std::string(65536, 'x');  // whatever is left: no second index any more
+    U64 written = 0;
+    while (written < 100000 && writer.rowIs(Row(100 + written, 1)) == WriteStatus::ok) {
+      CHECK_OR_RETURN(writer.count() == 100, 4);
+      CHECK_OR_RETURN(writer.rowDel(Key::of(100 + written)), 5);
+      CHECK_OR_RETURN(writer.row(Key::of(written % 99 + 1)) == Row(written % 99 + 1, 1), 6);
+      CHECK_OR_RETURN(!writer.row(Key::of(100 + written)), 7);
+      ++written;
+    }
+    CHECK_OR_RETURN(written > 1000, 8);
+    for (U64 i = 1; i < 100; ++i) CHECK_OR_RETURN(writer.rowIs(Row(i, 2)) == WriteStatus::ok, 9);
+    return 0;
+  });
+  if (result == cannotMount) GTEST_SKIP() << "no right to mount";
+  EXPECT_EQ(result, 0);
+}
+
 TEST_F(FullFileSystem, SpaceThatComesFreeIsUsed) {
   int const result = inSmallFileSystem([&] {
     std::ofstream(directory_ + "/ballast") << std::string(36 << 10, 'x');
