@@ -166,7 +166,7 @@ void WriterCore::replace(Position const& position, void const* row) noexcept {
 
 WriteStatus WriterCore::insert(void const* row, U64 hash, Position position, Corruption& corruption) {
   bool rebuilt = false;
-  if (WriteStatus const status = makeRoom(position.word, rebuilt, corruption); status != WriteStatus::ok) return status;
+  if (WriteStatus const status = makeRoom(rebuilt, corruption); status != WriteStatus::ok) return status;
   if (rebuilt) position = find(row, hash, corruption);
   if (position.outcome != Find::missing) return WriteStatus::corrupt;
   fillSpare(row);
@@ -233,9 +233,8 @@ WriteStatus WriterCore::commit(void const* row, Corruption& corruption) {
   return WriteStatus::ok;
 }
 
-/// Before a row is added to the bucket that holds `present`: an index that is not too full, and a slot to follow the
-/// spare one.
-WriteStatus WriterCore::makeRoom(BucketWord present, bool& rebuilt, Corruption& corruption) {
+/// Before a row is added: an index that is not too full, and a slot to follow the spare one.
+WriteStatus WriterCore::makeRoom(bool& rebuilt, Corruption& corruption) {
   if (rows_ >= geometry_.maxRows) return WriteStatus::full;
   if (int const error = reserveSlot()) return statusOf(error);
   U64 const filled = U64{rows_} + tombstones_ + 1;
@@ -244,10 +243,37 @@ WriteStatus WriterCore::makeRoom(BucketWord present, bool& rebuilt, Corruption& 
   bool const clean = filled > buckets() / 4 * 3;
   if (!grow && !clean) return WriteStatus::ok;
   WriteStatus const status = rebuild(grow ? indexBits_ + 1 : indexBits_, corruption);
-  rebuilt = status == WriteStatus::ok;
-  // Cleaning can wait while the file system is full: a bucket stays empty, where probing ends.
-  bool const bucketsRemain = present.tombstone() || filled < buckets();
-  return status == WriteStatus::noSpace && !grow && bucketsRemain ? WriteStatus::ok : status;
+  rebuilt = true;
+  if (status != WriteStatus::noSpace || grow) return status;
+  // There is no space for a second index: this one is cleaned as well as it can be, which has to leave a bucket empty.
+  if (filled > buckets() - buckets() / 16) sweep();
+  return U64{rows_} + tombstones_ + 1 < buckets() ? WriteStatus::ok : status;
+}
+
+/// Empties the tombstones that none of the rows behind them was probed past. From the last to the first, so that it is
+/// known where those rows began.
+void WriterCore::sweep() noexcept {
+  constexpr U64 none = ~U64{0};
+  U64 const mask = buckets() - 1;
+  U64 end = 0;
+  while (end <= mask && !wordOf(end).empty()) ++end;
+  U64 firstHome = none;  // of the rows between here and the next empty bucket; counted on past the end
+  for (U64 position = end + mask; position > end; --position) {
+    U64 const number = position & mask;
+    BucketWord const word = wordOf(number);
+    if (isDamaged(word)) {
+      firstHome = 0;  // anything may have been probed past the ones before
+    } else if (word.empty()) {
+      firstHome = none;
+    } else if (!word.tombstone()) {
+      U64 const home = slotHash_[word.slot()] >> (32 - indexBits_);
+      firstHome = std::min(firstHome, position - ((number - home) & mask));
+    } else if (firstHome > position) {
+      publish(number, word.next(0, 0));
+      tombstones_ -= 1;
+      firstHome = none;
+    }
+  }
 }
 
 /// Fills the other half with an index of the same rows and brings it into force with one store. Readers go on in the

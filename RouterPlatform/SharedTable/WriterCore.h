@@ -102,7 +102,8 @@ class ROUTER_PLATFORM_EXPORT WriterCore {
   void replace(Position const& position, void const* row) noexcept;
   WriteStatus insert(void const* row, U64 hash, Position position, Corruption& corruption);
   void emptyBucket(U64 number) noexcept;
-  WriteStatus makeRoom(BucketWord present, bool& rebuilt, Corruption& corruption);
+  WriteStatus makeRoom(bool& rebuilt, Corruption& corruption);
+  void sweep() noexcept;
   WriteStatus rebuild(U32 indexBits, Corruption& corruption);
   int reserveSlot();
   U32 takeSlot() noexcept;
