@@ -111,9 +111,20 @@ View::Probe View::probe(ActiveWord active, void const* key, U64 hash, void* row,
     Probe const copied = copyRow(active, number, word, row, corruption);
     if (copied != Probe::found || std::memcmp(row, key, geometry_.keySize) == 0) return copied;
   }
-  if (live().active.load(std::memory_order_relaxed) != active.bits) return Probe::moved;
+  if (!isEndless(active)) return Probe::moved;
   corruption = {Corruption::Place::index, 0, geometry_.indexOffset[active.half()]};
   return Probe::corrupt;
+}
+
+/// Whether no bucket is empty, where probing would end. The empty buckets change while rows come and go, and a slow
+/// look at one after another may meet none of them; so it counts only if hardly anything changed meanwhile. Between two
+/// equal counts there is at most one change that is not counted yet, and one change leaves a bucket empty throughout.
+bool View::isEndless(ActiveWord active) const noexcept {
+  U64 const changes = changeCount();
+  for (U64 number = 0; number < U64{1} << active.indexBits(); ++number)
+    // Acquire; keeps the looks at the count and at `active` behind it.
+    if (BucketWord{bucket(active.half(), number).load(std::memory_order_acquire)}.empty()) return false;
+  return changeCount() == changes && live().active.load(std::memory_order_relaxed) == active.bits;
 }
 
 LookupStatus View::lookup(void const* key, void* row, Corruption& corruption) const noexcept {
@@ -172,7 +183,8 @@ WalkResult View::walk(Visitor const& visit) const {
   return walk.result;
 }
 
-/// Walks on from `walk.from` under `walk.active`. False: another index came into force.
+/// Walks on from `walk.from` under `walk.active`. False: another index came into force, or rows came and went so fast
+/// that no end was met; the walk goes on from the new `from`.
 bool View::walkClusters(Walk& walk, Visitor const& visit) const {
   U64 const buckets = U64{1} << walk.indexBits;
   // Probing wraps around at the end, so rows whose home is near the end may stand at the start: the walk goes on there
@@ -193,6 +205,7 @@ bool View::walkClusters(Walk& walk, Visitor const& visit) const {
       return false;
     }
   }
+  if (!isEndless(walk.active)) return false;
   walk.damaged({Corruption::Place::index, 0, geometry_.indexOffset[walk.active.half()]});
   walk.result.stopped = !emit(walk, visit);
   return true;

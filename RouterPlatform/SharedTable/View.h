@@ -74,6 +74,7 @@ class ROUTER_PLATFORM_EXPORT View {
 
   Probe probe(ActiveWord active, void const* key, U64 hash, void* row, Corruption& corruption) const noexcept;
   Probe copyRow(ActiveWord active, U64 number, BucketWord word, void* row, Corruption& corruption) const noexcept;
+  bool isEndless(ActiveWord active) const noexcept;
   bool activeIsSound(ActiveWord active) const noexcept;
   bool unchanged(ActiveWord active, U64 number, BucketWord word) const noexcept;
   Probe walkRow(Walk& walk, U64 position, BucketWord word) const;

@@ -3,8 +3,10 @@
 #include <tests/RouterPlatform/SharedTable/TableFixture.h>
 #include <tests/RouterPlatform/Trace/TraceCapture.h>
 
+#include <atomic>
 #include <cstddef>
 #include <set>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -147,6 +149,40 @@ TEST_F(DamagedTable, AnIndexWithoutAnEndHoldsNobodyUp) {
   SharedTable::WalkResult const walked = reader_.forEach([](Row const&) {});
   EXPECT_EQ(walked.rows, 0u);
   EXPECT_EQ(walked.corrupt, 1u);
+}
+
+TEST_F(DamagedTable, AnIndexWhoseEmptyBucketsComeAndGoIsNotTakenForOneWithoutAnEnd) {
+  // What a busy writer may make of the smallest index, only faster: one bucket is empty, and each change makes it
+  // another one, so that a look at all of them often meets none.
+  std::byte* const base = writer_.core().memory().base();
+  auto const bucket = [&](U64 number) -> std::atomic<U64>& {
+    return *reinterpret_cast<std::atomic<U64>*>(base + geometry().bucketOffset(0, number));
+  };
+  auto& changeCount = reinterpret_cast<LiveState*>(base + SharedTable::liveStateOffset)->changeCount;
+  U64 const tombstone = BucketWord::of(BucketWord::tombstoneSlot, 0, 1).bits;
+  for (U64 number = 1; number < 16; ++number) bucket(number) = tombstone;
+  bucket(0) = 0;
+  std::atomic<bool> stop{false};
+  std::thread mover([&] {
+    U64 empty = 0;
+    for (U64 random = 1; !stop;) {
+      random = random * 6364136223846793005U + 1442695040888963407U;
+      U64 const next = random >> 60;
+      if (next == empty) continue;
+      bucket(next).store(0, std::memory_order_release);
+      bucket(empty).store(tombstone, std::memory_order_release);
+      changeCount.fetch_add(1, std::memory_order_release);
+      empty = next;
+    }
+  });
+  U64 damaged = 0;
+  for (U64 i = 0; i < 20000; ++i) {
+    damaged += reader_.row(Key::of(i % 6)).status == LookupStatus::corrupt;
+    damaged += reader_.forEach([](Row const&) {}).corrupt;
+  }
+  stop = true;
+  mover.join();
+  EXPECT_EQ(damaged, 0u);
 }
 
 TEST_F(DamagedTable, ALookupOfTheWriterTellsTheHandlerAndFindsNothing) {
