@@ -67,8 +67,6 @@ ParseError::ParseError(String attribute, std::size_t offset, String expected)
       offset_(offset),
       expected_(std::move(expected)) {}
 
-String valueToStrep(bool value) { return value ? "True" : "False"; }
-
 String valueToStrep(U64 value) { return std::to_string(value); }
 
 String valueToStrep(double value) {

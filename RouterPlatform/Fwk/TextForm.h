@@ -40,7 +40,11 @@ class ROUTER_PLATFORM_EXPORT ParseError : public std::runtime_error {
   String expected_;
 };
 
-ROUTER_PLATFORM_EXPORT String valueToStrep(bool value);
+/// Of a bool alone: a literal text, which would become one, is a text.
+template <std::same_as<bool> T>
+String valueToStrep(T value) {
+  return value ? "True" : "False";
+}
 ROUTER_PLATFORM_EXPORT String valueToStrep(U64 value);
 ROUTER_PLATFORM_EXPORT String valueToStrep(double value);
 ROUTER_PLATFORM_EXPORT String valueToStrep(String const& value);

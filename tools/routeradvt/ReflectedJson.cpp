@@ -2,6 +2,8 @@
 #include <RouterPlatform/Fwk/Entity.h>
 #include <tools/routeradvt/ReflectedJson.h>
 
+#include <cstdlib>
+
 namespace Tool {
 
 namespace {
@@ -22,7 +24,7 @@ Json valueJson(AttributeRecord const& attr, void const* object) {
     case Fwk::ValueKind::integer:
       return std::stoull(text);
     case Fwk::ValueKind::floating:
-      return std::stod(text);
+      return std::strtod(text.c_str(), nullptr);  // std::stod throws at a number next to 0
     default:
       return text;
   }
