@@ -11,7 +11,9 @@ void Notifiee::unregister() noexcept {
 }
 
 void Notifiee::onZeroReferences() noexcept {
-  if (releaseLastReference()) delete this;
+  if (!releaseLastReference()) return;
+  unregister();  // before the end, during which the entity may change and must not call it again
+  delete this;
 }
 
 // A walk stands on the stack and enters itself into the list for as long as it lives; g++ 12 sees only the former.

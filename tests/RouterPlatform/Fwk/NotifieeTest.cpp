@@ -24,7 +24,10 @@ class Observer final : public Notifiee {
   Observer(std::string name, std::vector<std::string>& calls) : name_(std::move(name)), calls_(calls) {
     hasNotificationActiveIs(true);
   }
-  ~Observer() override { calls_.push_back("~" + name_); }
+  ~Observer() override {
+    calls_.push_back("~" + name_);
+    if (atEnd) atEnd();
+  }
   void handleNotification(Notification const& notification) override {
     calls_.push_back(name_);
     if (then) then(notification);
@@ -35,6 +38,7 @@ class Observer final : public Notifiee {
   }
   std::function<void(Notification const&)> then;
   std::function<void(Fwk::Entity&)> atZero;
+  std::function<void()> atEnd;
 
  private:
   std::string name_;
@@ -193,6 +197,19 @@ TEST_F(NotifieeOfBox, MayDropItselfWhileItIsCalled) {
   };
   EXPECT_THAT(change(), ElementsAre("a", "b", "still there", "~b", "c"));
   EXPECT_THAT(change(), ElementsAre("a", "c"));
+}
+
+TEST_F(NotifieeOfBox, MayChangeTheEntityWhileItEnds) {
+  b_->atEnd = [this] { box_->flagIs(!box_->flag()); };
+  calls_.clear();
+  b_ = nullptr;
+  EXPECT_THAT(calls_, ElementsAre("~b", "a", "c"));
+}
+
+TEST_F(NotifieeOfBox, MayChangeTheEntityWhileItEndsInsideANotification) {
+  b_->atEnd = [this] { box_->flagIs(!box_->flag()); };
+  b_->then = [this](Notification const&) { b_ = nullptr; };
+  EXPECT_THAT(change(), ElementsAre("a", "b", "~b", "a", "c", "c"));
 }
 
 TEST_F(NotifieeOfBox, LeavesTheListWhenItEnds) {
