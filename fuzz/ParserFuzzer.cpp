@@ -67,11 +67,11 @@ RaPacket expectedRecord(Message const& message) {
     U8 const type = message.octet(at);
     U8 const length = message.octet(at + 1);
     if (length == 0) return RaPacket();
-    if ((type == 5 && at + 8 > message.size()) || (type == 3 && at + 32 > message.size())) break;
-    if (type == 5) {
+    // One whose fields are not all there gives nothing.
+    if (type == 5 && at + 8 <= message.size()) {
       packet.mtuSpecifiedIs(true);
       packet.mtuIs(message.number(at + 4, 4));
-    } else if (type == 3) {
+    } else if (type == 3 && at + 32 <= message.size()) {
       takePrefix(message, at, packet);
     }
     at = (at + std::size_t{8} * length) % 65536;

@@ -63,13 +63,9 @@ bool readOptions(Octets message, RaPacket& packet) {
   for (OptionReader reader(message); reader.next();) {
     if (reader.length() == 0) return false;
     if (reader.type() == Icmp6HdrPrefixInfoOption::typeValue) {
-      auto const* const option = reader.as<Icmp6HdrPrefixInfoOption>();
-      if (!option) break;
-      takePrefix(*option, packet);
+      if (auto const* const option = reader.as<Icmp6HdrPrefixInfoOption>()) takePrefix(*option, packet);
     } else if (reader.type() == Icmp6HdrMtuOption::typeValue) {
-      auto const* const option = reader.as<Icmp6HdrMtuOption>();
-      if (!option) break;
-      takeMtu(*option, packet);
+      if (auto const* const option = reader.as<Icmp6HdrMtuOption>()) takeMtu(*option, packet);
     }
   }
   return true;

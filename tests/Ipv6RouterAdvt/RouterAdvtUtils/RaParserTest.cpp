@@ -357,10 +357,51 @@ TEST(RaParser, TakesNothingOfAPrefixOptionCutAnywhere) {
         << lack;
 }
 
-TEST(RaParser, TakesNothingBehindAPrefixOptionThatIsCutDespiteAShorterLength) {
-  Octets const cut{3, 1, 64, 0xc0, 0, 0, 0, 9};
-  EXPECT_EQ(parsed(raHeader + cut + mtuOption(1400)), parsed(raHeader));
+/// A Prefix Information option of that length, and no octet more: the rest of its fields is what follows.
+Octets shortPrefixOption(U8 length) {
+  Octets option = prefixOption({.length = length});
+  option.resize(std::size_t{8} * length);
+  return option;
 }
+
+/// The first `size` octets.
+Octets firstOf(std::size_t size, Octets octets) {
+  octets.resize(size);
+  return octets;
+}
+
+/// The option without type and length.
+Octets bodyOf(Octets const& option) { return {option.begin() + 2, option.end()}; }
+
+struct CutRow {
+  char const* name;
+  Octets options;     ///< with a Prefix Information option whose fields pass the end, and whose length does not
+  Octets asIfItWere;  ///< the options that give the same
+  friend void PrintTo(CutRow const& r, std::ostream* os) { *os << r.name; }
+};
+CutRow const cutRows[] = {
+    {"OfLength1AtTheEnd", shortPrefixOption(1), {}},
+    {"OfLength2AtTheEnd", shortPrefixOption(2), {}},
+    {"OfLength3AtTheEnd", shortPrefixOption(3), {}},
+    {"OfLength1BeforeAnMtu", shortPrefixOption(1) + mtuOption(1400), mtuOption(1400)},
+    {"OfLength2BeforeAnMtu", shortPrefixOption(2) + mtuOption(1400), mtuOption(1400)},
+    {"OfLength3BeforeAnOtherOption", shortPrefixOption(3) + Octets{1, 1, 0, 0, 0, 0, 0}, {}},
+    {"OneOctetBeforeItsFieldsEnd", firstOf(31, shortPrefixOption(1) + times(3, mtuOption(1400))), mtuOption(1400)},
+    {"TwiceBeforeAnMtu", times(2, shortPrefixOption(1)) + mtuOption(1400), mtuOption(1400)},
+    // Those at 0 and 16 have all their fields, of which the last is what follows; those at 32 and 48 have not.
+    {"SixtyThreeOctetsOfLength2", firstOf(63, times(4, shortPrefixOption(2))),
+     Octets{3, 4} + bodyOf(shortPrefixOption(2)) + shortPrefixOption(2)},
+    {"SixtyThreeOctetsOfLength2AndAnMtu", firstOf(63, times(3, shortPrefixOption(2)) + times(2, mtuOption(1400))),
+     Octets{3, 4} + bodyOf(shortPrefixOption(2)) + shortPrefixOption(2) + mtuOption(1400)},
+    {"SixtyThreeOctetsOfLength3", firstOf(63, times(3, shortPrefixOption(3))),
+     Octets{3, 4} + bodyOf(shortPrefixOption(3)) + firstOf(8, shortPrefixOption(3))},
+};
+class RaParserCutPrefix : public testing::TestWithParam<CutRow> {};
+TEST_P(RaParserCutPrefix, GivesNothingAndIsSkippedByItsLength) {
+  EXPECT_EQ(parsed(raHeader + GetParam().options), parsed(raHeader + GetParam().asIfItWere));
+}
+INSTANTIATE_TEST_SUITE_P(Rows, RaParserCutPrefix, testing::ValuesIn(cutRows),
+                         [](auto const& row) { return row.param.name; });
 
 TEST(RaParser, TakesNoOctetsBehindTheMessage) {
   // The packet goes on behind the message; the message is what counts.
@@ -397,6 +438,10 @@ ZeroRow const zeroRows[] = {
     {"BehindOthers", mtuOption(1400) + prefixOption() + otherOption(25, 3) + otherOption(31, 0)},
     {"BetweenOthers", mtuOption(1400) + otherOption(1, 0) + prefixOption()},
     {"PaddingOfZeros", mtuOption(1400) + Octets(6, 0)},
+    {"BehindACutPrefixOfLength1", shortPrefixOption(1) + otherOption(1, 0)},
+    {"BehindACutPrefixOfLength2", shortPrefixOption(2) + otherOption(1, 0)},
+    {"BehindACutPrefixOfLength3", shortPrefixOption(3) + Octets{1, 0}},
+    {"BehindACutPrefixAndAnMtu", shortPrefixOption(1) + mtuOption(1400) + Octets{5, 0}},
 };
 class RaParserLengthZero : public testing::TestWithParam<ZeroRow> {};
 TEST_P(RaParserLengthZero, RejectsTheMessage) { EXPECT_TRUE(isRejected(parsed(raHeader + GetParam().options))); }
