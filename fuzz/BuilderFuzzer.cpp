@@ -185,7 +185,7 @@ void check(Advert const& advert, Pkt& pkt) {
 
 }  // namespace
 
-std::size_t const fuzzGeneratedInputs = 20'000;
+std::size_t const fuzzGeneratedInputs = 100'000;
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   Choices choices({data, size});

@@ -58,7 +58,7 @@ void copyConfiguredPrefixesToRaMsgBuf(U8* buf, U64& msgLen, U64 pktBufSize, Intf
   for (PrefixConfigEntry const& entry : intfConfig.prefixes().frozen()) {
     if (entry.noAdvertise()) continue;
     if (!prefixFits(msgLen, pktBufSize)) return;
-    UTILS_TRACE(8, "Copy prefix: ", entry.prefix(), " to MsgBuf");
+    UTILS_TRACE(8, "Copy prefix: ", entry.key(), " to MsgBuf");
     copyPrefix(buf, msgLen, entry.key(), PrefixParameters(entry));
   }
 }

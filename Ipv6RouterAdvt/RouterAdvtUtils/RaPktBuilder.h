@@ -10,16 +10,15 @@ namespace RouterAdvt {
 /// Builds one Router Advertisement (RFC 4861 4.2) for one interface: an Ethernet frame with its IPv6 and ICMPv6 headers
 /// and options, checksum filled in. The caller owns the packet, whose data is exactly the frame.
 ///
-/// - `srcAddr`, `dstAddr`, `srcMac`, `dstMac`: copied as they are; `srcMac` is the source link-layer address option
-/// too.
+/// - `srcAddr`, `dstAddr`, `srcMac`, `dstMac`: copied as they are; `srcMac` is the source link-layer address
+///   option too.
 /// - `ip6IntfStatusPtr`: gives the Retrans Timer, and the prefixes where none is configured to be advertised.
 /// - `intfRouterAdvtConfigPtr`: what to advertise, as stored; profiles are not applied. Its preference must not be
 ///   `reserved_`: a programming error, which stops the process.
 /// - `advertiseLifetime`: false makes the Router Lifetime 0.
-/// - `mtu`: the link MTU, octets, sent in the MTU option. The frame has at most this size, and at most 1536 octets;
-/// only
-///   the end of a DNS search list may lie up to 9 octets behind that. Below 86, the size of the fixed part: a
-///   programming error.
+/// - `mtu`: the link MTU, octets, sent in the MTU option. The frame has at most this size, and at most 1536
+///   octets; only the end of a DNS search list may lie up to 9 octets behind that. Below 86, the size of the fixed
+///   part: a programming error.
 /// - `useVirtualRouter`: advertise for `virtualRouterStatus`: its prefixes; null: no prefixes, and Router Lifetime 0.
 /// - `intfId`: not used.
 /// - `deathPacket`: the final advertisement: Router Lifetime 0. RFC 4861 6.2.5.

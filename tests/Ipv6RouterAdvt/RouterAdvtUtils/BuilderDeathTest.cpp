@@ -9,7 +9,8 @@ using namespace AdvertTest;
 
 /// The line that an assertion leaves, as a regular expression; `text` is one already.
 std::string assertion(char const* function, char const* text) {
-  return std::string("Ipv6RouterAdvt/RouterAdvtUtils:[0-9]+: ") + function + ": assertion \"" + text + "\" failed\n$";
+  return std::string("Ipv6RouterAdvt/RouterAdvtUtils:[1-9][0-9]*: ") + function + ": assertion \"" + text +
+         "\" failed\n$";
 }
 /// The same, and nothing before it.
 std::string onlyAssertion(char const* function, char const* text) { return '^' + assertion(function, text); }
@@ -80,7 +81,8 @@ TEST(BuilderDeathTest, ThatNoPacketIsToBeHadIsSaidFirst) {
         Trace::levelsIs("RouterAdvtUtils/*");
         advert.pkt();
       },
-      "^RouterAdvtUtils/2 Ipv6RouterAdvt/RouterAdvtUtils:[0-9]+: makeIp6RaPkt: Failed to allocate new packet object\n" +
+      "^RouterAdvtUtils/2 Ipv6RouterAdvt/RouterAdvtUtils:[1-9][0-9]*: makeIp6RaPkt: Failed to allocate new packet "
+      "object\n" +
           assertion("makeIp6RaPkt", "pkt"));
 }
 

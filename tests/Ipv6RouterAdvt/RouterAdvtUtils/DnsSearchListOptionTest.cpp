@@ -369,7 +369,7 @@ TEST(DnsSearchListOption, AGroupThatDoesNotFitIsTriedAgainForEachOfItsSuffixesAn
                           "After DNS Suffix Search List option: 102", "After Network Boot option: 102"));
 }
 
-TEST(DnsSearchListOption, AGroupThatFailsOnceMaySucceedForNobodyLater) {
+TEST(DnsSearchListOption, AGroupThatDidNotFitIsNotMarkedVisited) {
   Advert advert;
   advert.mtu = 86;
   advert.suffix("a", 300);

@@ -1,5 +1,6 @@
 #include <RouterPlatform/Packet/PktManager.h>
 #include <tests/Ipv6RouterAdvt/Support/Advert.h>
+#include <tests/RouterPlatform/Trace/TraceCapture.h>
 
 #include <gmock/gmock.h>
 
@@ -243,6 +244,18 @@ TEST(RaPktBuilder, Mtu9000IsSaidInTheOptionButTheFrameHasAtMost1536Octets) {
   EXPECT_THAT(advert.options(5), ElementsAre("0501000000002328"));
   EXPECT_EQ(advert.options(3).size(), 45U);  // (1536 - 86) / 32
   EXPECT_EQ(advert.frame().size(), 86U + 45 * 32);
+}
+
+TEST(RaPktBuilder, PrefixesThatTheFrameHasNoRoomForAreToldOnce) {
+  Advert advert;
+  advert.mtu = 9000;
+  for (int i = 0; i < 100; ++i) advert.prefix("2001:db8:" + std::to_string(i) + "::/64");
+  Trace::Capture capture("RouterAdvtUtils", "3");
+  advert.pkt();
+  std::vector<std::string> leftOut;
+  for (std::string const& text : capture.texts(3))
+    if (text.starts_with("Could not copy ")) leftOut.push_back(text);
+  EXPECT_THAT(leftOut, ElementsAre("Could not copy prefix as msgLen ( 1526 ) > pktBufSize > ( 1536)"));
 }
 
 TEST(RaPktBuilder, OptionsOfWholeUnitsFillAtMost1534Octets) {
