@@ -5,6 +5,8 @@
 #include <RouterPlatform/Trace/Assert.h>
 #include <RouterPlatform/Trace/Trace.h>
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <new>
@@ -35,11 +37,6 @@ std::shared_ptr<WriterCore> privateCore(RowType const& type, Capacity capacity, 
   return core;
 }
 
-template <class Callback, class... Args>
-void callIfSet(Callback const& callback, Args... args) {
-  if (callback) callback(args...);
-}
-
 }  // namespace
 
 static constexpr std::string_view mountStatusTexts[] = {"unmounted", "mounted", "failed"};
@@ -53,17 +50,45 @@ bool parseText(std::string_view text, MountStatus& status) noexcept {
   return true;
 }
 
+/// Tells the owner what a mounting or unmounting has made of the table. Each callback may mount, unmount or end the
+/// writer: what is left to be told is true no more then.
+class WriterBase::Telling {
+ public:
+  explicit Telling(WriterBase& writer) noexcept
+      : callbacks_(writer.callbacks_), mountings_(writer.mountings_), mounting_(++*mountings_) {}
+
+  void mountStatus() const { tell(callbacks_->mountStatus); }
+  void quiesced(bool quiesced) const { tell(callbacks_->quiesced, quiesced); }
+  void rowsChanged(LostRows const& rows) const {
+    for (auto const& row : rows) tell(callbacks_->rowChanged, row.data());
+  }
+
+ private:
+  template <class Callback, class... Args>
+  void tell(Callback const& callback, Args... args) const {
+    if (callback && *mountings_ == mounting_) callback(args...);
+  }
+
+  std::shared_ptr<BaseCallbacks const> const callbacks_;
+  std::shared_ptr<U64> const mountings_;
+  U64 const mounting_;
+};
+
 WriterBase::WriterBase(RowType const& type, std::string collection, WriterOptions const& options)
     : type_(type),
       collection_(std::move(collection)),
       options_(options),
+      callbacks_(std::make_shared<BaseCallbacks>()),
+      mountings_(std::make_shared<U64>(0)),
       core_(privateCore(type, options.capacity, options.capacity.initialRows)) {}
 
 WriterBase::~WriterBase() {
-  if (mountStatus_ != MountStatus::mounted) return;
-  // The name goes first: a reader that hears of the end must not find the same file again.
-  publication_->withdraw(core_->memory());
-  core_->retire();
+  *mountings_ += 1;
+  if (mountStatus_ == MountStatus::mounted) leaveFile();
+}
+
+void WriterBase::callbacksAre(BaseCallbacks callbacks) {
+  callbacks_ = std::make_shared<BaseCallbacks>(std::move(callbacks));
 }
 
 U32 WriterBase::count() const noexcept { return core_->count(); }
@@ -72,11 +97,14 @@ U64 WriterBase::changeCount() const noexcept { return core_->changeCount(); }
 
 Error WriterBase::mountPathIs(std::string_view path) {
   if (path.empty()) return mountPathDel();
-  if (mountStatus_ == MountStatus::mounted) {
-    if (path == mountPath_) return {};
-    if (Error error = unmount()) return error;
-  }
-  return mount(path);
+  if (mountStatus_ != MountStatus::mounted) return mount(path);
+  if (path == mountPath_) return {};
+  std::string const wanted(path);
+  auto const mountings = mountings_;
+  U64 const unmounting = *mountings + 1;
+  if (Error error = unmount()) return error;
+  if (*mountings != unmounting) return {};  // a callback has decided otherwise, or ended this
+  return mount(wanted);
 }
 
 Error WriterBase::mountPathDel() {
@@ -85,13 +113,13 @@ Error WriterBase::mountPathDel() {
   if (mountStatus_ == MountStatus::failed) {
     mountStatus_ = MountStatus::unmounted;
     mountError_ = {};
-    callIfSet(callbacks_.mountStatus);
+    Telling(*this).mountStatus();
   }
   return {};
 }
 
 /// Copies the rows into `next` and makes it the table. `lostRows` are those that cannot be trusted any more.
-Error WriterBase::moveRows(WriterCore& next, std::vector<std::vector<U64>>& lostRows) {
+Error WriterBase::moveRows(WriterCore& next, LostRows& lostRows) {
   auto const lost = [&](Corruption const& corruption, void const* row) {
     reportCorruption(corruption, "moving the rows");
     if (!row) return;
@@ -107,7 +135,7 @@ Error WriterBase::moveRows(WriterCore& next, std::vector<std::vector<U64>>& lost
 Error WriterBase::mount(std::string_view path) {
   auto place = std::make_unique<Publication>();
   auto next = std::make_shared<WriterCore>(type_, options_.capacity);
-  std::vector<std::vector<U64>> lostRows;
+  LostRows lostRows;
   Memory memory;
   Error error = place->claim(FileIo::directoryOr(options_.directory), path, collection_);
   if (!error) error = place->createFile(next->memorySize(), memory);
@@ -125,46 +153,61 @@ Error WriterBase::mount(std::string_view path) {
     ++counters().mountFailed;
     TRACE(traceHandle, 2, "Could not mount ", path, "/", collection_, ": ", error.code, ": ", error.text);
     mountStatus_ = MountStatus::failed;
-    callIfSet(callbacks_.mountStatus);
+    Telling(*this).mountStatus();
     return error;
   }
   core_ = std::move(next);
   publication_ = std::move(place);
   mountStatus_ = MountStatus::mounted;
-  callIfSet(callbacks_.quiesced, false);
-  callIfSet(callbacks_.mountStatus);
-  rowsMoved(lostRows);
+  mountedBy_ = getpid();
+  Telling const telling(*this);
+  telling.quiesced(false);
+  telling.mountStatus();
+  telling.rowsChanged(lostRows);
   return {};
 }
 
 Error WriterBase::unmount() {
-  std::vector<std::vector<U64>> lostRows;
+  LostRows lostRows;
   auto next = privateCore(type_, options_.capacity, std::max(core_->count(), options_.capacity.initialRows));
   if (Error error = moveRows(*next, lostRows)) return error;
-  publication_->withdraw(core_->memory());
-  core_->retire();
+  leaveFile();
   core_ = std::move(next);
   publication_.reset();
   mountPath_.clear();
   mountStatus_ = MountStatus::unmounted;
-  rowsMoved(lostRows);
-  callIfSet(callbacks_.mountStatus);
-  // Nothing of this object after this call, which may have ended it.
-  auto const quiesced = callbacks_.quiesced;
-  callIfSet(quiesced, true);
+  Telling const telling(*this);
+  telling.rowsChanged(lostRows);
+  telling.mountStatus();
+  telling.quiesced(true);
   return {};
 }
 
-void WriterBase::rowsMoved(std::vector<std::vector<U64>> const& lostRows) {
-  for (auto const& row : lostRows) callIfSet(callbacks_.rowChanged, row.data());
+void WriterBase::close() noexcept {
+  if (mountStatus_ != MountStatus::mounted) return;
+  leaveFile();
+  publication_.reset();
+  mountPath_.clear();
+  mountStatus_ = MountStatus::unmounted;
+  Telling const telling(*this);
+  telling.mountStatus();
+  telling.quiesced(true);
+}
+
+/// A forked child has the same file mapped, which is its parent's.
+void WriterBase::leaveFile() noexcept {
+  if (getpid() != mountedBy_) return;
+  // The name goes first: a reader that hears of the end must not find the same file again.
+  publication_->withdraw(core_->memory());
+  core_->retire();
 }
 
 void WriterBase::reportCorruption(Corruption const& corruption, std::string_view during) const {
   ++counters().corrupt;
   std::string message;
   Trace::appendTexts(message, "Table ", mountPath_, "/", collection_, ": ", corruption, " while ", during);
-  if (corruptionHandler_)
-    corruptionHandler_(message);
+  if (CorruptionHandler const handler = corruptionHandler_)  // which may set another one
+    handler(message);
   else
     TRACE(traceHandle, 1, message);
 }

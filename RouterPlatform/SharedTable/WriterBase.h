@@ -34,6 +34,9 @@ struct WriterOptions {
 };
 
 /// The part of a `Writer` that knows no row type: mounting, callbacks, what happens on damage.
+///
+/// A forked child may end its copy of a mounted writer or unmount it, which leaves the file to the parent; it must not
+/// change rows before.
 class ROUTER_PLATFORM_EXPORT WriterBase {
  public:
   WriterBase(WriterBase const&) = delete;
@@ -47,12 +50,18 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
 
   /// Publishes the rows under `path` in the table directory; the empty path unmounts. A mounted table moves: it is
   /// unmounted first. On an error the rows stay in the process, everything goes on working, and the status is
-  /// `failed`. Calls `mountStatus` and `quiesced`; counts "sharedTableMountFailed".
+  /// `failed`. Calls `quiesced` and `mountStatus`; counts "sharedTableMountFailed". Each callback may mount, unmount or
+  /// end the writer: then nothing else is told, nor mounted.
   Error mountPathIs(std::string_view path);
 
-  /// Retires the file, wakes its readers, removes its name, and keeps the rows in the process. A callback may end the
-  /// writer.
+  /// Removes the file's name, retires it, wakes its readers, and keeps the rows in the process. Calls `mountStatus` and
+  /// `quiesced`, each of which may end the writer. Throws `std::bad_alloc` when there is no memory for the rows; the
+  /// table stays mounted then.
   Error mountPathDel();
+
+  /// The same at the writer's end, for the destructor of its owner: the rows are not moved, so that nothing can fail,
+  /// and are not to be used any more. Callbacks must not throw.
+  void close() noexcept;
 
   /// Rows now.
   U32 count() const noexcept;
@@ -79,7 +88,7 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
   /// Unmounts; calls nobody.
   ~WriterBase();
 
-  void callbacksAre(BaseCallbacks callbacks) { callbacks_ = std::move(callbacks); }
+  void callbacksAre(BaseCallbacks callbacks);
   WriteStatus write(void const* row);
   bool remove(void const* key, void* removed);
   bool lookup(void const* key, void* row) const;
@@ -88,10 +97,14 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
   WalkResult walk(View::Visitor const& visit) const;
 
  private:
+  class Telling;
+  /// Rows that were found damaged when the rows moved.
+  using LostRows = std::vector<std::vector<U64>>;
+
   Error mount(std::string_view path);
   Error unmount();
-  void rowsMoved(std::vector<std::vector<U64>> const& lostRows);
-  Error moveRows(WriterCore& next, std::vector<std::vector<U64>>& lostRows);
+  void leaveFile() noexcept;
+  Error moveRows(WriterCore& next, LostRows& lostRows);
   void reportCorruption(Corruption const& corruption, std::string_view during) const;
   WriteStatus finishWrite(WriteStatus status, Corruption const& corruption);
 
@@ -101,7 +114,9 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
   std::string mountPath_;
   MountStatus mountStatus_ = MountStatus::unmounted;
   Error mountError_;
-  BaseCallbacks callbacks_;
+  std::shared_ptr<BaseCallbacks const> callbacks_;  // kept by whoever calls them: a callback may set others
+  std::shared_ptr<U64> const mountings_;  // and unmountings, and the end; outlives the writer in what it tells
+  pid_t mountedBy_ = 0;
   CorruptionHandler corruptionHandler_;
   std::unique_ptr<Publication> publication_;  // before the core: the file's lock goes before the place's
   std::shared_ptr<WriterCore> core_;          // shared with the walks that are under way

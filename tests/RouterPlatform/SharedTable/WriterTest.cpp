@@ -2,6 +2,8 @@
 #include <tests/RouterPlatform/SharedTable/TableFixture.h>
 #include <tests/RouterPlatform/Trace/TraceCapture.h>
 
+#include <sys/wait.h>
+
 #include <cstddef>
 #include <map>
 #include <memory>
@@ -269,6 +271,132 @@ TEST_F(WriterMounting, TheLastCallbackMayEndTheWriter) {
                         }});
   EXPECT_FALSE(writer->mountPathDel());
   EXPECT_EQ(writer, nullptr);
+}
+
+TEST_F(WriterMounting, ACallbackThatEndsTheWriterWhileItMovesIsTheEnd) {
+  auto writer = std::make_unique<Writer>(collection, writerOptions());
+  ASSERT_FALSE(writer->mountPathIs(mountPath));
+  writer->callbacksAre({nullptr, nullptr, [&](bool quiesced) {
+                          if (quiesced) writer.reset();
+                        }});
+  EXPECT_FALSE(writer->mountPathIs("elsewhere"));
+  EXPECT_EQ(writer, nullptr);
+  EXPECT_FALSE(std::filesystem::exists(directory_ + "/elsewhere/row.tbl"));
+}
+
+TEST_F(WriterMounting, AnyCallbackMayEndTheWriterAndSetOthers) {
+  auto writer = std::make_unique<Writer>(collection, writerOptions());
+  ASSERT_FALSE(writer->mountPathIs(mountPath));
+  bool quiesced = false;
+  writer->callbacksAre({nullptr,
+                        [&] {
+                          writer->callbacksAre({});
+                          writer.reset();
+                        },
+                        [&](bool) { quiesced = true; }});
+  EXPECT_FALSE(writer->mountPathDel());
+  EXPECT_EQ(writer, nullptr);
+  EXPECT_FALSE(quiesced) << "there is nobody any more of whom that could be said";
+}
+
+TEST_F(WriterMounting, WhatACallbackMadeUntrueIsNotTold) {
+  Writer writer(collection, writerOptions());
+  std::vector<std::string> heard;
+  writer.callbacksAre({nullptr,
+                       [&] {
+                         heard.push_back(writer.mountStatus() == MountStatus::mounted ? "mounted" : "not mounted");
+                         if (heard.back() == "not mounted") {
+                           EXPECT_FALSE(writer.mountPathIs("elsewhere"));
+                         }
+                       },
+                       [&](bool quiesced) { heard.push_back(quiesced ? "quiesced" : "active"); }});
+  ASSERT_FALSE(writer.mountPathIs(mountPath));
+  ASSERT_FALSE(writer.mountPathDel());
+  EXPECT_THAT(heard, ElementsAre("active", "mounted", "not mounted", "active", "mounted"));
+  EXPECT_EQ(writer.mountPath(), "elsewhere");
+  ASSERT_FALSE(writer.mountPathIs("a/third")) << "the callback has the last word here as well";
+  EXPECT_EQ(writer.mountPath(), "elsewhere");
+}
+
+TEST_F(WriterMounting, ClosingRetiresTheFileAndTellsTheOwner) {
+  Writer writer(collection, writerOptions());
+  writer.rowIs(Row(1, 1));
+  ASSERT_FALSE(writer.mountPathIs(mountPath));
+  Reader reader(mountPath, collection, readerOptions());
+  ASSERT_FALSE(reader.attach());
+  std::vector<std::string> heard;
+  writer.callbacksAre({nullptr,
+                       [&] { heard.push_back(writer.mountStatus() == MountStatus::unmounted ? "unmounted" : "?"); },
+                       [&](bool quiesced) { heard.push_back(quiesced ? "quiesced" : "active"); }});
+  writer.close();
+  writer.close();
+  EXPECT_THAT(heard, ElementsAre("unmounted", "quiesced"));
+  EXPECT_FALSE(std::filesystem::exists(path()));
+  EXPECT_NE(reader.writer().retiredTime, 0u);
+  EXPECT_EQ(reader.row(Key::of(1)).row, Row(1, 1));
+  Writer next(collection, writerOptions());
+  EXPECT_FALSE(next.mountPathIs(mountPath)) << "the place is free";
+}
+
+/// A child that was forked has everything that its parent has, but the table is the parent's.
+class ForkedWriter : public Tables {
+ protected:
+  ForkedWriter() : writer_(std::make_unique<Writer>(collection, writerOptions())) {
+    writer_->rowIs(Row(1, 1));
+    EXPECT_FALSE(writer_->mountPathIs(mountPath));
+  }
+
+  /// Exit status of a child that runs `body`.
+  template <class Body>
+  static int inChild(Body const& body) {
+    pid_t const child = fork();
+    if (child == 0) _exit(body());
+    int status = 0;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+
+  void expectTheParentsTableToStand() {
+    Reader reader(mountPath, collection, readerOptions());
+    ASSERT_FALSE(reader.attach());
+    EXPECT_TRUE(reader.writer().alive);
+    EXPECT_EQ(reader.writer().retiredTime, 0u);
+    writer_->rowIs(Row(1, 2));
+    EXPECT_EQ(reader.row(Key::of(1)).row, Row(1, 2));
+    EXPECT_EQ(reader.count(), 1u);
+  }
+
+  std::unique_ptr<Writer> writer_;
+};
+
+TEST_F(ForkedWriter, EndsWithoutTouchingTheTable) {
+  EXPECT_EQ(inChild([&] {
+              writer_.reset();
+              return 0;
+            }),
+            0);
+  expectTheParentsTableToStand();
+}
+
+TEST_F(ForkedWriter, ClosesWithoutTouchingTheTable) {
+  EXPECT_EQ(inChild([&] {
+              writer_->close();
+              return 0;
+            }),
+            0);
+  expectTheParentsTableToStand();
+}
+
+TEST_F(ForkedWriter, UnmountsToRowsOfItsOwnAndIsASecondWriterThen) {
+  EXPECT_EQ(inChild([&] {
+              if (writer_->mountPathDel()) return 1;
+              if (writer_->row(Key::of(1)) != Row(1, 1)) return 2;
+              if (writer_->rowIs(Row(2, 1)) != WriteStatus::ok) return 3;
+              if (writer_->mountPathIs(mountPath).code != Errc::secondWriter) return 4;
+              return 0;
+            }),
+            0);
+  expectTheParentsTableToStand();
 }
 
 TEST_F(WriterMounting, ASecondWriterIsRefusedAndTouchesNothing) {
