@@ -34,23 +34,43 @@ RouterNeighborRaStatus::RouterNeighborRaStatus(Name name)
   zeroReferences_->hasNotificationActiveIs(true);
   notifieeList().add(*zeroReferences_);
   control_ = Fwk::create<SharedTable::CollectionControl>();
-  bindTable();
+  bindTable(control_);
 }
 
 /// The table keeps the control it was bound to: that one decides about the entity's end, and it must hear of the
 /// unmounting when the entity refers to it no more.
-void RouterNeighborRaStatus::bindTable() {
-  auto const control = control_;
+void RouterNeighborRaStatus::bindTable(Ptr<SharedTable::CollectionControl> const& control) {
+  tableControl_ = control;
   table_.callbacksAre({[this](RouterNeighborRaKey const& key) { routerNeighborRaNotify(key); },
                        [this, control] { control->mountStatusIs(table_.mountStatus()); },
                        [control](bool quiesced) { control->quiescedIs(quiesced); }});
+}
+
+void RouterNeighborRaStatus::routerNeighborRaControlIs(Ptr<SharedTable::CollectionControl> const& control) {
+  Ptr<RouterNeighborRaStatus> const alive(this);  // the former control may have been what kept it
+  if (control && control != tableControl_) {
+    handTableOverTo(control);
+    if (control != tableControl_) return;  // an observer has set yet another one
+  }
+  attrIs(control_, control, routerNeighborRaControlAttr);
+}
+
+/// Each step tells observers, which may set another control: what is left of these steps is that one's then.
+void RouterNeighborRaStatus::handTableOverTo(Ptr<SharedTable::CollectionControl> const& control) {
+  Ptr<SharedTable::CollectionControl> const former = tableControl_;
+  bindTable(control);
+  control->quiescedIs(table_.mountStatus() != SharedTable::MountStatus::mounted);
+  if (control == tableControl_) control->mountStatusIs(table_.mountStatus());
+  if (control == tableControl_ && former->keptEntity()) control->entityIs(former->keptEntity());
+  former->mountStatusIs(SharedTable::MountStatus::unmounted);
+  former->quiescedIs(true);
 }
 
 /// Mounted it can only end when its control was taken away; the control it was bound to is told all the same.
 RouterNeighborRaStatus::~RouterNeighborRaStatus() {
   notifieeList().clear();
   control_ = nullptr;
-  if (table_.mountStatus() == SharedTable::MountStatus::mounted) (void)table_.mountPathDel();
+  table_.close();
 }
 
 RouterNeighborRa RouterNeighborRaStatus::routerNeighborRa(RouterNeighborRaKey const& key) const {

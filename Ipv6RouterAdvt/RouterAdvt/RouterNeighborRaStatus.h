@@ -62,9 +62,9 @@ class ROUTER_ADVT_EXPORT RouterNeighborRaStatus final : public Fwk::Entity {
 
   /// What is known of the table's mounting. Null once the last outside reference has gone.
   Ptr<SharedTable::CollectionControl> routerNeighborRaControl() const { return control_; }
-  void routerNeighborRaControlIs(Ptr<SharedTable::CollectionControl> const& control) {
-    attrIs(control_, control, routerNeighborRaControlAttr);
-  }
+  /// Another control hears how the table stands now and all that comes, and keeps alive what the former one kept; that
+  /// one hears that its collection is unmounted and quiesced. With null, the former one goes on to hear of the table.
+  void routerNeighborRaControlIs(Ptr<SharedTable::CollectionControl> const& control);
 
   /// Where the table is mounted, below the table directory.
   static String tablePath() { return routerNeighborRaTablePath; }
@@ -87,11 +87,13 @@ class ROUTER_ADVT_EXPORT RouterNeighborRaStatus final : public Fwk::Entity {
  private:
   friend class RouterNeighborRaStatusZeroReferencesNotifiee;
   ~RouterNeighborRaStatus() override;
-  void bindTable();
+  void bindTable(Ptr<SharedTable::CollectionControl> const& control);
+  void handTableOverTo(Ptr<SharedTable::CollectionControl> const& control);
 
   // In the reverse order of their ends.
   Name name_;
   Ptr<Fwk::Notifiee> zeroReferences_;
+  Ptr<SharedTable::CollectionControl> tableControl_;  ///< whom the table tells: `control_`, or the last that it was
   Writer table_;
   Ptr<SharedTable::CollectionControl> control_;
   Stats::Counter& written_;

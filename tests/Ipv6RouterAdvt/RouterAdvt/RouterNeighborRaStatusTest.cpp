@@ -200,6 +200,37 @@ TEST_F(NeighborTable, ANewControlIsStoredAndNotifiedAndTheSameOneIsNot) {
   EXPECT_THAT(heard.attrs, ElementsAre(259));
 }
 
+TEST_F(NeighborTable, AnotherControlHearsHowTheTableStandsAndWhatBecomesOfIt) {
+  mount();
+  auto const former = status_->routerNeighborRaControl();
+  auto const control = Fwk::create<CollectionControl>();
+  status_->routerNeighborRaControlIs(control);
+  EXPECT_EQ(control->mountStatus(), MountStatus::mounted);
+  EXPECT_FALSE(control->quiesced());
+  EXPECT_EQ(former->mountStatus(), MountStatus::unmounted) << "it is told nothing any more";
+  EXPECT_TRUE(former->quiesced());
+  status_->parentIs(nullptr, 0);
+  EXPECT_EQ(control->mountStatus(), MountStatus::unmounted);
+  EXPECT_TRUE(control->quiesced());
+  mount();
+  EXPECT_EQ(control->mountStatus(), MountStatus::mounted);
+  EXPECT_EQ(former->mountStatus(), MountStatus::unmounted);
+}
+
+TEST_F(NeighborTable, AControlThatReplacesItselfWhileItIsToldLeavesTheLastOneInPlace) {
+  mount();
+  auto const first = Fwk::create<CollectionControl>();
+  first->hasNotificationActiveIs(true);
+  auto const second = Fwk::create<CollectionControl>();
+  auto const subscription =
+      Fwk::observe(*first, [&](Fwk::Notification const&) { status_->routerNeighborRaControlIs(second); });
+  status_->routerNeighborRaControlIs(first);
+  EXPECT_EQ(status_->routerNeighborRaControl(), second);
+  EXPECT_EQ(second->mountStatus(), MountStatus::mounted);
+  EXPECT_EQ(first->mountStatus(), MountStatus::unmounted);
+  EXPECT_TRUE(first->quiesced());
+}
+
 TEST_F(NeighborTable, IsWalkedInAnyState) {
   for (int i = 1; i <= 20; ++i) status_->routerNeighborRaIs(RouterNeighborRa(keyOf(i), i));
   std::set<RouterNeighborRaKey> seen;
@@ -278,16 +309,25 @@ TEST_F(NeighborTable, AFailedMountingLeavesEverythingWorking) {
   first->parentIs(nullptr, 0);
 }
 
-// The end of life.
+// The end of life: whoever drops the last reference, and whenever, there is exactly one destruction.
 
-TEST_F(NeighborTable, UnmountedItEndsWithItsLastReference) {
+/// With the pointers of one thread, and with those of many.
+class NeighborTableEnd : public NeighborTable, public testing::WithParamInterface<bool> {
+ protected:
+  NeighborTableEnd() { Fwk::threadSafePtrModeIs(GetParam()); }
+  ~NeighborTableEnd() override { Fwk::threadSafePtrModeIs(false); }
+};
+INSTANTIATE_TEST_SUITE_P(Pointers, NeighborTableEnd, testing::Bool(),
+                         [](auto const& of) { return of.param ? "ThreadSafe" : "OfOneThread"; });
+
+TEST_P(NeighborTableEnd, UnmountedItEndsWithItsLastReference) {
   EXPECT_EQ(living(), 1);
   status_ = nullptr;
   EXPECT_EQ(living(), 0);
   EXPECT_EQ(controlsLiving(), 0);
 }
 
-TEST_F(NeighborTable, MountedItIsKeptAliveByItsControlUntilItIsUnmounted) {
+TEST_P(NeighborTableEnd, MountedItIsKeptAliveByItsControlUntilItIsUnmounted) {
   status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1.5));
   mount();
   auto control = status_->routerNeighborRaControl();
@@ -312,7 +352,7 @@ TEST_F(NeighborTable, MountedItIsKeptAliveByItsControlUntilItIsUnmounted) {
   EXPECT_EQ(controlsLiving(), 0);
 }
 
-TEST_F(NeighborTable, MountedAndUnreferencedItEndsWhenItsParentLetsGo) {
+TEST_P(NeighborTableEnd, MountedAndUnreferencedItEndsWhenItsParentLetsGo) {
   mount();
   Fwk::Entity& kept = *status_;  // as a parent has it that does not own it
   status_ = nullptr;
@@ -323,7 +363,7 @@ TEST_F(NeighborTable, MountedAndUnreferencedItEndsWhenItsParentLetsGo) {
   EXPECT_FALSE(published());
 }
 
-TEST_F(NeighborTable, AMemberEndsWithTheTreeThatOwnsIt) {
+TEST_P(NeighborTableEnd, AMemberEndsWithTheTreeThatOwnsIt) {
   status_ = nullptr;
   tree_->tables().memberIs("neighbors")->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1.5));
   EXPECT_EQ(living(), 1);
@@ -332,14 +372,14 @@ TEST_F(NeighborTable, AMemberEndsWithTheTreeThatOwnsIt) {
   EXPECT_FALSE(published());
 }
 
-TEST_F(NeighborTable, AnObserverMayDropTheLastReferenceToAnUnmountedTable) {
+TEST_P(NeighborTableEnd, AnObserverMayDropTheLastReferenceToAnUnmountedTable) {
   auto const subscription = Fwk::observe(*status_, [this](Fwk::Notification const&) { status_ = nullptr; });
   status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1.5));
   EXPECT_EQ(living(), 0);
   EXPECT_FALSE(subscription.active());
 }
 
-TEST_F(NeighborTable, AnObserverMayDropTheLastReferenceToAMountedTable) {
+TEST_P(NeighborTableEnd, AnObserverMayDropTheLastReferenceToAMountedTable) {
   mount();
   Fwk::Entity& kept = *status_;
   auto const subscription = Fwk::observe(*status_, [this](Fwk::Notification const&) { status_ = nullptr; });
@@ -349,7 +389,7 @@ TEST_F(NeighborTable, AnObserverMayDropTheLastReferenceToAMountedTable) {
   EXPECT_EQ(living(), 0);
 }
 
-TEST_F(NeighborTable, AnObserverMayTakeItOutOfTheTreeAndDropIt) {
+TEST_P(NeighborTableEnd, AnObserverMayTakeItOutOfTheTreeAndDropIt) {
   mount();
   auto const subscription = Fwk::observe(*status_, [this](Fwk::Notification const&) {
     Ptr<RouterNeighborRaStatus> const last = std::exchange(status_, nullptr);
@@ -361,7 +401,7 @@ TEST_F(NeighborTable, AnObserverMayTakeItOutOfTheTreeAndDropIt) {
   EXPECT_FALSE(published());
 }
 
-TEST_F(NeighborTable, AnObserverOfTheControlMayDropTheTableWhileItUnmounts) {
+TEST_P(NeighborTableEnd, AnObserverOfTheControlMayDropTheTableWhileItUnmounts) {
   mount();
   auto const subscription =
       Fwk::observe(*status_->routerNeighborRaControl(), [this](Fwk::Notification const&) { status_ = nullptr; });
@@ -371,7 +411,7 @@ TEST_F(NeighborTable, AnObserverOfTheControlMayDropTheTableWhileItUnmounts) {
   EXPECT_FALSE(published());
 }
 
-TEST_F(NeighborTable, RemovingAllBearsAnObserverThatDropsIt) {
+TEST_P(NeighborTableEnd, RemovingAllBearsAnObserverThatDropsIt) {
   for (int i = 1; i <= 5; ++i) status_->routerNeighborRaIs(RouterNeighborRa(keyOf(i), i));
   mount();
   Fwk::Entity& kept = *status_;
@@ -382,7 +422,7 @@ TEST_F(NeighborTable, RemovingAllBearsAnObserverThatDropsIt) {
   EXPECT_EQ(living(), 0);
 }
 
-TEST_F(NeighborTable, WithItsControlTakenAwayAMountedTableEndsAndTellsTheControl) {
+TEST_P(NeighborTableEnd, WithItsControlTakenAwayAMountedTableEndsAndTellsTheControl) {
   mount();
   auto const control = status_->routerNeighborRaControl();
   status_->routerNeighborRaControlIs(nullptr);
@@ -392,19 +432,49 @@ TEST_F(NeighborTable, WithItsControlTakenAwayAMountedTableEndsAndTellsTheControl
   EXPECT_EQ(control->mountStatus(), MountStatus::unmounted);
 }
 
-TEST_F(NeighborTable, EndsTheSameInTheThreadSafePointerMode) {
-  Fwk::threadSafePtrModeIs(true);
+TEST_P(NeighborTableEnd, AnotherControlKeepsItAliveInThePlaceOfTheOneBefore) {
   mount();
+  auto const former = status_->routerNeighborRaControl();
+  auto control = Fwk::create<CollectionControl>();
+  status_->routerNeighborRaControlIs(control);
   Fwk::Entity& kept = *status_;
-  auto const subscription = Fwk::observe(*status_, [this](Fwk::Notification const&) { status_ = nullptr; });
-  status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1.5));
+  status_ = nullptr;
+  EXPECT_EQ(living(), 1);
+  EXPECT_FALSE(former->keptEntity());
+  EXPECT_TRUE(control->keptEntity());
+  control = nullptr;
   EXPECT_EQ(living(), 1);
   kept.parentIs(nullptr, 0);
   EXPECT_EQ(living(), 0);
-  status_ = Table::routerNeighborRaStatusFactory("again");
+}
+
+TEST_P(NeighborTableEnd, AControlThatComesAfterTheLastReferenceWentTakesOverWhatIsKept) {
+  mount();
+  auto const former = status_->routerNeighborRaControl();
+  RouterNeighborRaStatus& kept = *status_;
   status_ = nullptr;
+  ASSERT_TRUE(former->keptEntity());
+  auto const control = Fwk::create<CollectionControl>();
+  kept.routerNeighborRaControlIs(control);
+  EXPECT_FALSE(former->keptEntity());
+  EXPECT_TRUE(control->keptEntity());
+  EXPECT_EQ(living(), 1);
+  kept.parentIs(nullptr, 0);
   EXPECT_EQ(living(), 0);
-  Fwk::threadSafePtrModeIs(false);
+  EXPECT_FALSE(published());
+}
+
+TEST_P(NeighborTableEnd, AnObserverOfARowMayDropTheLastReferenceWithinACommitOrARemoval) {
+  status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1.5));
+  auto const subscription = Fwk::observe(*status_, [this](Fwk::Notification const&) { status_ = nullptr; });
+  RouterNeighborRaStatus& status = *status_;
+  status.routerNeighborRaCommit(*status.routerNeighborRaWritable(keyOf(1)));
+  EXPECT_EQ(living(), 0);
+  status_ = Table::routerNeighborRaStatusFactory("again");
+  status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1.5));
+  auto const another = Fwk::observe(*status_, [this](Fwk::Notification const&) { status_ = nullptr; });
+  EXPECT_EQ(status_->routerNeighborRaDel(keyOf(1)).lastRaReceived(), 1.5);
+  EXPECT_EQ(living(), 0);
 }
 
 // Damage in the shared memory.
@@ -450,6 +520,34 @@ TEST_F(DamagedNeighborTable, ALookupTellsTheHandlerAndYieldsTheDefaultRow) {
   status_->corruptionHandlerIs(nullptr);
 }
 
+TEST_F(DamagedNeighborTable, ADamagedRowStagesNothing) {
+  std::vector<std::string> messages;
+  status_->corruptionHandlerIs([&](std::string_view message) { messages.emplace_back(message); });
+  CounterDeltas const counters;
+  Heard heard(*status_);
+  damage(keyOf(1), 50);
+  EXPECT_EQ(status_->routerNeighborRaWritable(keyOf(1)), nullptr);
+  EXPECT_EQ(messages.size(), 1u);
+  EXPECT_THAT(heard.attrs, IsEmpty());
+  EXPECT_THAT(counters.now(), ElementsAre(0, 0, 0));
+  EXPECT_EQ(status_->routerNeighborRa(keyOf(1)), RouterNeighborRa()) << "it is as damaged as before";
+  status_->routerNeighborRaCommit(RouterNeighborRa(keyOf(1), 3.5));
+  EXPECT_EQ(status_->routerNeighborRa(keyOf(1)).lastRaReceived(), 3.5) << "a row that is written whole repairs it";
+  EXPECT_EQ(status_->routerNeighborRa(keyOf(2)).lastRaReceived(), 2.5);
+  EXPECT_EQ(messages.size(), 2u);
+  status_->corruptionHandlerIs(nullptr);
+}
+
+TEST_F(DamagedNeighborTable, ACommitOfTheWritableSlotRepairsItsRowAndOnlyThat) {
+  RouterNeighborRa* const row = status_->routerNeighborRaWritable(keyOf(1));
+  ASSERT_NE(row, nullptr);
+  damage(keyOf(1), 50);
+  row->lastRaReceivedIs(3.5);
+  status_->routerNeighborRaCommit(*row);
+  EXPECT_EQ(status_->routerNeighborRa(keyOf(1)).lastRaReceived(), 3.5);
+  EXPECT_EQ(status_->routerNeighborRa(keyOf(2)).lastRaReceived(), 2.5);
+}
+
 TEST_F(DamagedNeighborTable, ARowThatIsLostWhenUnmountingIsNotified) {
   damage(keyOf(1), 50);
   Heard heard(*status_);
@@ -463,6 +561,12 @@ using DamagedNeighborTableDeathTest = DamagedNeighborTable;
 TEST_F(DamagedNeighborTableDeathTest, AWriteFailsTheTablesAssertion) {
   damage(keyOf(1), 40);
   EXPECT_DEATH(status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 3)),
+               "handler: .*(.|\n)*assertion \"TableMap::safeWrite\\(\\) in no man's land\" failed");
+}
+
+TEST_F(DamagedNeighborTableDeathTest, ACommitThatHasToLookTheRowUpFailsTheTablesAssertion) {
+  damage(keyOf(1), 40);
+  EXPECT_DEATH(status_->routerNeighborRaCommit(RouterNeighborRa(keyOf(1), 3)),
                "handler: .*(.|\n)*assertion \"TableMap::safeWrite\\(\\) in no man's land\" failed");
 }
 
