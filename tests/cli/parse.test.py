@@ -100,6 +100,8 @@ def check_kinds_of_captures():
     checks.equal("no packets", parse_json(pcap([])), [])
     named = parse_json(pcap([frame(message)]), "--intf", "Ethernet1/2")
     checks.equal("--intf", named[0]["record"]["intfId"], "Ethernet1/2")
+    odd = parse_json(pcap([frame(message)]), "--intf", b"eth\xff")
+    checks.equal("--intf that is no UTF-8", odd[0]["record"]["intfId"], "eth\ufffd")
     bird = os.path.join(CAPTURES, "bird.pcap")
     with open(bird, "rb") as file:
         piped = subprocess.run([PROGRAM, "parse", "-", "--json"], stdin=file, capture_output=True, text=True, timeout=30,

@@ -75,7 +75,7 @@ class Reporter final : public RouterWatch::Observer {
     if (json_) return say(Json{{"event", name}, {"router", router.toString()}});
     say("router " + router.toString() + ' ' + words + '\n');
   }
-  void say(Json const& json) { say(json.dump() + '\n'); }
+  void say(Json const& json) { say(jsonText(json) + '\n'); }
   void say(std::string const& text) { out_ << text << std::flush; }
 
   std::ostream& out_;

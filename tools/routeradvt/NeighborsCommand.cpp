@@ -67,7 +67,7 @@ class NeighborsCommand final : public Command {
     NeighborReport::Order const order = sort_ == "age" ? NeighborReport::Order::age : NeighborReport::Order::intf;
     NeighborReport const report = readNeighbors(reader, Net::IntfId(intf_), order, now());
     if (json_)
-      out << neighborsJson(report).dump(watch_ ? -1 : 2, ' ', false, Json::error_handler_t::replace) << '\n';
+      out << jsonText(neighborsJson(report), watch_ ? -1 : 2) << '\n';
     else
       out << neighborsText(report) << (watch_ ? "\n" : "");
     out.flush();

@@ -46,14 +46,14 @@ std::string jsonLine(CapturedPacket const& packet, Reading const& reading) {
   Json line{{"packet", packet.number}};
   if (!reading.skipped.empty()) {
     line["skipped"] = reading.skipped;
-    return line.dump();
+    return jsonText(line);
   }
   line["checksumValid"] = reading.checksumValid;
   if (reading.rejected)
     line["rejected"] = rejectedText;
   else
     line["record"] = recordJson(Fwk::objectRef(reading.record));
-  return line.dump();
+  return jsonText(line);
 }
 
 /// The options as blocks; of what comes before them, only what is odd.

@@ -35,7 +35,7 @@ void appendValues(std::vector<RecordValue>& values, std::string const& prefix, F
 
 std::string valueText(Json const& value) {
   if (value.is_null()) return "absent";
-  return printable(value.is_string() ? value.get<std::string>() : value.dump());
+  return printable(value.is_string() ? value.get<std::string>() : jsonText(value));
 }
 
 std::string paddedTo(std::size_t width, std::string text) {

@@ -70,4 +70,8 @@ Json toJson(Fwk::ConstObjectRef object) {
   return result;
 }
 
+std::string jsonText(Json const& json, int indent) {
+  return json.dump(indent, ' ', false, Json::error_handler_t::replace);
+}
+
 }  // namespace Tool

@@ -4,6 +4,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <string>
+
 namespace Tool {
 
 /// Objects keep the order in which they were filled.
@@ -13,5 +15,9 @@ using Json = nlohmann::ordered_json;
 /// out. Booleans and numbers as such, everything else as its plain text; a collection is an object from key to member,
 /// a set a list of keys.
 Json toJson(Fwk::ConstObjectRef object);
+
+/// As it is written: on one line, or indented by that many blanks a level. A text, such as a name, may hold any octets;
+/// those that are no UTF-8 become U+FFFD.
+std::string jsonText(Json const& json, int indent = -1);
 
 }  // namespace Tool

@@ -61,7 +61,7 @@ class ShowCommand final : public Command {
                                     {"column", warning.place.column},
                                     {"path", warning.path},
                                     {"text", warning.text}});
-    out << result.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+    out << jsonText(result, 2) << '\n';
   }
 
   std::vector<Diagnostic> warnings() const {
