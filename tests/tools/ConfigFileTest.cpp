@@ -118,6 +118,8 @@ ErrorRow const memberErrors[] = {
     {"InterfaceNameTooLong", "config: {intf: {EthernetWithANameOfThirtyTwoOcts: {}}}",
      "f:1:17: config/intf[EthernetWithANameOfThirtyTwoOcts]: \"EthernetWithANameOfThirtyTwoOcts\" is not an interface "
      "name of at most 31 octets"},
+    {"InterfaceWithoutAName", "config: {intf: {\"\": {}}}",
+     "f:1:17: config/intf[]: the empty name stands for no interface"},
     {"DuplicateMember", intfFile("prefixes: {2001:db8::/64: {}, 2001:db8::/64: {}}"),
      "f:4:37: config/intf[Ethernet1]/prefixes: duplicate key \"2001:db8::/64\", which line 4 has already"},
     {"DuplicateMemberInOtherWords", intfFile("prefixes: {2001:db8::/64: {}, 2001:DB8:0::/64: {}}"),
@@ -165,6 +167,13 @@ ErrorRow const linkErrors[] = {
      "2001:db8::/64"},
     {"DuplicateLink", "config: {}\nlinks:\n  a: {}\n  a: {}\n",
      "f:4:3: links: duplicate key \"a\", which line 3 has already"},
+    {"LinkWithoutAName", "config: {}\nlinks: {\"\": {}}\n", "f:2:9: links[]: the empty name stands for no interface"},
+    {"DuplicateVirtualRouterPrefix", linkFile("virtualRouter: [2001:db8::/64, 2001:DB8::/64]"),
+     "f:4:36: links[Ethernet1]/virtualRouter[1]: 2001:db8::/64 is there already, in line 4"},
+    {"LinksThatAreAList", "config: {}\nlinks: [E1]\n",
+     "f:2:8: links: there is a list where a mapping from interfaces to their links is meant"},
+    {"LinkThatIsAText", "config: {}\nlinks: {E1: foo}\n",
+     "f:2:13: links[E1]: there is a single value where a mapping with mac, mtu, addresses and the like is meant"},
     {"LinkNameTooLong", "config: {}\nlinks: {EthernetWithANameOfThirtyTwoOcts: {}}\n",
      "f:2:9: links[EthernetWithANameOfThirtyTwoOcts]: \"EthernetWithANameOfThirtyTwoOcts\" is not an interface name of "
      "at "
@@ -179,6 +188,8 @@ ErrorRow const fileErrors[] = {
      "f:1:1: there is a single value where a mapping with the sections config and links is meant"},
     {"WithoutConfig", "links: {}\n", "f:1:1: there is no section config"},
     {"UnknownSection", "config: {}\nlink: {}\n", "f:2:1: link: there is no such section; did you mean links?"},
+    {"SectionTwice", "config: {}\nlinks: {}\nconfig: {intf: {Ethernet1: {}}}\n",
+     "f:3:1: duplicate key \"config\", which line 1 has already"},
     {"SectionThatIsAList", "config: []\n",
      "f:1:9: config: there is a list where a mapping from the attributes of RouterAdvt::Config is meant"},
     {"TwoDocuments", "config: {}\n---\nconfig: {}\n", "f:3:1: a second document begins; one is meant"},

@@ -98,13 +98,63 @@ UsageRow const usageRows[] = {
     {"NoDevice", {"send", "x.yaml", "E1"}, "--via is required"},
     {"BadAddress", {"build", "x", "y", "--src", "1.2.3.4"}, "--src: \"1.2.3.4\" is not an IPv6 address"},
     {"BadMac", {"build", "x", "y", "--dst-mac", "1"}, "--dst-mac: \"1\" is not an Ethernet address"},
-    {"MtuTooSmall", {"build", "x", "y", "--mtu", "85"}, "--mtu: Value 85 not in range 86 to 2147483647"},
-    {"MtuNoNumber", {"build", "x", "y", "--mtu", "a"}, "--mtu"},
+    {"GroupMac",
+     {"build", "x", "y", "--src-mac", "33:33:00:00:00:01"},
+     "--src-mac: 33:33:00:00:00:01 is a group address; nothing is sent from one"},
+    {"GroupMacToSendFrom",
+     {"send", "x", "y", "--via", "z", "--src-mac", "01:00:00:00:00:00"},
+     "--src-mac: 01:00:00:00:00:00 is a group address"},
+    {"MtuTooSmall",
+     {"build", "x", "y", "--mtu", "85"},
+     "--mtu: \"85\" is out of range; a whole number from 86 to 2147483647 is meant"},
+    {"MtuTooLarge",
+     {"build", "x", "y", "--mtu", "2147483648"},
+     "--mtu: \"2147483648\" is out of range; a whole number from 86 to 2147483647 is meant"},
+    {"MtuNoNumber", {"build", "x", "y", "--mtu", "abc"}, "--mtu: \"abc\" is not a whole number from 86 to 2147483647"},
+    {"MtuNotWhole", {"build", "x", "y", "--mtu", "1500.5"}, "--mtu: \"1500.5\" is not a whole number"},
     {"BadTraceLevels", {"build", "x", "y", "--trace", "E/99"}, "--trace"},
-    {"BadInterval", {"send", "x", "y", "--via", "z", "--interval", "0"}, "--interval"},
-    {"BadCount", {"send", "x", "y", "--via", "z", "--count", "-1"}, "--count: \"-1\" is not a whole number"},
+    {"EmptyWrite", {"build", "x", "y", "--write", ""}, "--write: the empty name stands for no file"},
+    {"EmptyFile", {"show", ""}, "FILE: the empty name stands for no file"},
+    {"EmptyCapture", {"parse", ""}, "FILE: the empty name stands for no file"},
+    {"EmptyIntf", {"parse", "x", "--intf", ""}, "--intf: the empty name stands for no interface"},
+    {"IntervalTooShort",
+     {"send", "x", "y", "--via", "z", "--interval", "0"},
+     "--interval: \"0\" is out of range; a number from 0.001 to 1000000 is meant"},
+    {"IntervalTooLong",
+     {"send", "x", "y", "--via", "z", "--interval", "1000000.5"},
+     "--interval: \"1000000.5\" is out"},
+    {"IntervalNan",
+     {"send", "x", "y", "--via", "z", "--interval", "nan"},
+     "--interval: \"nan\" is not a number from 0.001 to 1000000"},
+    {"IntervalInfinite", {"send", "x", "y", "--via", "z", "--interval", "inf"}, "--interval: \"inf\" is not a number"},
+    {"IntervalNoNumber", {"send", "x", "y", "--via", "z", "--interval", "abc"}, "--interval: \"abc\" is not a number"},
+    {"IntervalWithAUnit", {"send", "x", "y", "--via", "z", "--interval", "3s"}, "--interval: \"3s\" is not a number"},
+    {"BadCount", {"send", "x", "y", "--via", "z", "--count", "-1"}, "--count: \"-1\" is not a whole number from 0 on"},
+    {"CountThatNothingHolds",
+     {"send", "x", "y", "--via", "z", "--count", "99999999999999999999"},
+     "--count: \"99999999999999999999\" is out of range; a whole number from 0 on is meant"},
+    {"ListenToNothing",
+     {"listen", "z", "--count", "0"},
+     "--count: \"0\" is out of range; a whole number from 1 on is meant"},
+    {"ListenCountThatNothingHolds",
+     {"listen", "z", "--count", "99999999999999999999"},
+     "--count: \"99999999999999999999\" is out of range; a whole number from 1 on is meant"},
+    {"ListenForNan", {"listen", "z", "--for", "nan"}, "--for: \"nan\" is not a number from 0 to 1000000000"},
+    {"ListenBackwards", {"listen", "z", "--for", "-1"}, "--for: \"-1\" is out of range; a number from 0"},
 };
 INSTANTIATE_TEST_SUITE_P(Row, ProgramUsage, testing::ValuesIn(usageRows));
+
+TEST(SendCommand, HelpSaysWhatTheDeviceGives) {
+  EXPECT_THAT(run({"send", "--help"}).out,
+              AllOf(ContainsRegex("--src ADDR .*link-local address, else that of DEV, else the one\n"),
+                    ContainsRegex("--src-mac MAC .*; else the link's mac, else that of DEV\n"),
+                    ContainsRegex("--mtu OCTETS .*; else the link's, else that of DEV\n"),
+                    HasSubstr("else 1; with --interval, until Ctrl-C\n")));
+}
+
+TEST(BuildCommand, HelpKnowsNoDevice) {
+  EXPECT_THAT(run({"build", "--help"}).out, AllOf(testing::Not(HasSubstr("DEV")), HasSubstr("else 1500\n")));
+}
 
 TEST(Program, AFileThatCannotBeReadFails) {
   Outcome const outcome = run({"show", "/no/such/file"});

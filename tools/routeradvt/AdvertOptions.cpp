@@ -1,6 +1,7 @@
 #include <RouterPlatform/Trace/Trace.h>
 #include <tools/routeradvt/AdvertOptions.h>
 #include <tools/routeradvt/LinkConfig.h>
+#include <tools/routeradvt/NumberOption.h>
 #include <tools/routeradvt/ValueOption.h>
 
 #include <cstdlib>
@@ -14,20 +15,23 @@ std::string withHandle(std::string const& levels) {
   return levels.find('/') == std::string::npos ? "*/" + levels : levels;
 }
 
-void addAddressOptions(CLI::App& app, AdvertOptions& options) {
+void addAddressOptions(CLI::App& app, AdvertOptions& options, std::string const& device) {
+  std::string const elseDevice = device.empty() ? "" : ", else that of " + device;
   addValueOption(app, "--src", options.src, "ADDR",
-                 "IPv6 source; else the link's first link-local address, else the one made from the source MAC");
+                 "IPv6 source; else the link's first link-local address" + elseDevice +
+                     ", else the one\nmade from the source MAC");
   addValueOption(app, "--dst", options.dst, "ADDR", "IPv6 destination; else all nodes, ff02::1");
-  addValueOption(app, "--src-mac", options.srcMac, "MAC", "Ethernet source; else the link's mac");
+  addValueOption(app, "--src-mac", options.srcMac, "MAC", "Ethernet source; else the link's mac" + elseDevice,
+                 &LinkConfig::macRefusal);
   addValueOption(app, "--dst-mac", options.dstMac, "MAC", "Ethernet destination; else that of the group --dst");
-  app.add_option("--mtu", options.mtu, "link MTU, which also bounds the frame; else the link's, else 1500")
-      ->type_name("OCTETS")
-      ->check(CLI::Range(LinkConfig::mtuMin, LinkConfig::mtuMax).description(""));
+  addNumberOption(
+      app, "--mtu", options.mtu, {LinkConfig::mtuMin, LinkConfig::mtuMax}, "OCTETS",
+      "link MTU, which also bounds the frame; else the link's" + (device.empty() ? ", else 1500" : elseDevice));
 }
 
 void addOutputOptions(CLI::App& app, AdvertOptions& options) {
   app.add_flag("--hex", options.hex, "print the frame as one line of hex")->group("Output");
-  app.add_option("--write", options.write, "write the frame to a capture file, which Wireshark opens")
+  namesAFile(app.add_option("--write", options.write, "write the frame to a capture file, which Wireshark opens"))
       ->type_name("FILE.pcap")
       ->group("Output");
   auto const take = [&options](std::string const& levels) {
@@ -47,10 +51,10 @@ void addOutputOptions(CLI::App& app, AdvertOptions& options) {
 
 }  // namespace
 
-void AdvertOptions::addTo(CLI::App& app) {
-  app.add_option("FILE", file, "configuration file; - is standard input")->required();
+void AdvertOptions::addTo(CLI::App& app, std::string const& device) {
+  namesAFile(app.add_option("FILE", file, "configuration file; - is standard input"))->required();
   app.add_option("INTF", intf, "interface, by its name in the section config")->required();
-  addAddressOptions(app, *this);
+  addAddressOptions(app, *this, device);
   app.add_flag("--no-lifetime", noLifetime, "advertise Router Lifetime 0: not a default router");
   app.add_flag("--death", death, "the final advertisement, by which hosts forget the router at once");
   app.add_flag("--virtual-router", virtualRouter, "on behalf of the link's virtual router, with its prefixes");

@@ -30,7 +30,8 @@ struct AdvertOptions {
   std::string write;  ///< name of a capture file; empty: none
   std::string trace;  ///< as `Trace::levelsIs` takes it; empty: as the environment says
 
-  void addTo(CLI::App& app);
+  /// `device`: what the help calls the device that is asked where neither options nor file say; empty: none is.
+  void addTo(CLI::App& app, std::string const& device = {});
 };
 
 /// Sets the trace levels back to those of the environment and `settings`.

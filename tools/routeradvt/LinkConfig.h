@@ -4,6 +4,7 @@
 #include <tools/routeradvt/Diagnostic.h>
 
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace Tool {
@@ -24,6 +25,11 @@ struct LinkConfig {
   Fwk::U32 nsRetransmitInterval = 0;  ///< milliseconds, 0: unspecified
   /// Prefixes of the virtual router; nothing: there is none.
   std::optional<std::vector<Net::Ip6AddrWithMask>> virtualRouter;
+
+  /// Why `mac` can be no link's; empty when it can.
+  static std::string macRefusal(Net::EthAddr const& mac) {
+    return mac.isMulticast() ? mac.toString() + " is a group address; nothing is sent from one" : std::string();
+  }
 };
 
 }  // namespace Tool

@@ -43,8 +43,9 @@ std::vector<Ip6AddrWithMask> readAddresses(YamlReader& reader, YamlValue const& 
 
 void readMac(YamlReader& reader, YamlValue const& value, LinkConfig& link) {
   link.mac = readValue<EthAddr>(reader, value);
-  if (link.mac && link.mac->isMulticast())
-    reader.error(value.place, value.path, link.mac->toString() + " is a group address; nothing is sent from one");
+  if (!link.mac) return;
+  if (std::string why = LinkConfig::macRefusal(*link.mac); !why.empty())
+    reader.error(value.place, value.path, std::move(why));
 }
 
 void readMtu(YamlReader& reader, YamlValue const& value, LinkConfig& link) {
@@ -104,6 +105,8 @@ void readLinks(YamlReader& reader, YamlValue const& section, std::vector<LinkCon
     std::string const path = section.path + '[' + entry.key + ']';
     if (!IntfId::fits(entry.key))
       return reader.error(entry.keyPlace, path, inQuotes(entry.key) + " is not " + expectedText(IntfId::textTypeName));
+    if (std::string why = refusal(IntfId::textTypeName, entry.key); !why.empty())
+      return reader.error(entry.keyPlace, path, std::move(why));
     LinkConfig& link = links.emplace_back();
     link.intfId = IntfId(entry.key);
     link.place = entry.keyPlace;

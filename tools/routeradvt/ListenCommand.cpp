@@ -2,6 +2,7 @@
 #include <RouterPlatform/Fwk/Attributes.h>
 #include <tools/routeradvt/Command.h>
 #include <tools/routeradvt/NeighborTable.h>
+#include <tools/routeradvt/NumberOption.h>
 #include <tools/routeradvt/RaSocket.h>
 #include <tools/routeradvt/RaValidity.h>
 #include <tools/routeradvt/RouterWatch.h>
@@ -95,12 +96,8 @@ class ListenCommand final : public Command {
   CLI::App& addTo(CLI::App& program) override {
     CLI::App& app = *program.add_subcommand("listen", "report the advertisements that arrive on an interface");
     app.add_option("DEV", device_, "interface of this machine")->required();
-    app.add_option("--count", wanted_, "end after that many valid advertisements")
-        ->type_name("N")
-        ->check(CLI::PositiveNumber.description(""));
-    app.add_option("--for", seconds_, "end after that time")
-        ->type_name("SECONDS")
-        ->check(CLI::Range(0.0, 1e9).description(""));
+    addNumberOption(app, "--count", wanted_, {1, {}}, "N", "end after that many valid advertisements");
+    addNumberOption(app, "--for", seconds_, {0.0, 1e9}, "SECONDS", "end after that time");
     app.add_flag("--json", json_, "one JSON object an event, a line each");
     app.footer(
         "Reports routers as they come and go, what changes in what they advertise, and what is dropped\n"
@@ -136,7 +133,7 @@ class ListenCommand final : public Command {
 
  private:
   static Fwk::U32 routersOf(RouterWatch const& watch) { return watch.routers().linkLocalAddr().size(); }
-  bool isEnough() const { return wanted_ > 0 && heard_ >= wanted_; }
+  bool isEnough() const { return wanted_ && heard_ >= *wanted_; }
 
   /// Waits until there is something to receive; false: it is to end.
   bool waitFor(RaSocket const& socket, FileDescriptor const& stop, Clock::time_point start) const {
@@ -176,7 +173,7 @@ class ListenCommand final : public Command {
   }
 
   std::string device_;
-  Fwk::U64 wanted_ = 0;
+  std::optional<Fwk::U64> wanted_;
   std::optional<double> seconds_;
   bool json_ = false;
   Fwk::U64 heard_ = 0;

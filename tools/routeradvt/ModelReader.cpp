@@ -82,6 +82,8 @@ class EntityReader {
   void readMember(YamlEntry const& entry, AttributeRecord const& attr, std::map<std::string, YamlEntry>& members) {
     Fwk::CollectionView const collection({entity_.get(), &type_}, attr);
     std::string const memberPath = path_ + '/' + attr.name + '[' + entry.key + ']';
+    if (std::string why = refusal(attr.collection->keyTypeName, entry.key); !why.empty())
+      return reader_.error(entry.keyPlace, memberPath, std::move(why));
     bool const isEntity = attr.collection->memberType != nullptr;
     std::optional<std::string> const memberText =
         isEntity ? std::string() : reader_.scalar(entry.value(memberPath), expectedText(attr.typeName));

@@ -83,7 +83,7 @@ class ParseCommand final : public Command {
  public:
   CLI::App& addTo(CLI::App& program) override {
     CLI::App& app = *program.add_subcommand("parse", "read the advertisements in a capture file");
-    app.add_option("FILE", file_, "capture file, pcap or pcapng; -: standard input")->required();
+    namesAFile(app.add_option("FILE", file_, "capture file, pcap or pcapng; -: standard input"))->required();
     addValueOption(app, "--intf", intfId_, "NAME", "interface that they are taken to have arrived on; else 'capture'");
     app.add_flag("--json", json_, "one JSON object a packet, a line each");
     app.footer(
@@ -97,7 +97,6 @@ class ParseCommand final : public Command {
 
   void run(Console& console) override {
     Net::IntfId const intfId = intfId_.value_or("capture");
-    if (intfId.empty()) throw UsageError("--intf: the empty name stands for no interface");
     CaptureReader reader(file_);
     try {
       while (auto const packet = reader.next()) print(console, reader, *packet, read(reader, *packet, intfId));

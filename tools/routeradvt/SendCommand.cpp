@@ -2,10 +2,10 @@
 #include <tools/routeradvt/AdvertOutput.h>
 #include <tools/routeradvt/CaptureFile.h>
 #include <tools/routeradvt/Command.h>
+#include <tools/routeradvt/NumberOption.h>
 #include <tools/routeradvt/Octets.h>
 #include <tools/routeradvt/PacketSocket.h>
 #include <tools/routeradvt/StopSignals.h>
-#include <tools/routeradvt/ValueOption.h>
 
 #include <CLI/CLI.hpp>
 
@@ -21,6 +21,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+constexpr double secondsDefault = 3;  // MIN_DELAY_BETWEEN_RAS, RFC 4861 10
+
 std::string secondsText(Clock::duration duration) {
   std::array<char, 32> text;
   int const size = std::snprintf(text.data(), text.size(), "%.1f", std::chrono::duration<double>(duration).count());
@@ -31,19 +33,18 @@ class SendCommand final : public Command {
  public:
   CLI::App& addTo(CLI::App& program) override {
     CLI::App& app = *program.add_subcommand("send", "send advertisements on an interface of this machine");
-    options_.addTo(app);
+    options_.addTo(app, "DEV");
     app.add_option("--via", device_,
-                   "interface to send on; it gives the source MAC and the link-local\naddress where "
-                   "neither options nor file do")
+                   "interface to send on; where neither options nor file say, it gives\nthe source MAC, the addresses "
+                   "and the MTU")
         ->type_name("DEV")
         ->required()
         ->group("Sending");
-    addValueOption(app, "--count", count_, "N", "how many to send; 0: until Ctrl-C. Else 1, and with --interval 0")
+    addNumberOption(app, "--count", count_, {0, {}}, "N",
+                    "how many to send, 0: until Ctrl-C; else 1; with --interval, until Ctrl-C")
         ->group("Sending");
-    interval_ = app.add_option("--interval", seconds_, "time from one to the next; else 3 seconds")
-                    ->type_name("SECONDS")
-                    ->check(CLI::Range(0.001, 1e6).description(""))
-                    ->group("Sending");
+    addNumberOption(app, "--interval", seconds_, {0.001, 1e6}, "SECONDS", "time from one to the next; else 3 seconds")
+        ->group("Sending");
     app.footer(
         "Takes the right to open packet sockets (root, or CAP_NET_RAW). Ctrl-C ends it, with a summary.\n\n"
         "  routeradvt send office.yaml Ethernet1 --via eth0\n"
@@ -72,7 +73,7 @@ class SendCommand final : public Command {
 
  private:
   bool isEnough(Fwk::U64 sent) const {
-    Fwk::U64 const wanted = count_.value_or(interval_->empty() ? 1 : 0);
+    Fwk::U64 const wanted = count_.value_or(seconds_ ? 0 : 1);
     return wanted > 0 && sent >= wanted;
   }
 
@@ -84,7 +85,8 @@ class SendCommand final : public Command {
       console.out << "sent " << sent << (sent == 1 ? " advertisement" : " advertisements") << " in "
                   << secondsText(Clock::now() - start) << " s" << std::endl;
     };
-    auto const interval = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds_));
+    auto const interval =
+        std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds_.value_or(secondsDefault)));
     try {
       for (auto next = start;; next += interval) {
         if (signals.waitUntil(next)) break;
@@ -103,8 +105,7 @@ class SendCommand final : public Command {
   AdvertOptions options_;
   std::string device_;
   std::optional<Fwk::U64> count_;  // 0: until it is told to stop
-  double seconds_ = 3;             // MIN_DELAY_BETWEEN_RAS, RFC 4861 10
-  CLI::Option* interval_ = nullptr;
+  std::optional<double> seconds_;
   std::unique_ptr<CaptureFile> capture_;
 };
 

@@ -3,6 +3,7 @@
 #include <tools/routeradvt/Command.h>
 #include <tools/routeradvt/EntityPrinter.h>
 #include <tools/routeradvt/ReflectedJson.h>
+#include <tools/routeradvt/ValueOption.h>
 #include <tools/routeradvt/Warnings.h>
 
 #include <CLI/CLI.hpp>
@@ -20,7 +21,7 @@ class ShowCommand final : public Command {
  public:
   CLI::App& addTo(CLI::App& program) override {
     CLI::App& app = *program.add_subcommand("show", "show what a configuration file means, and what of it is odd");
-    app.add_option("FILE", fileName_, "configuration file; - is standard input")->required();
+    namesAFile(app.add_option("FILE", fileName_, "configuration file; - is standard input"))->required();
     app.add_option("INTF", intf_, "only this interface");
     app.add_flag("--json", json_, "one JSON object");
     app.footer(

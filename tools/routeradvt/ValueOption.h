@@ -11,17 +11,30 @@
 
 namespace Tool {
 
-/// An option whose value is of a type with a plain text form; a text that is none is a usage error.
+/// An option whose value is of a type with a plain text form; a text that is none is a usage error, and so is a value
+/// for which `refuse` has a reason.
 template <class T>
 CLI::Option* addValueOption(CLI::App& app, std::string const& name, std::optional<T>& value,
-                            std::string const& valueName, std::string const& description) {
-  auto const take = [&value, name](std::string const& text) {
+                            std::string const& valueName, std::string const& description,
+                            std::string (*refuse)(T const&) = nullptr) {
+  auto const take = [&value, name, refuse](std::string const& text) {
+    constexpr char const* type = Fwk::TextCodec<T>::typeName;
     T parsed{};
     if (Fwk::TextCodec<T>::parse(text, parsed) != Fwk::TextStatus::ok)
-      throw CLI::ValidationError(name, inQuotes(text) + " is not " + expectedText(Fwk::TextCodec<T>::typeName));
+      throw CLI::ValidationError(name, inQuotes(text) + " is not " + expectedText(type));
+    std::string why = refusal(type, text);
+    if (why.empty() && refuse) why = refuse(parsed);
+    if (!why.empty()) throw CLI::ValidationError(name, why);
     value = parsed;
   };
   return app.add_option_function<std::string>(name, take, description)->type_name(valueName);
+}
+
+/// Of an option that names a file: the empty name is a usage error.
+inline CLI::Option* namesAFile(CLI::Option* option) {
+  return option->check([](std::string const& name) {
+    return name.empty() ? std::string("the empty name stands for no file") : std::string();
+  });
 }
 
 }  // namespace Tool

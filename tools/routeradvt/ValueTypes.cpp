@@ -20,6 +20,10 @@ std::string refuseReservedPreference(std::string_view text) {
          "is meant";
 }
 
+std::string refuseNoInterface(std::string_view text) {
+  return text.empty() ? "the empty name stands for no interface" : std::string();
+}
+
 struct ValueType {
   std::string_view name;
   std::string expected;
@@ -35,7 +39,8 @@ ValueType const* valueType(std::string_view typeName) {
       ValueType{"Ip6Addr", "an IPv6 address such as 2001:db8::53"},
       ValueType{"Ip6AddrWithMask", "an IPv6 address with a mask length from 0 to 128, such as 2001:db8::/64"},
       ValueType{"EthAddr", "an Ethernet address such as 02:00:00:00:00:01"},
-      ValueType{"IntfId", "an interface name of at most " + std::to_string(Net::IntfId::maxSize) + " octets"},
+      ValueType{"IntfId", "an interface name of at most " + std::to_string(Net::IntfId::maxSize) + " octets",
+                &refuseNoInterface},
       ValueType{"Name", "a name of at most " + std::to_string(Fwk::Name::maxSize) + " octets"},
       ValueType{"String", "a text"},
       ValueType{textTypeNameOf(Preference{}), "medium, high or low, or the number of one of them (0, 1, 3)",
