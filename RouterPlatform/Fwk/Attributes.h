@@ -2,6 +2,7 @@
 
 #include <RouterPlatform/Fwk/Collections.h>
 #include <RouterPlatform/Fwk/Entity.h>
+#include <RouterPlatform/Fwk/StreamCodec.h>
 #include <RouterPlatform/Fwk/TextCodec.h>
 #include <RouterPlatform/Fwk/TextForm.h>
 #include <RouterPlatform/Fwk/TypeRecord.h>
@@ -88,6 +89,7 @@ constexpr AttributeRecord readable(char const* name, AttributeKind kind) {
   if constexpr (ValueRecordType<Value>) {
     record.typeName = Value::fwkTypeName;
     record.valueKind = ValueKind::record;
+    record.recordType = &Value::typeRecord;
     record.visit = [](void const* object, FunctionRef<void(ConstObjectRef)> visit) {
       Value const& value = Get::get(object);
       visit(objectRef(value));
@@ -136,6 +138,17 @@ constexpr AttributeRecord scalar(char const* name) {
       if (result) (detail::objectAs<typename Getter::Class>(object).*setter)(std::move(value));
       return result;
     };
+  if constexpr (Streamable<Value>) {
+    record.put = [](void const* object, OctetSink& out) {
+      StreamCodec<Value>::put(out, (detail::objectAs<typename Getter::Class>(object).*getter)());
+    };
+    record.take = [](void* object, OctetSource in) {
+      Value value{};
+      if (!takeWhole(in.rest(), value)) return false;
+      (detail::objectAs<typename Getter::Class>(object).*setter)(std::move(value));
+      return true;
+    };
+  }
   return record;
 }
 
@@ -221,6 +234,122 @@ void deleteAll(void* object) {
   collectionOf<member>(object).memberDelAll();
 }
 
+/// A walk over a collection of one of the three kinds.
+template <class Collection>
+class CollectionWalk final : public StreamWalk {
+  using Key = typename Collection::Key;
+  using Iterator = decltype(std::declval<Collection const&>().begin());
+
+ public:
+  explicit CollectionWalk(Collection const& collection) : at_(collection.begin()) {}
+  bool atEnd() noexcept override {
+    at_.settle();
+    return at_ == std::default_sentinel;
+  }
+  void next() noexcept override { ++at_; }
+  void putKey(OctetSink& out) const override { StreamCodec<Key>::put(out, key()); }
+  void putValue(OctetSink& out) const override {
+    if constexpr (requires { typename Collection::Value; })
+      StreamCodec<typename Collection::Value>::put(out, at_->value);
+    else
+      (void)out;
+  }
+  Ptr<Entity> entity() const override {
+    if constexpr (requires { typename Collection::Member; })
+      return (*at_).value;
+    else
+      return nullptr;
+  }
+
+ private:
+  Key const& key() const {
+    if constexpr (requires { typename Collection::Member; })
+      return (*at_).key;
+    else if constexpr (requires { typename Collection::Value; })
+      return at_->key;
+    else
+      return *at_.operator->();
+  }
+
+  Iterator at_;
+};
+
+/// The operations of a change stream on a collection of one of the three kinds.
+template <auto member>
+struct StreamOperations {
+  using Collection = typename MemberPointer<decltype(member)>::Type;
+  using Key = typename Collection::Key;
+  static constexpr bool ofEntities = requires { typename Collection::Member; };
+  static constexpr bool ofValues = requires { typename Collection::Value; };
+
+  static bool putKey(NotificationKey const& key, OctetSink& out) {
+    Key const* const typed = key.as<Key>();
+    if (typed) StreamCodec<Key>::put(out, *typed);
+    return typed;
+  }
+  static bool isLast(void const* object, NotificationKey const& key) {
+    Key const* const typed = key.as<Key>();
+    Key const* const last = collectionOf<member>(object).lastKey();
+    return typed && last && *typed == *last;
+  }
+  static bool contains(void const* object, std::span<U8 const> octets) {
+    Key key{};
+    return takeWhole(octets, key) && collectionOf<member>(object).contains(key);
+  }
+  static Ptr<Entity> entity(void const* object, std::span<U8 const> octets) {
+    Key key{};
+    if constexpr (ofEntities)
+      if (takeWhole(octets, key)) return collectionOf<member>(object).member(key);
+    return nullptr;
+  }
+  static bool putValue(void const* object, std::span<U8 const> octets, OctetSink& out) {
+    Key key{};
+    if (ofEntities || !takeWhole(octets, key) || !collectionOf<member>(object).contains(key)) return false;
+    if constexpr (ofValues) StreamCodec<typename Collection::Value>::put(out, *collectionOf<member>(object).find(key));
+    return true;
+  }
+  static void putMemberKey(Entity const& entity, OctetSink& out) {
+    if constexpr (ofEntities) StreamCodec<Key>::put(out, static_cast<typename Collection::Member const&>(entity).key());
+  }
+  static bool set(void* object, std::span<U8 const> octets, std::span<U8 const> valueOctets, Ptr<Entity>& made) {
+    Key key{};
+    if (!takeWhole(octets, key)) return false;
+    if constexpr (ofValues) {
+      typename Collection::Value value{};
+      if (!takeWhole(valueOctets, value)) return false;
+      collectionOf<member>(object).memberIs(key, value);
+    } else {
+      if (!valueOctets.empty()) return false;
+      if constexpr (ofEntities)
+        made = collectionOf<member>(object).memberIs(key);
+      else
+        collectionOf<member>(object).memberIs(key);
+    }
+    return true;
+  }
+  static bool del(void* object, std::span<U8 const> octets) {
+    Key key{};
+    if (!takeWhole(octets, key)) return false;
+    collectionOf<member>(object).memberDel(key);
+    return true;
+  }
+  static std::unique_ptr<StreamWalk> walk(void const* object) {
+    return std::make_unique<CollectionWalk<Collection>>(collectionOf<member>(object));
+  }
+
+  static constexpr CollectionStream record{ofEntities, &putKey,       &isLast, &contains, &entity,
+                                           &putValue,  &putMemberKey, &set,    &del,      &walk};
+};
+
+/// Null when a key or a value has no octets.
+template <class K, class V, auto member>
+constexpr CollectionStream const* collectionStream() {
+  if constexpr (Streamable<K> && Streamable<V>)
+    return &StreamOperations<member>::record;
+  else
+    return nullptr;
+}
+
 template <class K, class T, auto member>
 struct CollectionOperations<EntityCollection<K, T>, member> {
   static MemberRef ref(Ptr<T> const& entity) { return {keyText(entity->key()), entity, objectRef(*entity), {}}; }
@@ -244,9 +373,17 @@ struct CollectionOperations<EntityCollection<K, T>, member> {
       if (!visit(ref(entity))) return;
   }
 
-  static constexpr CollectionRecord record{
-      TextCodec<K>::typeName,   T::fwkTypeName,     ValueKind::record, &T::typeRecord, &sizeOf<member>, &get, &set,
-      &deleteMember<member, K>, &deleteAll<member>, &forEach};
+  static constexpr CollectionRecord record{TextCodec<K>::typeName,
+                                           T::fwkTypeName,
+                                           ValueKind::record,
+                                           &T::typeRecord,
+                                           &sizeOf<member>,
+                                           &get,
+                                           &set,
+                                           &deleteMember<member, K>,
+                                           &deleteAll<member>,
+                                           &forEach,
+                                           collectionStream<K, K, member>()};
 };
 
 /// Shared by collections of values: what a member shows, and reading.
@@ -306,6 +443,7 @@ struct CollectionOperations<ValueCollection<K, V>, member> : ValueOperations<K, 
     if constexpr (!ValueRecordType<V>) result.set = &set;
     result.del = &deleteMember<member, K>;
     result.delAll = &deleteAll<member>;
+    result.stream = collectionStream<K, V, member>();
     return result;
   }
   static constexpr CollectionRecord record = makeRecord();
@@ -336,9 +474,17 @@ struct CollectionOperations<ValueSet<K>, member> {
     for (K const key : collectionOf<member>(object))
       if (!visit(ref(key))) return;
   }
-  static constexpr CollectionRecord record{
-      TextCodec<K>::typeName, "",      ValueKind::none, nullptr, &sizeOf<member>, &get, &set, &deleteMember<member, K>,
-      &deleteAll<member>,     &forEach};
+  static constexpr CollectionRecord record{TextCodec<K>::typeName,
+                                           "",
+                                           ValueKind::none,
+                                           nullptr,
+                                           &sizeOf<member>,
+                                           &get,
+                                           &set,
+                                           &deleteMember<member, K>,
+                                           &deleteAll<member>,
+                                           &forEach,
+                                           collectionStream<K, K, member>()};
 };
 
 template <auto member>
@@ -349,7 +495,7 @@ struct ChildOperations {
     return Name::fits(childName) ? Ptr<Entity>(collectionOf<member>(object).childIs(Name(childName))) : nullptr;
   }
   static Ptr<Entity> del(void* object) { return collectionOf<member>(object).childDel(); }
-  static constexpr ChildRecord record{Child::fwkTypeName, &get, &set, &del};
+  static constexpr ChildRecord record{Child::fwkTypeName, &get, &set, &del, &Child::typeRecord};
 };
 
 }  // namespace detail

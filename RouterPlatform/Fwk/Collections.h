@@ -51,6 +51,11 @@ class EntityCollection {
     Ptr<T> const* const found = members_.find(key);
     return found ? found->get() : nullptr;
   }
+  /// Key of the member that came last, or null; valid until the collection changes.
+  K const* lastKey() const noexcept {
+    Ptr<T> const* const last = members_.last();
+    return last ? &(*last)->key() : nullptr;
+  }
 
   /// The member of that key. Makes it if it is not there: all defaults, parent set, then notified with the key. Throws
   /// what the member's constructor throws, and std::bad_alloc, having changed nothing.
@@ -59,7 +64,7 @@ class EntityCollection {
     Ptr<T> made = create<T>(key);
     members_.add(made);
     made->parentIs(&owner_, attr_);
-    owner_.notify(attr_, NotificationKey::of(made->key()));
+    owner_.notify(attr_, NotificationKey::of(made->key(), MemberChange::added));
     return made;
   }
 
@@ -69,7 +74,7 @@ class EntityCollection {
     std::optional<Ptr<T>> const removed = members_.remove(key);
     if (!removed) return nullptr;
     (*removed)->parentIs(nullptr, attr_);
-    owner_.notify(attr_, NotificationKey::of((*removed)->key()));
+    owner_.notify(attr_, NotificationKey::of((*removed)->key(), MemberChange::removed));
     return *removed;
   }
 
@@ -82,6 +87,8 @@ class EntityCollection {
    public:
     explicit Iterator(EntityCollection const& collection) noexcept : walk_(collection.members_) {}
     Entry operator*() const noexcept { return {walk_.element()->key(), walk_.element()}; }
+    /// Moves on if what it stood at has been removed: for a walk that is put aside after a step.
+    void settle() noexcept { walk_.settle(); }
     Iterator& operator++() noexcept {
       walk_.next();
       return *this;
@@ -156,17 +163,22 @@ class ValueCollection {
   }
   /// The value of `key`, or null; valid until the collection changes.
   V const* find(K const& key) const noexcept { return values_.find(key); }
+  /// The key that came last, or null; valid until the collection changes.
+  K const* lastKey() const noexcept { return values_.lastKey(); }
 
   /// Stores and notifies with the key, unless an equal value stands there.
   void memberIs(K const& key, V const& value) {
-    if (values_.set(key, value)) owner_.notify(attr_, NotificationKey::of(key));
+    U32 const before = values_.size();
+    if (!values_.set(key, value)) return;
+    bool const added = values_.size() != before;
+    owner_.notify(attr_, NotificationKey::of(key, added ? MemberChange::added : MemberChange::replaced));
   }
 
   /// Takes the value out, notifies with the key and returns it; a default value, nobody notified, when it is not there.
   V memberDel(K const& key) {
     std::optional<Entry> removed = values_.remove(key);
     if (!removed) return V();
-    owner_.notify(attr_, NotificationKey::of(removed->key));
+    owner_.notify(attr_, NotificationKey::of(removed->key, MemberChange::removed));
     return std::move(removed->value);
   }
 
@@ -207,18 +219,20 @@ class ValueSet {
   bool empty() const noexcept { return keys_.empty(); }
   bool contains(K const& key) const noexcept { return keys_.contains(key); }
   bool member(K const& key) const noexcept { return contains(key); }
+  /// The key that came last, or null; valid until the set changes.
+  K const* lastKey() const noexcept { return keys_.last(); }
 
   /// Adds `key` and notifies with it, unless it is there.
   void memberIs(K const& key) {
     if (keys_.contains(key)) return;
     keys_.add(key);
-    owner_.notify(attr_, NotificationKey::of(key));
+    owner_.notify(attr_, NotificationKey::of(key, MemberChange::added));
   }
 
   /// Removes `key`, notifies with it if it was there, and returns whether it was.
   bool memberDel(K const& key) {
     std::optional<K> const removed = keys_.remove(key);
-    if (removed) owner_.notify(attr_, NotificationKey::of(*removed));
+    if (removed) owner_.notify(attr_, NotificationKey::of(*removed, MemberChange::removed));
     return removed.has_value();
   }
 
@@ -231,6 +245,10 @@ class ValueSet {
    public:
     explicit Iterator(ValueSet const& set) noexcept : walk_(set.keys_) {}
     K operator*() const { return walk_.element(); }
+    /// The key itself; valid until the set changes.
+    K const* operator->() const noexcept { return &walk_.element(); }
+    /// Moves on if what it stood at has been removed: for a walk that is put aside after a step.
+    void settle() noexcept { walk_.settle(); }
     Iterator& operator++() noexcept {
       walk_.next();
       return *this;

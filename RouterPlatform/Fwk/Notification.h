@@ -9,14 +9,18 @@ namespace Fwk {
 
 class Entity;
 
+/// What became of a collection's member. A member that is added comes last; one that is replaced keeps its place.
+enum class MemberChange : U8 { unspecified, added, replaced, removed };
+
 /// The key with which a collection's change is notified. Refers to the mutator's key: valid during the notification.
 class NotificationKey {
  public:
   constexpr NotificationKey() noexcept = default;
 
   template <class K>
-  static NotificationKey of(K const& key) noexcept {
+  static NotificationKey of(K const& key, MemberChange change = MemberChange::unspecified) noexcept {
     NotificationKey result;
+    result.change_ = change;
     result.key_ = &key;
     result.type_ = &typeid(K);
     result.append_ = [](std::string& out, void const* k) {
@@ -34,6 +38,9 @@ class NotificationKey {
 
   explicit operator bool() const noexcept { return key_ != nullptr; }
 
+  /// What the mutator did. An observer that was called earlier may have changed the member again since.
+  MemberChange change() const noexcept { return change_; }
+
   /// Plain text of the key; nothing when there is none.
   void appendTo(std::string& out) const {
     if (key_) append_(out, key_);
@@ -43,6 +50,7 @@ class NotificationKey {
   void const* key_ = nullptr;
   std::type_info const* type_ = nullptr;
   void (*append_)(std::string&, void const*) = nullptr;
+  MemberChange change_ = MemberChange::unspecified;
 };
 
 /// One change of one attribute of one entity, after the new state is stored.

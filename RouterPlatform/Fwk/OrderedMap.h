@@ -38,6 +38,11 @@ class OrderedMap {
     Entry const* const entry = table_.find(key);
     return entry ? &entry->value : nullptr;
   }
+  /// The key that came last, or null; valid until the map changes.
+  K const* lastKey() const noexcept {
+    Entry const* const entry = table_.last();
+    return entry ? &entry->key : nullptr;
+  }
 
   /// Stores `value` under `key`; a new key comes last, another keeps its place. True unless an equal value stood there.
   /// Throws what copying throws, and std::bad_alloc, having added nothing.
@@ -66,6 +71,10 @@ class OrderedMap {
    public:
     explicit Iterator(OrderedMap const& map) noexcept : walk_(map.table_) {}
     Entry operator*() const { return walk_.element(); }
+    /// The entry itself; valid until the map changes.
+    Entry const* operator->() const noexcept { return &walk_.element(); }
+    /// Moves on if what it stood at has been removed: for a walk that is put aside after a step.
+    void settle() noexcept { walk_.settle(); }
     Iterator& operator++() noexcept {
       walk_.next();
       return *this;

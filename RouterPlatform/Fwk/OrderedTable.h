@@ -109,6 +109,10 @@ class OrderedTable {
   }
   Element const* find(Key const& key) const noexcept { return const_cast<OrderedTable*>(this)->find(key); }
   bool contains(Key const& key) const noexcept { return positionOf(key) != npos; }
+  /// The element that came last, or null; valid until the table changes.
+  Element const* last() const noexcept {
+    return used_ ? &SlotAccess::get(slots()[used_ - 1]) : nullptr;  // no hole ever stands at the end
+  }
 
   /// Appends `element`, whose key is not there. Throws std::bad_alloc, having changed nothing.
   Element& add(Element element) {
@@ -163,6 +167,12 @@ class OrderedTable {
     void next() noexcept {
       if (tableGone) return;
       if (!stale) ++position;
+      stale = false;
+      skipHoles();
+    }
+    /// Stands at an element again, or at the end: the one it stood at may have been removed since.
+    void settle() noexcept {
+      if (tableGone) return;
       stale = false;
       skipHoles();
     }

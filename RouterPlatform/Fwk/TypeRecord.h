@@ -7,11 +7,15 @@
 #include <RouterPlatform/Fwk/TextCodec.h>
 
 #include <atomic>
+#include <memory>
 #include <span>
 
 namespace Fwk {
 
 class Entity;
+class NotificationKey;
+class OctetSink;
+class OctetSource;
 struct TypeRecord;
 
 /// How many instances of an entity type are alive. Any thread.
@@ -95,6 +99,44 @@ struct MemberRef {
   String text;           ///< collections of plain values
 };
 
+/// A walk over a collection's members whose type need not be known. The collection may change in any way between two
+/// calls; it has to live. What is read is of the member that the walk stands at: call `atEnd` after any pause.
+class StreamWalk {
+ public:
+  virtual ~StreamWalk() = default;
+  /// Whether no member is left. Otherwise the walk stands at one: at the next one if its own has been removed.
+  virtual bool atEnd() noexcept = 0;
+  virtual void next() noexcept = 0;
+  virtual void putKey(OctetSink& out) const = 0;
+  /// Nothing for entities and for sets.
+  virtual void putValue(OctetSink& out) const = 0;
+  /// Null for values and for sets.
+  virtual Ptr<Entity> entity() const = 0;
+};
+
+/// The operations of a collection of an entity by octets instead of text: what a change stream uses. Octets that are no
+/// key are the key of no member.
+struct CollectionStream {
+  bool ofEntities;
+  /// The key that was notified. False: it is not of this collection.
+  bool (*putKey)(NotificationKey const& key, OctetSink& out);
+  /// Whether the key that was notified is that of the member that came last.
+  bool (*isLast)(void const* object, NotificationKey const& key);
+  bool (*contains)(void const* object, std::span<U8 const> key);
+  /// The member; null in collections of values.
+  Ptr<Entity> (*entity)(void const* object, std::span<U8 const> key);
+  /// Writes the value of `key`, nothing in sets. False: there is no such member, or members are entities.
+  bool (*putValue)(void const* object, std::span<U8 const> key, OctetSink& out);
+  /// Key of an entity that is a member.
+  void (*putMemberKey)(Entity const& member, OctetSink& out);
+  /// Makes the member if it is not there, or stores the value; an entity is given in `made`. False: `key` or `value` is
+  /// malformed, and nothing has changed.
+  bool (*set)(void* object, std::span<U8 const> key, std::span<U8 const> value, Ptr<Entity>& made);
+  /// Takes the member out if it is there. False: `key` is malformed.
+  bool (*del)(void* object, std::span<U8 const> key);
+  std::unique_ptr<StreamWalk> (*walk)(void const* object);
+};
+
 /// The operations of a collection attribute, all by plain text. `object` is the holder, as in `ConstObjectRef`.
 struct CollectionRecord {
   char const* keyTypeName;
@@ -112,6 +154,7 @@ struct CollectionRecord {
   void (*delAll)(void* object);
   /// Calls `visit` for each member, in order, until it returns false.
   void (*forEach)(void const* object, FunctionRef<bool(MemberRef const&)> visit);
+  CollectionStream const* stream = nullptr;  ///< null: not part of a change stream
 };
 
 /// The operations of a single owned child, made by name. `object` is the holder.
@@ -120,6 +163,7 @@ struct ChildRecord {
   Ptr<Entity> (*get)(void const* object);
   Ptr<Entity> (*set)(void* object, std::string_view name);  ///< null when the text is no name
   Ptr<Entity> (*del)(void* object);
+  TypeRecord const& (*type)();
 };
 
 /// One attribute of a type. `object`, everywhere: as in `ConstObjectRef`.
@@ -136,9 +180,17 @@ struct AttributeRecord {
   void (*visit)(void const* object, FunctionRef<void(ConstObjectRef)> visit) = nullptr;  ///< value records only
   CollectionRecord const* collection = nullptr;
   ChildRecord const* child = nullptr;
+  TypeRecord const& (*recordType)() = nullptr;  ///< value records only
+
+  /// A stored and settable value as octets; null: not part of a change stream. `take` sets the attribute to what all of
+  /// `in` says, and leaves it alone and returns false when that is malformed.
+  void (*put)(void const* object, OctetSink& out) = nullptr;
+  bool (*take)(void* object, OctetSource in) = nullptr;
 
   bool readable() const noexcept { return append != nullptr; }
   bool settable() const noexcept { return set != nullptr; }
+  /// Whether a change stream carries it.
+  bool streamed() const noexcept { return put || child || (collection && collection->stream); }
 };
 
 enum class TypeKind : U8 { entity, value };

@@ -19,6 +19,7 @@ namespace Net {
 class ROUTER_PLATFORM_EXPORT EthAddr {
  public:
   static constexpr char const* textTypeName = "EthAddr";
+  static constexpr bool isOctets = true;  ///< to a change stream
   static constexpr std::size_t size = 6;
 
   constexpr EthAddr() noexcept = default;

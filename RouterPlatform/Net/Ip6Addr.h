@@ -21,6 +21,7 @@ namespace Net {
 class ROUTER_PLATFORM_EXPORT Ip6Addr {
  public:
   static constexpr char const* textTypeName = "Ip6Addr";
+  static constexpr bool isOctets = true;  ///< to a change stream
   static constexpr std::size_t size = 16;
 
   constexpr Ip6Addr() noexcept = default;

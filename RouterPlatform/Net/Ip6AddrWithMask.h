@@ -12,6 +12,7 @@ namespace Net {
 class ROUTER_PLATFORM_EXPORT Ip6AddrWithMask {
  public:
   static constexpr char const* textTypeName = "Ip6AddrWithMask";
+  static constexpr bool isOctets = true;  ///< to a change stream
   static constexpr Fwk::U8 maxMaskLen = 128;
 
   constexpr Ip6AddrWithMask() noexcept = default;

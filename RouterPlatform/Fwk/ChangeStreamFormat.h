@@ -1,0 +1,43 @@
+#pragma once
+
+#include <RouterPlatform/Fwk/StreamCodec.h>
+
+#include <string_view>
+
+/// The records of a change stream, as docs/formats/change-stream.md has them. A record is its kind, the size of its
+/// body as a number, and the body.
+namespace Fwk::ChangeStream::detail {
+
+enum class RecordKind : U8 {
+  hello = 1,  ///< magic, version, schema hash, schema: first of a stream
+  batch,      ///< number: first of every drain
+  begin,      ///< of a snapshot
+  root,       ///< index, type name, key: enters a tree of the snapshot
+  end,        ///< of a snapshot
+  at,         ///< index of a root, steps: goes to an entity
+  value,      ///< place, value: of a scalar
+  member,     ///< place, key: makes a member or a child, which comes last, and enters it
+  leave,      ///< back to where `root` or `member` entered
+  row,        ///< place, key, value: of a collection of values; one that is there keeps its place
+  lastRow,    ///< the same, and comes last
+  removed,    ///< place, key: a member or child is no more
+  mark,       ///< the mirror is what the source is now
+};
+
+inline constexpr std::string_view magic = "RtrStrm\n";
+inline constexpr U64 version = 1;
+inline constexpr std::size_t maxRoots = 64;
+inline constexpr std::size_t maxDepth = 64;
+
+/// Appends a record whose body `fill` appends.
+template <class Fill>
+void putRecord(OctetSink& out, RecordKind kind, Fill fill) {
+  out.octet(static_cast<U8>(kind));
+  out.block(fill);
+}
+inline void putRecord(OctetSink& out, RecordKind kind) {
+  out.octet(static_cast<U8>(kind));
+  out.octet(0);
+}
+
+}  // namespace Fwk::ChangeStream::detail
