@@ -21,7 +21,7 @@ def check(what, result, status, out=None, err=None):
 check("help", run("--help"), 0, out="Usage: routeradvt", err="")
 for command in ("build", "send", "show", "types"):
     check(command + " help", run(command, "--help"), 0, out=f"Usage: routeradvt {command}", err="")
-check("no command", run(), 2, out="", err="subcommand is required")
+check("no command", run(), 2, out="", err="a command is required")
 check("unknown command", run("biuld"), 2, out="", err="biuld")
 check("unknown option", run("show", EXAMPLE, "--nothing"), 2, out="", err="--nothing")
 check("missing argument", run("build", EXAMPLE), 2, out="", err="INTF is required")
@@ -52,9 +52,11 @@ with tempfile.TemporaryDirectory() as folder:
     checks.equal("captured frame", octets[40:].hex(), frame)
 
 if os.path.exists("/dev/full"):
-    with open("/dev/full", "w", encoding="ascii") as full:
-        result = subprocess.run([PROGRAM, "types"], stdout=full, stderr=subprocess.PIPE, text=True, timeout=30, check=False)
-    checks.equal("full disk: exit status", result.returncode, 1)
-    checks.contains("full disk: stderr", result.stderr, "could not be written")
+    for argument in ("types", "--help", "--version"):
+        with open("/dev/full", "w", encoding="ascii") as full:
+            result = subprocess.run([PROGRAM, argument], stdout=full, stderr=subprocess.PIPE, text=True, timeout=30,
+                                    check=False)
+        checks.equal(f"{argument} on a full disk: exit status", result.returncode, 1)
+        checks.contains(f"{argument} on a full disk: stderr", result.stderr, "could not be written")
 
 checks.exit()

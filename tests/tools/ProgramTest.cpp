@@ -74,7 +74,22 @@ TEST_P(ProgramHelp, GoesToStandardOutputAndSucceeds) {
 INSTANTIATE_TEST_SUITE_P(Row, ProgramHelp,
                          testing::Values(HelpRow{"Program", {"--help"}}, HelpRow{"Build", {"build", "--help"}},
                                          HelpRow{"Send", {"send", "-h"}}, HelpRow{"Show", {"show", "--help"}},
-                                         HelpRow{"Types", {"types", "--help"}}));
+                                         HelpRow{"Types", {"types", "--help"}}, HelpRow{"InWords", {"help"}}));
+
+TEST(ProgramHelp, OnACommandIsTheCommandsOwn) { EXPECT_EQ(run({"help", "build"}).out, run({"build", "--help"}).out); }
+
+TEST(ProgramHelp, ThatCannotBeWrittenFails) {
+  std::ostringstream out, err;
+  out.setstate(std::ios::badbit);
+  EXPECT_EQ(runProgram({"--help"}, {out, err}), ExitStatus::failed);
+  EXPECT_EQ(err.str(), "routeradvt: the output could not be written\n");
+}
+
+TEST(Program, TellsItsVersion) {
+  Outcome const outcome = run({"--version"});
+  EXPECT_EQ(outcome.status, ExitStatus::success);
+  EXPECT_THAT(outcome.out, testing::MatchesRegex("routeradvt [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+}
 
 struct UsageRow {
   char const* name;
@@ -89,10 +104,25 @@ TEST_P(ProgramUsage, ErrorHasItsExitStatus) {
   EXPECT_THAT(outcome.err, HasSubstr(GetParam().error));
   EXPECT_EQ(outcome.out, "");
 }
+TEST_P(ProgramUsage, ErrorBeginsWithTheProgramAndEndsWithItsHelp) {
+  EXPECT_THAT(run(GetParam().arguments).err,
+              testing::MatchesRegex("routeradvt: [^\n]+\n'routeradvt( [a-z]+)? --help' tells what is possible\n"));
+}
 UsageRow const usageRows[] = {
-    {"NoCommand", {}, "subcommand is required"},
-    {"UnknownCommand", {"bild"}, "there is no command bild; did you mean build?"},
-    {"UnknownOption", {"show", "--colour", "x"}, "--colour"},
+    {"NoCommand", {}, "a command is required, one of build, send, "},
+    {"NoCommandButAnOption", {"--colour"}, "there is no option \"--colour\"; "},
+    {"UnknownCommand", {"bild"}, "there is no command \"bild\"; did you mean build?"},
+    {"EmptyCommand", {""}, "there is no command \"\"; "},
+    {"HelpOnAnUnknownCommand", {"help", "bild"}, "there is no command \"bild\"; did you mean build?"},
+    {"UnknownOption", {"show", "--jsn", "x"}, "there is no option \"--jsn\"; did you mean --json?"},
+    {"UnknownOptionWithAValue", {"build", "a", "b", "--srcc", "fe80::1"}, "\"--srcc\"; did you mean --src?"},
+    {"UnknownOptionJoinedToItsValue", {"build", "a", "b", "--mut=1500"}, "\"--mut\"; did you mean --mtu?"},
+    {"UnknownOptionInPlaceOfARequiredOne", {"send", "a", "b", "--vai", "c"}, "\"--vai\"; did you mean --via?"},
+    {"UnknownOptionBeforeTheCommand", {"--jsn", "show"}, "there is no option \"--jsn\"; "},
+    {"UnknownShortOption", {"show", "x", "-j"}, "there is no option \"-j\"; "},
+    {"OneArgumentTooMany", {"build", "a", "b", "c", "d"}, "routeradvt: \"c\" is one argument too many\n"},
+    {"OptionWithoutItsValue", {"build", "a", "b", "--mtu"}, "--mtu: one value is meant, and the option once"},
+    {"OptionTwice", {"build", "a", "b", "--mtu", "90", "--mtu", "91"}, "--mtu: one value is meant"},
     {"NoFile", {"build"}, "FILE is required"},
     {"NoInterface", {"build", "x.yaml"}, "INTF is required"},
     {"NoDevice", {"send", "x.yaml", "E1"}, "--via is required"},
@@ -198,7 +228,9 @@ TEST(BuildCommand, ADestinationThatIsNoGroupNeedsItsMac) {
   TemporaryFile const file(smallFile);
   Outcome const outcome = run({"build", file.name(), "E1", "--dst", "fe80::9"});
   EXPECT_EQ(outcome.status, ExitStatus::usage);
-  EXPECT_THAT(outcome.err, HasSubstr("--dst-mac is needed: fe80::9 is not multicast"));
+  EXPECT_EQ(outcome.err,
+            "routeradvt: --dst-mac is needed: fe80::9 is not multicast, so its MAC address is not known\n"
+            "'routeradvt build --help' tells what is possible\n");
 }
 
 TEST(BuildCommand, OptionsReachTheFrame) {
@@ -234,7 +266,7 @@ TEST(BuildCommand, AnUnknownInterfaceComesWithTheNearest) {
   TemporaryFile const file(smallFile);
   Outcome const outcome = run({"build", file.name(), "E3"});
   EXPECT_EQ(outcome.status, ExitStatus::failed);
-  EXPECT_EQ(outcome.err, file.name() + ":3:3: config/intf: there is no interface E3; did you mean E1?\n");
+  EXPECT_EQ(outcome.err, file.name() + ":3:3: config/intf: there is no interface \"E3\"; did you mean E1?\n");
 }
 
 TEST(BuildCommand, AnInterfaceWithoutALinkNeedsItsMac) {
@@ -248,7 +280,7 @@ TEST(BuildCommand, AnInterfaceWithoutALinkNeedsItsMac) {
 TEST(BuildCommand, ALinkAloneIsNotAdvertised) {
   TemporaryFile const file("config: {intf: {E1: {}}}\nlinks: {E2: {}}\n");
   EXPECT_THAT(run({"build", file.name(), "E2"}).err,
-              HasSubstr("config/intf: there is no interface E2, only a link of that name; with 'E2: {}' here it is "
+              HasSubstr("config/intf: there is no interface \"E2\", only a link of that name; with 'E2: {}' here it is "
                         "advertised by the defaults\n"));
 }
 
@@ -271,7 +303,7 @@ TEST(SendCommand, AnUnknownDeviceIsTold) {
   TemporaryFile const file(smallFile);
   Outcome const outcome = run({"send", file.name(), "E1", "--via", "loo"});
   EXPECT_EQ(outcome.status, ExitStatus::failed);
-  EXPECT_THAT(outcome.err, HasSubstr("there is no interface loo on this machine"));
+  EXPECT_THAT(outcome.err, HasSubstr("there is no interface \"loo\" on this machine"));
 }
 
 TEST(SendCommand, ADeviceWithoutEthernetIsTold) {

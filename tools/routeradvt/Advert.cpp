@@ -84,11 +84,11 @@ Ptr<RouterAdvt::IntfConfig> findIntf(ConfigFile const& file, std::string const& 
   std::string const section = "config/intf";
   if (intfId && file.link(*intfId))
     fail(file, section,
-         "there is no interface " + name + ", only a link of that name; with '" + name +
+         "there is no interface " + inQuotes(name) + ", only a link of that name; with '" + printable(name) +
              ": {}' here it is advertised by the defaults");
   std::vector<std::string> names;
   for (auto const& [key, intf] : file.config->intf()) names.push_back(key.toString());
-  fail(file, section, "there is no interface " + printable(name) + nearestNameHint(name, {names.begin(), names.end()}));
+  fail(file, section, "there is no interface " + inQuotes(name) + nearestNameHint(name, {names.begin(), names.end()}));
 }
 
 Advert makeAdvert(ConfigFile const& file, AdvertOptions const& options, NetworkInterface const* device) {

@@ -57,7 +57,7 @@ ifreq askKernel(FileDescriptor const& socket, std::string const& name, unsigned 
   if (fits && ioctl(socket.get(), question, &request) == 0) return request;
   if (fits && errno != ENODEV) throw Failure(printable(name) + ": " + std::strerror(errno));
   auto const names = interfaceNames();
-  throw Failure("there is no interface " + printable(name) + " on this machine" +
+  throw Failure("there is no interface " + inQuotes(name) + " on this machine" +
                 nearestNameHint(name, {names.begin(), names.end()}));
 }
 
