@@ -56,6 +56,17 @@ Row const rows[] = {
     {"HostBits", "prefixes: {2001:db8::1/64: {}}",
      "f:3:12: config/intf[E]/prefixes[2001:db8::1/64]: bits behind the prefix are set, and sent; receivers ignore "
      "them"},
+    {"Suppressed", "raSuppress: true",
+     "f:3:1: config/intf[E]/raSuppress: nothing is advertised there on its own; what is built or sent by hand is not "
+     "held back"},
+    {"EmptySuffix", "dnsSuffixes: {\"\": {}}",
+     "f:3:15: config/intf[E]/dnsSuffixes[]: is empty, and sent as a name without labels"},
+    {"EmptyLabel", "dnsSuffixes: {a..b: {}}",
+     "f:3:15: config/intf[E]/dnsSuffixes[a..b]: has an empty label, which is sent and ends the name for receivers (RFC "
+     "1035 3.1)"},
+    {"DotAtTheEnd", "dnsSuffixes: {x.: {}}",
+     "f:3:15: config/intf[E]/dnsSuffixes[x.]: the dot at the end is sent as one more empty label; without it the name "
+     "is the same"},
     {"LabelOf64Octets", "dnsSuffixes: {a." + std::string(64, 'b') + ".c: {}}",
      "f:3:15: config/intf[E]/dnsSuffixes[a." + std::string(64, 'b') + ".c]: the label \"" + std::string(64, 'b') +
          "\" has 64 octets; receivers take at most 63 (RFC 1035 2.3.4)"},
@@ -90,6 +101,32 @@ TEST(IntfWarnings, NoneForAProfileThatAgreesWithWhatIsSent) {
   EXPECT_THAT(
       warningsOf("config:\n  prefixProfiles: {guest: {}}\n  intf: {E: {prefixes: {\"::/64\": {profile: guest}}}}"),
       IsEmpty());
+}
+
+std::vector<std::string> virtualRouterWarningsOf(std::string const& rest, bool useVirtualRouter) {
+  ConfigFile const file = readConfigText("f", fileWith("", rest));
+  AdvertOptions options;
+  options.intf = "E";
+  options.srcMac = Net::EthAddr("02:00:00:00:00:01");
+  options.virtualRouter = useVirtualRouter;
+  return linesOf(virtualRouterWarnings(file, makeAdvert(file, options)));
+}
+
+TEST(VirtualRouterWarnings, ALinkWithoutOneIsTold) {
+  EXPECT_THAT(virtualRouterWarningsOf("links: {E: {mtu: 1500}}", true),
+              ElementsAre("f:5:9: links[E]: there is no virtualRouter here: no prefix is sent, and Router Lifetime 0"));
+}
+
+TEST(VirtualRouterWarnings, AMissingLinkIsTold) {
+  EXPECT_THAT(virtualRouterWarningsOf("", true), ElementsAre(HasSubstr("f: links[E]: there is no virtualRouter here")));
+}
+
+TEST(VirtualRouterWarnings, NoneForOneWithoutPrefixes) {
+  EXPECT_THAT(virtualRouterWarningsOf("links: {E: {virtualRouter: []}}", true), IsEmpty());
+}
+
+TEST(VirtualRouterWarnings, NoneUnlessItIsAskedFor) {
+  EXPECT_THAT(virtualRouterWarningsOf("links: {E: {}}", false), IsEmpty());
 }
 
 TEST(ConfigWarnings, TheSystemsHopLimitIsNotSent) {

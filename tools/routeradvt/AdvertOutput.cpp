@@ -7,6 +7,7 @@ namespace Tool {
 
 void printAdvertWarnings(Console& console, ConfigFile const& file, Advert const& advert) {
   std::vector<Diagnostic> warnings = intfWarnings(file, *advert.config);
+  for (Diagnostic& warning : virtualRouterWarnings(file, advert)) warnings.push_back(std::move(warning));
   for (Diagnostic& warning : fitWarnings(file, advert)) warnings.push_back(std::move(warning));
   // What was found when the file was read is of interest as far as it is about this interface.
   std::string const path = advert.config->fullName() + '/';

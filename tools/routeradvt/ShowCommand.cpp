@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 
 #include <ostream>
+#include <set>
 
 namespace Tool {
 
@@ -73,7 +74,7 @@ class ShowCommand final : public Command {
     for (auto const& [intfId, intf] : file_.config->intf()) {
       if (!isShown(intfId)) continue;
       append(intfWarnings(file_, *intf));
-      append(fitWarnings(file_, anyAdvert(intfId)));
+      append(fitWarningsOf(intfId));
     }
     sortByPlace(found);
     return found;
@@ -86,11 +87,27 @@ class ShowCommand final : public Command {
     return found;
   }
 
+  /// Of the interface's own advertisement, and what that of its virtual router has no room for besides.
+  std::vector<Diagnostic> fitWarningsOf(Net::IntfId const& intfId) const {
+    std::vector<Diagnostic> found = fitWarnings(file_, anyAdvert(intfId, false));
+    LinkConfig const* const link = file_.link(intfId);
+    if (!link || !link->virtualRouter) return found;
+    std::set<std::string> known;
+    for (Diagnostic const& warning : found) known.insert(warning.path);
+    for (Diagnostic& warning : fitWarnings(file_, anyAdvert(intfId, true))) {
+      if (known.contains(warning.path)) continue;
+      warning.text = "with --virtual-router: " + warning.text;
+      found.push_back(std::move(warning));
+    }
+    return found;
+  }
+
   /// What fits does not depend on the addresses, so an interface without a link can be looked at too.
-  Advert anyAdvert(Net::IntfId const& intfId) const {
+  Advert anyAdvert(Net::IntfId const& intfId, bool virtualRouter) const {
     AdvertOptions options;
     options.intf = intfId.toString();
     options.srcMac = placeholderMac;
+    options.virtualRouter = virtualRouter;
     return makeAdvert(file_, options);
   }
 

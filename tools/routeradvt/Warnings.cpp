@@ -38,6 +38,9 @@ class Findings {
 };
 
 void checkHeaderFields(Findings& findings, IntfConfig const& intf) {
+  if (intf.raSuppress())
+    findings.add("raSuppress",
+                 "nothing is advertised there on its own; what is built or sent by hand is not held back");
   U32 const lifetime = intf.raLifetime();
   if (lifetime > 0xffff)
     findings.add("raLifetime", std::to_string(lifetime) + " s is more than the field's 16 bits hold; " +
@@ -80,12 +83,20 @@ void checkProfile(Findings& findings, RouterAdvt::Config const& config, PrefixCo
   if (!differences.empty()) findings.add("profile", "profiles are not applied to what is sent: it has " + differences);
 }
 
+void checkLabel(Findings& findings, std::string_view label, bool isLast) {
+  if (label.empty())
+    findings.add("", isLast ? "the dot at the end is sent as one more empty label; without it the name is the same"
+                            : "has an empty label, which is sent and ends the name for receivers (RFC 1035 3.1)");
+  if (label.size() > longestLabel)
+    findings.add("", "the label " + inQuotes(label) + " has " + std::to_string(label.size()) +
+                         " octets; receivers take at most 63 (RFC 1035 2.3.4)");
+}
+
 void checkSuffix(Findings& findings, std::string_view suffix) {
+  if (suffix.empty()) return findings.add("", "is empty, and sent as a name without labels");
   for (std::size_t begin = 0; begin <= suffix.size();) {
     std::size_t const end = std::min(suffix.find('.', begin), suffix.size());
-    if (end - begin > longestLabel)
-      findings.add("", "the label " + inQuotes(suffix.substr(begin, end - begin)) + " has " +
-                           std::to_string(end - begin) + " octets; receivers take at most 63 (RFC 1035 2.3.4)");
+    checkLabel(findings, suffix.substr(begin, end - begin), end == suffix.size());
     begin = end + 1;
   }
 }
@@ -112,6 +123,13 @@ std::vector<Diagnostic> intfWarnings(ConfigFile const& file, IntfConfig const& i
   }
   sortByPlace(found);
   return found;
+}
+
+std::vector<Diagnostic> virtualRouterWarnings(ConfigFile const& file, Advert const& advert) {
+  if (!advert.useVirtualRouter || advert.virtualRouter) return {};
+  std::string path = "links[" + advert.config->intfId().toString() + ']';
+  Place const place = file.placeOf(path);
+  return {{place, std::move(path), "there is no virtualRouter here: no prefix is sent, and Router Lifetime 0"}};
 }
 
 std::vector<Diagnostic> configWarnings(ConfigFile const& file) {

@@ -14,6 +14,9 @@ std::vector<Diagnostic> configWarnings(ConfigFile const& file);
 /// The same for one interface.
 std::vector<Diagnostic> intfWarnings(ConfigFile const& file, RouterAdvt::IntfConfig const& intf);
 
+/// What an advertisement on behalf of a virtual router lacks when there is none.
+std::vector<Diagnostic> virtualRouterWarnings(ConfigFile const& file, Advert const& advert);
+
 /// What does not fit into that advertisement, and why: found out by building it.
 std::vector<Diagnostic> fitWarnings(ConfigFile const& file, Advert const& advert);
 
