@@ -69,8 +69,7 @@ ErrorRow const attributeErrors[] = {
     {"Key", intfFile("intfId: Ethernet1"),
      "f:4:7: config/intf[Ethernet1]/intfId: is given by the key of the mapping, and cannot be set"},
     {"AttributeWithoutDescriptor", intfFile("numPrefixesToAdvertise: 1"),
-     "f:4:7: config/intf[Ethernet1]/numPrefixesToAdvertise: there is no such attribute; the nearest valid name is "
-     "dnsSuffixesLifetime"},
+     "f:4:7: config/intf[Ethernet1]/numPrefixesToAdvertise: cannot be set"},
     {"DuplicateAttribute", "config:\n  hopLimit: 1\n  hopLimit: 2\n",
      "f:3:3: config: duplicate key \"hopLimit\", which line 2 has already"},
 };
@@ -85,7 +84,11 @@ ErrorRow const valueErrors[] = {
     {"NumberThatIsNone", intfFile("raLifetime: 5s"),
      "f:4:19: config/intf[Ethernet1]/raLifetime: \"5s\" is not a whole number from 0 to 4294967295"},
     {"BoolThatIsNone", intfFile("raSuppress: yes"),
-     "f:4:19: config/intf[Ethernet1]/raSuppress: \"yes\" is not true or false"},
+     "f:4:19: config/intf[Ethernet1]/raSuppress: \"yes\" is not true or false; did you mean true?"},
+    {"BoolInOtherLetters", intfFile("raSuppress: False"),
+     "f:4:19: config/intf[Ethernet1]/raSuppress: \"False\" is not true or false; did you mean false?"},
+    {"BoolThatIsNothingLikeOne", intfFile("raSuppress: 2"),
+     "f:4:19: config/intf[Ethernet1]/raSuppress: \"2\" is not true or false"},
     {"ListForAValue", intfFile("raLifetime: [1, 2]"),
      "f:4:19: config/intf[Ethernet1]/raLifetime: there is a list where a whole number from 0 to 4294967295 is meant"},
     {"MappingForAValue", intfFile("raLifetime: {a: 1}"),
@@ -126,11 +129,16 @@ ErrorRow const memberErrors[] = {
      "f:4:37: config/intf[Ethernet1]/prefixes: duplicate key \"2001:DB8:0::/64\", which is the same as "
      "\"2001:db8::/64\" in line 4"},
     {"ListForMembers", intfFile("prefixes: [2001:db8::/64]"),
-     "f:4:17: config/intf[Ethernet1]/prefixes: there is a list where a mapping whose keys are of type Ip6AddrWithMask "
-     "is meant"},
+     "f:4:17: config/intf[Ethernet1]/prefixes: there is a list where a mapping with keys such as 2001:db8::/64 is "
+     "meant"},
+    {"ValueForInterfaces", "config: {intf: Ethernet1}",
+     "f:1:16: config/intf: there is a single value where a mapping with keys such as Ethernet1 is meant"},
+    {"MergeKey", "config: {intf: {Ethernet1: &a {hopLimit: 3}, Ethernet2: {<<: *a}}}",
+     "f:1:58: config/intf[Ethernet2]: a merge key (<<) is not followed; what it would bring in has to be written "
+     "here"},
     {"ValueForAMember", intfFile("dnsServers: {2001:db8::53: yes}"),
-     "f:4:34: config/intf[Ethernet1]/dnsServers[2001:db8::53]: there is a single value where a mapping from the "
-     "attributes of RouterAdvt::DNSServerConfigEntry is meant"},
+     "f:4:34: config/intf[Ethernet1]/dnsServers[2001:db8::53]: there is a single value where a mapping with "
+     "attributes such as lifetime is meant"},
     {"KeyThatIsAList", intfFile("dnsServers: {[a]: {}}"),
      "f:4:20: config/intf[Ethernet1]/dnsServers: a key is a text, and this is a list"},
     {"DeepInside", intfFile("prefixes: {2001:db8::/64: {validLifetime: x}}"),
@@ -191,8 +199,17 @@ ErrorRow const fileErrors[] = {
     {"SectionTwice", "config: {}\nlinks: {}\nconfig: {intf: {Ethernet1: {}}}\n",
      "f:3:1: duplicate key \"config\", which line 1 has already"},
     {"SectionThatIsAList", "config: []\n",
-     "f:1:9: config: there is a list where a mapping from the attributes of RouterAdvt::Config is meant"},
+     "f:1:9: config: there is a list where a mapping with attributes such as intf is meant"},
     {"TwoDocuments", "config: {}\n---\nconfig: {}\n", "f:3:1: a second document begins; one is meant"},
+    {"TabAsIndentation", "config:\n  intf:\n\n    E1:\n    \traLifetime: 5\n",
+     "f:5:16: not YAML: illegal map value; line 5 begins with a tab, and YAML is indented with blanks alone"},
+    {"TabBehindAValueIsNoMistake", "config:\t{}\n\t\nlinks: {a\n", "f:4:1: not YAML: end of map flow not found"},
+    {"Binary",
+     std::string("\x7f"
+                 "ELF\2\1\1\0\0",
+                 9),
+     "f: is not a text file"},
+    {"BinaryBehindAText", std::string("config: {}\n\0", 12), "f: is not a text file"},
     {"SyntaxError", "config:\n  intf: {a: {}\n", "f:3:1: not YAML: end of map flow not found"},
     {"UnknownAlias", "config: *a\n", "f:1:9: not YAML: the referenced anchor is not defined"},
     {"NestedTooDeeply", std::string(10000, '['), "f:1:1: not YAML that can be read: nested too deeply"},
@@ -305,6 +322,20 @@ TEST(ConfigFile, WithoutAListThereIsNoVirtualRouter) {
   EXPECT_FALSE(readConfigText("f", linkFile("mtu: 1500")).link("Ethernet1")->virtualRouter);
 }
 
+TEST(ConfigFile, AnAnchorCanBeReferredTo) {
+  ConfigFile const file = readConfigText("f", "config: {intf: {E1: &a {hopLimit: 3}, E2: *a}}");
+  ASSERT_THAT(linesOf(file.errors), IsEmpty());
+  EXPECT_EQ(file.config->intf("E2")->hopLimit(), 3U);
+}
+
+TEST(ConfigFile, MayHaveCharactersOf16Bits) {
+  std::string text = "\xff\xfe";
+  for (char const c : std::string("config: {hopLimit: 7}")) text += {c, '\0'};
+  ConfigFile const file = readConfigText("f", text);
+  ASSERT_THAT(linesOf(file.errors), IsEmpty());
+  EXPECT_EQ(file.config->hopLimit(), 7U);
+}
+
 TEST(ConfigFile, PlacesOfWhatTheFileNamesAreKept) {
   ConfigFile const file = readConfigText("f", wholeFile);
   EXPECT_EQ(file.placeOf("config/intf[Ethernet1]/routerPreference"), (Place{11, 7}));
@@ -315,6 +346,7 @@ TEST(ConfigFile, PlacesOfWhatTheFileNamesAreKept) {
 TEST(ConfigFile, WhatTheFileDoesNotNameHasThePlaceOfWhatIsAboveIt) {
   ConfigFile const file = readConfigText("f", wholeFile);
   EXPECT_EQ(file.placeOf("config/intf[Ethernet1]/prefixes[2001:db8:1::/64]/validLifetime"), (Place{15, 9}));
+  EXPECT_EQ(file.placeOf("links[Ethernet2]"), (Place{18, 1}));
 }
 
 TEST(ConfigFile, EverySettableAttributeOfTheModelCanBeConfigured) {

@@ -273,8 +273,30 @@ TEST(BuildCommand, AnInterfaceWithoutALinkNeedsItsMac) {
   TemporaryFile const file(smallFile);
   Outcome const outcome = run({"build", file.name(), "E2"});
   EXPECT_EQ(outcome.status, ExitStatus::failed);
-  EXPECT_THAT(outcome.err, HasSubstr("links[E2]: there is no such link, which would give the mac; add it, or give "
-                                     "--src-mac\n"));
+  EXPECT_EQ(outcome.err, file.name() +
+                             ":8:1: links: there is no link \"E2\", which would give the mac; add it to the "
+                             "section links, or give --src-mac; did you mean E1?\n");
+}
+
+TEST(BuildCommand, ALinkWithoutAMacNeedsOne) {
+  TemporaryFile const file("config: {intf: {E1: {}}}\nlinks: {E1: {mtu: 1500}}\n");
+  Outcome const outcome = run({"build", file.name(), "E1"});
+  EXPECT_EQ(outcome.status, ExitStatus::failed);
+  EXPECT_EQ(outcome.err, file.name() + ":2:9: links[E1]: there is no mac; give one here, or --src-mac\n");
+}
+
+TEST(BuildCommand, WithoutAnyLinkTheMacIsMissedAtTheInterface) {
+  TemporaryFile const file("config:\n  intf: {E1: {}}\n");
+  EXPECT_EQ(run({"build", file.name(), "E1"}).err,
+            file.name() +
+                ":2:10: config/intf[E1]: there is no link \"E1\", which would give the mac; add it to the "
+                "section links, or give --src-mac\n");
+}
+
+TEST(BuildCommand, WarnsWhenThereIsNoVirtualRouter) {
+  TemporaryFile const file(smallFile);
+  EXPECT_THAT(run({"build", file.name(), "E1", "--virtual-router"}).err,
+              HasSubstr(":9:3: warning: links[E1]: there is no virtualRouter here: "));
 }
 
 TEST(BuildCommand, ALinkAloneIsNotAdvertised) {
@@ -296,7 +318,8 @@ TEST(BuildCommand, ACaptureFileThatCannotBeWrittenFails) {
   TemporaryFile const file(smallFile);
   Outcome const outcome = run({"build", file.name(), "E1", "--write", "/no/such/folder/x.pcap"});
   EXPECT_EQ(outcome.status, ExitStatus::failed);
-  EXPECT_THAT(outcome.err, HasSubstr("/no/such/folder/x.pcap"));
+  EXPECT_THAT(outcome.err,
+              testing::EndsWith("\n/no/such/folder/x.pcap: cannot be written: No such file or directory\n"));
 }
 
 TEST(SendCommand, AnUnknownDeviceIsTold) {
@@ -337,6 +360,29 @@ TEST(ShowCommand, WarningsComeLast) {
   TemporaryFile const file(smallFile);
   EXPECT_THAT(run({"show", file.name()}).out,
               HasSubstr("\nwarnings\n  " + file.name() + ":5:7: config/intf[E1]/raLifetime: "));
+}
+
+/// More prefixes than an advertisement has room for.
+std::string manyPrefixes() {
+  std::string text;
+  for (int i = 1; i <= 46; ++i) text += "\"2001:db8:" + std::to_string(i) + "::/64\", ";
+  return text;
+}
+
+TEST(ShowCommand, WarnsAboutWhatDoesNotFitOnBehalfOfTheVirtualRouter) {
+  TemporaryFile const file("config: {intf: {E1: {dnsServers: {\"::1\": {}}}}}\nlinks: {E1: {virtualRouter: [" +
+                           manyPrefixes() + "]}}\n");
+  std::string const out = run({"show", file.name()}).out;
+  EXPECT_THAT(out, HasSubstr(":2:14: links[E1]/virtualRouter: with --virtual-router: 2001:db8:45::/64 does not fit"));
+  EXPECT_THAT(out, HasSubstr("dnsServers[::1]: with --virtual-router: does not fit"));
+}
+
+TEST(ShowCommand, SaysOnceWhatFitsInNeitherAdvertisement) {
+  TemporaryFile const file("config: {intf: {E1: {networkBootFileUrl: \"tftp://x/" + std::string(2000, 'y') +
+                           "\"}}}\nlinks: {E1: {virtualRouter: []}}\n");
+  std::string const out = run({"show", file.name()}).out;
+  EXPECT_THAT(out, HasSubstr("networkBootFileUrl: does not fit; "));
+  EXPECT_THAT(out, testing::Not(HasSubstr("--virtual-router")));
 }
 
 TEST(ShowCommand, OneInterfaceAlone) {

@@ -25,10 +25,13 @@ EthAddr sourceMac(ConfigFile const& file, AdvertOptions const& options, LinkConf
   if (options.srcMac) return *options.srcMac;
   if (link && link->mac) return *link->mac;
   if (device) return device->mac;
-  std::string const path = "links[" + options.intf + ']';
-  fail(file, path,
-       link ? "there is no mac; give one here, or --src-mac"
-            : "there is no such link, which would give the mac; add it, or give --src-mac");
+  if (link) fail(file, "links[" + options.intf + ']', "there is no mac; give one here, or --src-mac");
+  std::vector<std::string> names;
+  for (LinkConfig const& other : file.links) names.push_back(other.intfId.toString());
+  fail(file, names.empty() ? "config/intf[" + options.intf + ']' : "links",
+       "there is no link " + inQuotes(options.intf) +
+           ", which would give the mac; add it to the section links, or give --src-mac" +
+           nearestNameHint(options.intf, {names.begin(), names.end()}));
 }
 
 Ip6Addr sourceAddr(AdvertOptions const& options, LinkConfig const* link, NetworkInterface const* device,

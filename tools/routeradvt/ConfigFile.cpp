@@ -45,11 +45,31 @@ FileText readWhole(std::string const& fileName) {
   return result;
 }
 
+/// A NUL stands in no text but one of 16 or 32 bits a character, which begins with a byte order mark.
+bool isText(std::string_view octets) {
+  using namespace std::string_view_literals;
+  if (octets.find('\0') == std::string_view::npos) return true;
+  constexpr std::array marks{"\xfe\xff"sv, "\xff\xfe"sv, "\0\0\xfe\xff"sv};  // the fourth begins as the second
+  return std::ranges::any_of(marks, [&](std::string_view mark) { return octets.starts_with(mark); });
+}
+
+/// The parser does not say what is most often wrong when it stumbles over a line, or over what went before it.
+std::string tabHint(std::string_view text, int lastLine) {
+  for (int line = 1; line <= lastLine && !text.empty(); ++line) {
+    std::string_view const blanks = text.substr(0, text.find_first_not_of(" \t"));
+    if (blanks.size() < text.size() && text[blanks.size()] != '\n' && blanks.find('\t') != std::string_view::npos)
+      return "; line " + std::to_string(line) + " begins with a tab, and YAML is indented with blanks alone";
+    text.remove_prefix(std::min(text.find('\n'), text.size() - 1) + 1);
+  }
+  return {};
+}
+
 class FileReader {
  public:
   explicit FileReader(ConfigFile& file) : file_(file), reader_(file) {}
 
   void read(std::string const& text) {
+    if (!isText(text)) return reader_.error({}, {}, "is not a text file");
     std::vector<YAML::Node> documents;
     try {
       documents = YAML::LoadAll(text);
@@ -57,7 +77,7 @@ class FileReader {
       return reader_.error(startOfFile, {}, "not YAML that can be read: nested too deeply");
     } catch (YAML::Exception const& e) {
       Place const place = e.mark.is_null() ? startOfFile : Place{e.mark.line + 1, e.mark.column + 1};
-      return reader_.error(place, {}, "not YAML: " + printable(e.msg));
+      return reader_.error(place, {}, "not YAML: " + printable(e.msg) + tabHint(text, place.line));
     }
     if (documents.empty() || documents[0].IsNull())
       return reader_.error(startOfFile, {}, "the file is empty; a section config is meant");
@@ -115,8 +135,8 @@ Place ConfigFile::placeOf(std::string path) const {
   while (!path.empty()) {
     if (auto const found = places.find(path); found != places.end()) return found->second;
     // A key may have slashes of its own; what is left of it then is no path, and so found nowhere.
-    auto const slash = path.rfind('/');
-    path.resize(slash == std::string::npos ? 0 : slash);
+    auto const separator = path.find_last_of("/[");
+    path.resize(separator == std::string::npos ? 0 : separator);
   }
   return {};
 }

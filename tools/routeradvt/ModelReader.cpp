@@ -3,6 +3,8 @@
 #include <tools/routeradvt/NearestName.h>
 #include <tools/routeradvt/ValueTypes.h>
 
+#include <algorithm>
+
 namespace Tool {
 
 namespace {
@@ -21,6 +23,13 @@ std::vector<std::string_view> configurableNames(TypeRecord const& type) {
   return names;
 }
 
+/// About a name that is none of those.
+std::string whyNoAttribute(TypeRecord const& type, std::string_view name) {
+  // Some have a number and are not reached by reflection, which does not find them.
+  if (std::ranges::find(type.attributes, name, &AttributeRecord::name) != type.attributes.end()) return "cannot be set";
+  return "there is no such attribute" + nearestNameHint(name, configurableNames(type));
+}
+
 std::string whyNotConfigurable(AttributeRecord const& attr) {
   switch (attr.kind) {
     case Fwk::AttributeKind::key:
@@ -30,7 +39,7 @@ std::string whyNotConfigurable(AttributeRecord const& attr) {
     case Fwk::AttributeKind::computed:
       return "is computed from other attributes, and cannot be set";
     default:
-      return "cannot be configured";
+      return "cannot be set";
   }
 }
 
@@ -40,7 +49,7 @@ class EntityReader {
       : reader_(reader), entity_(entity), type_(entity->fwkType()), path_(entity->fullName()) {}
 
   void read(YamlValue const& value) {
-    reader_.forEachEntry(value, "a mapping from the attributes of " + std::string(type_.name),
+    reader_.forEachEntry(value, "a mapping with attributes such as " + std::string(configurableNames(type_).front()),
                          [&](YamlEntry const& entry) { readAttribute(entry); });
     for (auto const& [attr, place] : given_) warnUnlessConfigured(*attr, place);
   }
@@ -49,9 +58,7 @@ class EntityReader {
   void readAttribute(YamlEntry const& entry) {
     std::string const path = path_ + '/' + entry.key;
     AttributeRecord const* const attr = type_.attribute(entry.key);
-    if (!attr)
-      return reader_.error(entry.keyPlace, path,
-                           "there is no such attribute" + nearestNameHint(entry.key, configurableNames(type_)));
+    if (!attr) return reader_.error(entry.keyPlace, path, whyNoAttribute(type_, entry.key));
     reader_.notePlace(path, entry.keyPlace);
     if (isMapping(*attr))
       readCollection(entry.value(path), *attr);
@@ -73,8 +80,7 @@ class EntityReader {
 
   void readCollection(YamlValue const& value, AttributeRecord const& attr) {
     std::map<std::string, YamlEntry> members;
-    std::string const keyType = attr.collection->keyTypeName;
-    reader_.forEachEntry(value, "a mapping whose keys are of type " + keyType,
+    reader_.forEachEntry(value, "a mapping with keys such as " + exampleText(attr.collection->keyTypeName),
                          [&](YamlEntry const& entry) { readMember(entry, attr, members); });
   }
 

@@ -68,6 +68,10 @@ void YamlReader::forEachEntry(YamlValue const& value, std::string const& expecte
     Place const place = placeOf(pair.first, value.place);
     auto key = keyOf(pair.first, place, value.path);
     if (!key) continue;
+    if (*key == "<<") {
+      error(place, value.path, "a merge key (<<) is not followed; what it would bring in has to be written here");
+      continue;
+    }
     auto const [first, isNew] = seen.emplace(*key, place);
     if (isNew)
       visit({std::move(*key), place, pair.second});

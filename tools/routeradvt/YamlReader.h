@@ -41,8 +41,8 @@ class YamlReader {
   /// The text of a single value. `expected` says what is meant, for the message when there is none.
   std::optional<std::string> scalar(YamlValue const& value, std::string const& expected);
 
-  /// Calls `visit` for every entry, in order. What is no mapping, a key that is no text and a key that was there
-  /// before are errors and not visited. Nothing at all counts as an empty mapping. `expected`: as above.
+  /// Calls `visit` for every entry, in order. What is no mapping, a key that is no text, a merge key and a key that was
+  /// there before are errors and not visited. Nothing at all counts as an empty mapping. `expected`: as above.
   void forEachEntry(YamlValue const& value, std::string const& expected,
                     Fwk::FunctionRef<void(YamlEntry const&)> visit);
 
