@@ -18,7 +18,8 @@ using std::chrono::milliseconds;
 /// Longest sleep before the writer is looked after.
 constexpr milliseconds slice{1000};
 /// First sleep of a wait, more than two clock ticks: a writer whose wake woke nobody does not wake again in the same
-/// tick, so what changes right after a wait began may come without a wake.
+/// tick, so what changes right after a wait began may come without a wake. Each sleep is twice as long as the one
+/// before, so that a wake that is missed for whatever reason costs no more than about the time already waited.
 constexpr milliseconds firstSlice{25};
 /// What stands for longer waits, so that the deadline can be computed.
 constexpr milliseconds longestWait = std::chrono::hours(24 * 365);
@@ -104,7 +105,8 @@ Error ReaderBase::open(std::unique_ptr<Attachment>& out) const {
 
 Error ReaderBase::attach() {
   detach();
-  return open(attachment_);
+  attachError_ = open(attachment_);
+  return attachError_;
 }
 
 /// Acquire; pairs with the release store in WriterCore::retire.
@@ -125,14 +127,19 @@ WriterState ReaderBase::writer() const noexcept {
   return state;
 }
 
-/// Whether the name leads to another file than the attached one, or to none.
+/// Whether the name leads to another file than the attached one, or to none. What cannot be told is no reason to let go
+/// of the rows that are there.
 bool ReaderBase::isReplaced() const {
   Fd directory;
-  if (Error error = FileIo::openDirectory(directory_, mountPath_, false, owner_, directory)) return true;
+  if (Error error = FileIo::openDirectory(directory_, mountPath_, false, owner_, directory))
+    return error.code == Errc::noTable;
   return !FileIo::namesFile(directory, collection_ + ".tbl", attachment_->memory.fd());
 }
 
-WaitResult ReaderBase::reattach() { return attach() ? WaitResult::tableGone : WaitResult::attached; }
+WaitResult ReaderBase::reattach() {
+  if (!attach()) return WaitResult::attached;
+  return attachError_.code == Errc::noTable ? WaitResult::tableGone : WaitResult::unreadable;
+}
 
 std::optional<WaitResult> ReaderBase::checkWriter() {
   if (FileIo::isLockedForWriting(attachment_->memory.fd())) return std::nullopt;
@@ -148,9 +155,11 @@ WaitResult ReaderBase::wait(U64 seen, milliseconds timeout) {
   while (true) {
     auto const left = std::chrono::ceil<milliseconds>(deadline - Clock::now());
     milliseconds const sleep = std::min(longest, left);
-    longest = slice;
+    longest = std::min(2 * longest, slice);
     if (!attachment_) {
-      if (!attach()) return WaitResult::attached;
+      Errc const before = attachError_ ? attachError_.code : Errc::noTable;
+      WaitResult const found = reattach();
+      if (found == WaitResult::attached || attachError_.code != before) return found;
       if (left <= milliseconds::zero()) return WaitResult::timedOut;
       std::this_thread::sleep_for(sleep);
       continue;

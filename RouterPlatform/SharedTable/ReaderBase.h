@@ -26,7 +26,8 @@ enum class WaitResult : U8 {
   timedOut,    ///< nothing happened
   attached,    ///< another table has the name now and is attached: a writer (re)started; read everything anew
   writerGone,  ///< no writer is alive any more; the rows are the last ones it left
-  tableGone    ///< the writer ended the table, and there is no other; nothing is attached
+  tableGone,   ///< the writer ended the table, and there is no other; nothing is attached
+  unreadable   ///< another table has the name now and cannot be attached, `attachError()` says why; nothing is attached
 };
 
 /// The writer of the attached table.
@@ -49,6 +50,8 @@ class ROUTER_PLATFORM_EXPORT ReaderBase {
   Error attach();
   void detach() noexcept;
   bool attached() const noexcept;
+  /// Why the last attempt to attach failed, those of `wait` included; none if it did not.
+  Error const& attachError() const noexcept { return attachError_; }
 
   /// Rows, as the writer counts them: one off at most while it works. 0 without a table.
   U32 count() const noexcept;
@@ -60,7 +63,8 @@ class ROUTER_PLATFORM_EXPORT ReaderBase {
   WriterState writer() const noexcept;
 
   /// Waits until the table's change count is not `seen`, or something else happens to the table, or the time is over.
-  /// Sleeps; a change wakes it at once, the end of a writer within about a second. Without a table it waits for one.
+  /// Sleeps; a change wakes it at once, the end of a writer within about a second. Without a table it waits for one,
+  /// and ends too when there is another reason than before why none can be attached.
   WaitResult wait(U64 seen, std::chrono::milliseconds timeout);
 
   std::string const& path() const noexcept { return path_; }
@@ -86,6 +90,7 @@ class ROUTER_PLATFORM_EXPORT ReaderBase {
   std::string const collection_;
   std::string const path_;
   std::unique_ptr<Attachment> attachment_;
+  Error attachError_;
 };
 
 }  // namespace SharedTable

@@ -212,6 +212,47 @@ TEST_F(KilledWriters, AreNoticedByWaitersWhichThenFindTheNextOne) {
   EXPECT_EQ(reader.row(Key::of(1)).row, Row(1, 2));
 }
 
+TEST_F(KilledWriters, LeaveTheirRowsToAReaderThatCannotTellWhetherThereIsANextOne) {
+  pid_t const first = start([this] {
+    Writer writer(collection, writerOptions());
+    writer.rowIs(Row(1, 1));
+    if (writer.mountPathIs(mountPath)) _exit(1);
+    pause();
+  });
+  Reader reader(mountPath, collection, readerOptions());
+  ASSERT_EQ(reader.wait(0, 20s), WaitResult::attached);
+  ASSERT_EQ(chmod(path("").c_str(), 0777), 0);  // what stands in there is not to be trusted
+  killAndReap(first);
+  EXPECT_EQ(reader.wait(reader.changeCount(), 20s), WaitResult::writerGone);
+  EXPECT_EQ(reader.row(Key::of(1)).row, Row(1, 1));
+}
+
+TEST_F(KilledWriters, AnywhereInAnUnmountingLeaveAWholeTableOrNone) {
+  U64 const kills = rounds(200);
+  std::mt19937_64 random(kills);
+  std::vector<pid_t> readers{start([this] { read(1); })};
+  U64 tables = 0;
+  for (U64 round = 0; round < kills; ++round) {
+    pid_t const writer = start([this] {
+      Writer mounting(collection, writerOptions(8, 4096));
+      for (U64 i = 0; i < lasting; ++i) mounting.rowIs(Row(i, 0));
+      while (!mounting.mountPathIs(mountPath) && !mounting.mountPathDel()) continue;
+    });
+    std::this_thread::sleep_for(std::chrono::microseconds(1000 + random() % 4000));
+    killAndReap(writer);
+    tables += std::filesystem::exists(path());
+    checkWhatIsLeft();
+    Writer next(collection, writerOptions());
+    for (U64 i = 0; i < lasting; ++i) next.rowIs(Row(i, 0));
+    ASSERT_FALSE(next.mountPathIs(mountPath)) << "whatever it left holds nobody up";
+  }
+  report_->stop = true;
+  for (pid_t const reader : readers) EXPECT_EQ(reap(reader), 0);
+  expectNothingWrong();
+  EXPECT_GT(tables, 0u);
+  EXPECT_LT(tables, kills);
+}
+
 TEST_F(KilledWriters, HaveTheirFileRetiredByTheNextOne) {
   pid_t const first = start([this] {
     Writer writer(collection, writerOptions());

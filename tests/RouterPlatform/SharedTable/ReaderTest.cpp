@@ -1,3 +1,4 @@
+#include <RouterPlatform/SharedTable/WriterCore.h>
 #include <tests/RouterPlatform/SharedTable/TableFixture.h>
 
 #include <sys/file.h>
@@ -203,6 +204,21 @@ TEST_F(ReaderOf, AWaiterWithoutATableWaitsForOne) {
   EXPECT_EQ(reader_.wait(0, 10s), WaitResult::attached);
 }
 
+TEST_F(ReaderOf, AChangeWhoseWakeIsLostIsFoundAfterAboutTheTimeAlreadyWaited) {
+  mountAndAttach();
+  U64 const seen = reader_.changeCount();
+  auto& live = *reinterpret_cast<LiveState*>(writer_.core().memory().base() + SharedTable::liveStateOffset);
+  std::thread changer([&] {
+    std::this_thread::sleep_for(60ms);
+    live.changeCount.store(seen + 1, std::memory_order_release);
+    live.changeWord.store(static_cast<U32>(seen + 1), std::memory_order_release);
+  });
+  auto const start = std::chrono::steady_clock::now();
+  EXPECT_EQ(reader_.wait(seen, 10s), WaitResult::changed);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, 700ms);
+  changer.join();
+}
+
 TEST_F(ReaderOf, TheStateOfTheWriterIsKnown) {
   mountAndAttach();
   SharedTable::WriterState state = reader_.writer();
@@ -279,6 +295,29 @@ TEST_F(ReaderOf, AnotherLayoutIsToldIncompatible) {
   EXPECT_EQ(error.code, Errc::incompatible);
   EXPECT_THAT(error.text, HasSubstr("layout"));
   EXPECT_FALSE(other.attached());
+}
+
+TEST_F(ReaderOf, AWaiterIsToldWhyTheNextTableCannotBeRead) {
+  mountAndAttach();
+  ASSERT_FALSE(writer_.mountPathDel());
+  SharedTable::Writer<OtherRow> other(collection, writerOptions());
+  ASSERT_FALSE(other.mountPathIs(mountPath));
+  EXPECT_EQ(reader_.wait(reader_.changeCount(), 10s), WaitResult::unreadable);
+  EXPECT_FALSE(reader_.attached());
+  EXPECT_EQ(reader_.attachError().code, Errc::incompatible);
+  EXPECT_THAT(reader_.attachError().text, HasSubstr("layout"));
+  EXPECT_EQ(reader_.wait(0, 30ms), WaitResult::timedOut) << "told once";
+
+  ASSERT_FALSE(other.mountPathDel());
+  EXPECT_EQ(reader_.wait(0, 10s), WaitResult::tableGone);
+  EXPECT_EQ(reader_.attachError().code, Errc::noTable);
+  std::ofstream(path()) << "x";
+  EXPECT_EQ(reader_.wait(0, 10s), WaitResult::unreadable);
+  EXPECT_EQ(reader_.attachError().code, Errc::damaged);
+
+  ASSERT_FALSE(writer_.mountPathIs(mountPath));
+  EXPECT_EQ(reader_.wait(0, 10s), WaitResult::attached);
+  EXPECT_FALSE(reader_.attachError());
 }
 
 TEST_F(ReaderOf, AnotherVersionOrByteOrderIsToldIncompatible) {
