@@ -1,4 +1,5 @@
-// Prints the neighbouring routers that the router advertisement agent of this machine has heard, and each change.
+// Prints the neighbouring routers that the router advertisement agent of this machine has heard, and each change, until
+// the agent ends its table.
 
 #include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaReader.h>
 
@@ -19,5 +20,10 @@ int main() {
     });
     std::cout << neighbors.count() << " routers" << std::endl;
     while (neighbors.wait(seen, std::chrono::minutes(1)) == SharedTable::WaitResult::timedOut) continue;
+    if (!neighbors.attached()) {
+      std::cerr << neighbors.attachError().text << '\n';
+      return 0;
+    }
   }
+  return 1;
 }

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """routeradvt neighbors, against tables that are missing, damaged, abandoned and replaced."""
 
+import atexit
 import json
 import os
 import pathlib
@@ -11,6 +12,7 @@ import threading
 
 ROUTERADVT = os.environ["ROUTERADVT"]
 WRITER = os.environ.get("NEIGHBOR_WRITER", os.path.join(os.path.dirname(ROUTERADVT), "neighbor_writer"))
+READER = os.path.join(os.path.dirname(ROUTERADVT), "neighbor_reader")
 
 
 class Watcher:
@@ -19,6 +21,7 @@ class Watcher:
     def __init__(self, env):
         self.process = subprocess.Popen([ROUTERADVT, "neighbors", "--watch", "--json"], env=env, text=True,
                                         stdout=subprocess.PIPE)
+        atexit.register(self.process.kill)
         self.lines = queue.Queue()
         threading.Thread(target=self.collect, daemon=True).start()
 
@@ -35,6 +38,24 @@ class Watcher:
     def end(self):
         self.process.terminate()
         self.process.wait(timeout=30)
+
+
+class Reader:
+    """The example: a program of somebody else's that prints the table."""
+
+    def __init__(self, env):
+        self.process = subprocess.Popen([READER], env=env, text=True, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        atexit.register(self.process.kill)
+
+    def until(self, line):
+        for shown in self.process.stdout:
+            if shown.startswith(line):
+                return
+        raise AssertionError(f"no {line}")
+
+    def end(self):
+        out, err = self.process.communicate(timeout=30)
+        return self.process.returncode, err
 
 
 class Writer:
@@ -56,6 +77,14 @@ class Writer:
     def end(self):
         self.process.stdin.close()
         assert self.process.wait(timeout=30) == 0
+
+
+def replace(table, content):
+    """Puts another file in the table's place, as a writer does."""
+    other = table.with_suffix(".new")
+    other.write_bytes(content)
+    other.chmod(0o644)
+    other.rename(table)
 
 
 def neighbors(env, *arguments):
@@ -102,11 +131,35 @@ def main():
         second.end()
         watcher.until(lambda shown: not shown["table"])
         assert not table.exists()
+        missing = Reader(env).end()
+        assert missing[0] == 1 and "no such file" in missing[1], missing
         third = Writer(env)
         third.hear("Ethernet1", "fe80::4")
         watcher.until(lambda shown: shown["table"] and routers(shown) == ["fe80::4"])
+        reader = Reader(env)
+        reader.until("Ethernet1 fe80::4 ")
+        third.hear("Ethernet1", "fe80::5")
+        reader.until("2 routers")
+        third.kill()
+        watcher.until(lambda shown: not shown["writer"]["alive"])
+
+        # What follows a writer that is gone: a table of another make, a broken one, none, and a sound one.
+        replace(table, content[:8] + content[11:7:-1] + content[12:])
+        shown = watcher.until(lambda shown: not shown["table"])
+        assert "other byte order" in shown["problem"], shown
+        replace(table, content[:100])
+        watcher.until(lambda shown: "truncated" in shown.get("problem", ""))
+        table.unlink()
+        watcher.until(lambda shown: not shown["table"] and "problem" not in shown)
+        assert "other byte order" in (ended := reader.end())[1] and ended[0] == 0, ended
+        fourth = Writer(env)
+        fourth.hear("Ethernet1", "fe80::6")
+        watcher.until(lambda shown: shown["table"] and routers(shown) == ["fe80::6"])
         watcher.end()
-        third.end()
+        reader = Reader(env)
+        reader.until("1 routers")
+        fourth.end()
+        assert reader.end() == (0, table.name + ": no such file\n")
 
         table.write_bytes(content[:100])
         damaged = neighbors(env)

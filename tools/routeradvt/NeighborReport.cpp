@@ -61,6 +61,8 @@ NeighborReport readNeighbors(RouterAdvt::RouterNeighborRaReader const& reader, N
   NeighborReport report;
   report.now = now;
   report.attached = reader.attached();
+  if (!report.attached && reader.attachError().code != SharedTable::Errc::noTable)
+    report.problem = reader.attachError().text;
   report.writer = reader.writer();
   SharedTable::WalkResult const walked = reader.forEach([&](RouterNeighborRa const& neighbor) {
     if (intfId.empty() || neighbor.key().intfId() == intfId) report.neighbors.push_back(neighbor);
@@ -75,6 +77,7 @@ NeighborReport readNeighbors(RouterAdvt::RouterNeighborRaReader const& reader, N
 }
 
 std::string neighborsText(NeighborReport const& report) {
+  if (!report.problem.empty()) return "the table cannot be read: " + report.problem + '\n';
   if (!report.attached) return "there is no table: no program keeps one\n";
   std::string text;
   if (report.neighbors.empty()) {
@@ -104,6 +107,7 @@ Json neighborsJson(NeighborReport const& report) {
                                    {"router", neighbor.key().neighborAddr().toString()},
                                    {"lastRaReceived", neighbor.lastRaReceived()},
                                    {"age", roundedTo(ageOf(neighbor, report.now), 0.1)}});
+  if (!report.problem.empty()) result["problem"] = report.problem;
   if (!report.attached) return result;
   result["writer"] = {{"alive", report.writer.alive}, {"pid", report.writer.pid}};
   if (!report.writer.alive) result["writer"]["lastSign"] = secondsOf(lastSignOfLife(report.writer));

@@ -15,6 +15,7 @@ struct NeighborReport {
 
   std::vector<RouterAdvt::RouterNeighborRa> neighbors;
   bool attached = false;
+  std::string problem;  ///< why a table that is there cannot be read
   SharedTable::WriterState writer;
   Fwk::U64 damagedPlaces = 0;
   Fwk::Seconds now = 0;  ///< realtime clock
