@@ -18,6 +18,10 @@ if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "Kind of build" FORCE)
 endif()
 
+# A library calls its own exported functions directly: nobody replaces one of them alone.
+add_compile_options(-fno-semantic-interposition)
+add_link_options(-Wl,-Bsymbolic-functions)
+
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion)
 if(ROUTERADVT_WERROR)
   add_compile_options(-Werror)

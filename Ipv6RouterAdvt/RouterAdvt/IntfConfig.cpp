@@ -5,22 +5,6 @@
 
 namespace RouterAdvt {
 
-namespace {
-
-/// One and a half times the longest advertisement interval, in whole seconds. RFC 8106 5.1: SHOULD be at least
-/// MaxRtrAdvInterval.
-U32 dnsLifetimeFromInterval(U32 raIntervalMaxMsec) {
-  U32 const seconds = raIntervalMaxMsec / 1000;
-  return static_cast<U32>(seconds * 1.5);
-}
-
-}  // namespace
-
-bool IntfConfig::prefixesToAdvertise() const {
-  auto const all = prefixes_.frozen();
-  return std::any_of(all.begin(), all.end(), [](PrefixConfigEntry const& entry) { return !entry.noAdvertise(); });
-}
-
 U32 IntfConfig::numPrefixesToAdvertise(U32* suppressed) const {
   auto const all = prefixes_.frozen();
   U32 const withheld = static_cast<U32>(
@@ -28,16 +12,6 @@ U32 IntfConfig::numPrefixesToAdvertise(U32* suppressed) const {
   if (suppressed) *suppressed = withheld;
   return prefixes_.size() - withheld;
 }
-
-U32 IntfConfig::validDnsServersLifetime() const {
-  return dnsServersLifetimeConfigured_ ? dnsServersLifetime_ : dnsLifetimeFromInterval(raIntervalMaxMsec_);
-}
-
-U32 IntfConfig::validDnsSuffixesLifetime() const {
-  return dnsSuffixesLifetimeConfigured_ ? dnsSuffixesLifetime_ : dnsLifetimeFromInterval(raIntervalMaxMsec_);
-}
-
-U32 IntfConfig::validHopLimit() const { return std::min(hopLimit_, hopLimitMax()); }
 
 Fwk::TypeRecord const& IntfConfig::typeRecord() {
   using namespace Fwk;

@@ -129,7 +129,11 @@ class ROUTER_ADVT_EXPORT IntfConfig final : public Fwk::Entity {
   void prefixesDelAll() { prefixes_.memberDelAll(); }
 
   /// Whether any prefix has its own `noAdvertise` clear; profiles are not asked.
-  bool prefixesToAdvertise() const;
+  bool prefixesToAdvertise() const {
+    for (PrefixConfigEntry const& entry : prefixes_.frozen())
+      if (!entry.noAdvertise()) return true;
+    return false;
+  }
 
   /// How many prefixes have their own `noAdvertise` clear; `suppressed`, unless null, receives how many have it set.
   U32 numPrefixesToAdvertise(U32* suppressed = nullptr) const;
@@ -161,7 +165,9 @@ class ROUTER_ADVT_EXPORT IntfConfig final : public Fwk::Entity {
 
   /// The lifetime for DNS servers that have none of their own, seconds: the configured one as it is stored, 0 included;
   /// else one and a half times the longest interval in whole seconds, rounded down. RFC 8106 5.1.
-  U32 validDnsServersLifetime() const;
+  U32 validDnsServersLifetime() const {
+    return dnsServersLifetimeConfigured_ ? dnsServersLifetime_ : dnsLifetimeFromInterval();
+  }
 
   /// Whether `dnsServersLifetime` was configured. Setting that does not set this.
   bool dnsServersLifetimeConfigured() const { return dnsServersLifetimeConfigured_; }
@@ -184,7 +190,9 @@ class ROUTER_ADVT_EXPORT IntfConfig final : public Fwk::Entity {
 
   /// The lifetime for DNS search suffixes that have none of their own, seconds: the configured one as it is stored, 0
   /// included; else one and a half times the longest interval in whole seconds, rounded down. RFC 8106 5.2.
-  U32 validDnsSuffixesLifetime() const;
+  U32 validDnsSuffixesLifetime() const {
+    return dnsSuffixesLifetimeConfigured_ ? dnsSuffixesLifetime_ : dnsLifetimeFromInterval();
+  }
 
   /// Whether `dnsSuffixesLifetime` was configured. Setting that does not set this.
   bool dnsSuffixesLifetimeConfigured() const { return dnsSuffixesLifetimeConfigured_; }
@@ -205,7 +213,7 @@ class ROUTER_ADVT_EXPORT IntfConfig final : public Fwk::Entity {
   static constexpr U32 hopLimitMax() { return 255; }
 
   /// The hop limit to advertise: `hopLimit`, at most `hopLimitMax`; 0 (unspecified) is one.
-  U32 validHopLimit() const;
+  U32 validHopLimit() const { return hopLimit_ <= hopLimitMax() ? hopLimit_ : hopLimitMax(); }
 
   static constexpr char const* fwkTypeName = "RouterAdvt::IntfConfig";
   static Fwk::TypeRecord const& typeRecord();
@@ -213,6 +221,13 @@ class ROUTER_ADVT_EXPORT IntfConfig final : public Fwk::Entity {
 
  private:
   ~IntfConfig() override = default;
+
+  /// One and a half times the longest advertisement interval, in whole seconds. RFC 8106 5.1: SHOULD be at least
+  /// MaxRtrAdvInterval.
+  U32 dnsLifetimeFromInterval() const {
+    U32 const seconds = raIntervalMaxMsec_ / 1000;
+    return static_cast<U32>(seconds * 1.5);
+  }
 
   IntfId intfId_;
   U32 raIntervalMaxMsec_ = raIntervalMaxDefault();

@@ -11,18 +11,25 @@ using Net::Icmp6HdrDnsslOption;
 
 namespace {
 
-/// Writes one label; false when it does not fit. A label above 63 octets, which RFC 1035 3.1 does not allow, is written
-/// with the low 8 bits of its length.
-bool encodeLabel(U8* buf, U64& msgLen, U64 pktBufSize, std::string_view label) {
-  U64 const end = msgLen + label.size() + 1;
-  if (end > pktBufSize) {
-    traceCouldNotCopy("dns suffx", end, pktBufSize);
-    return false;
-  }
-  buf[msgLen] = static_cast<U8>(label.size());
-  std::memcpy(buf + msgLen + 1, label.data(), label.size());
-  msgLen = end;
-  return true;
+/// Writes `text` as labels. It stands one octet further on than the labels begin, so that every dot is where the length
+/// of the label behind it belongs. A label above 63 octets, which RFC 1035 3.1 does not allow, is written with the low
+/// 8 bits of its length.
+void writeLabels(U8* buf, U64& msgLen, std::string_view text) {
+  U8* const labels = buf + msgLen;
+  std::memcpy(labels + 1, text.data(), text.size());
+  std::size_t pos = 0;
+  for (std::size_t dot; (dot = text.find('.', pos)) != text.npos; pos = dot + 1)
+    labels[pos] = static_cast<U8>(dot - pos);
+  labels[pos] = static_cast<U8>(text.size() - pos);
+  msgLen += 1 + text.size();
+}
+
+/// Writes those labels of a suffix before the first one that does not fit.
+void writeLabelsThatFit(U8* buf, U64& msgLen, U64 pktBufSize, std::string_view suffix) {
+  std::size_t pos = 0, labelEnd = 0;
+  while (msgLen + (labelEnd = std::min(suffix.find('.', pos), suffix.size())) + 1 <= pktBufSize) pos = labelEnd + 1;
+  traceCouldNotCopy("dns suffx", msgLen + labelEnd + 1, pktBufSize);
+  if (pos > 0) writeLabels(buf, msgLen, suffix.substr(0, pos - 1));
 }
 
 /// Writes one suffix as labels with a terminating zero octet, RFC 1035 3.1. Empty labels, of a trailing dot too, are
@@ -30,11 +37,8 @@ bool encodeLabel(U8* buf, U64& msgLen, U64 pktBufSize, std::string_view label) {
 void encodeDNSSuffix(U8* buf, U64& msgLen, U64 pktBufSize, String const& suffix) {
   UTILS_TRACE(1, "Before Encoding DNS Suffix: ", suffix, " length: ", msgLen);
   if (!suffix.empty()) {
-    std::size_t labelEnd = 0;
-    for (std::size_t pos = 0; labelEnd < suffix.size(); pos = labelEnd + 1) {
-      labelEnd = std::min(suffix.find('.', pos), suffix.size());
-      if (!encodeLabel(buf, msgLen, pktBufSize, std::string_view(suffix).substr(pos, labelEnd - pos))) return;
-    }
+    if (msgLen + suffix.size() + 1 > pktBufSize) return writeLabelsThatFit(buf, msgLen, pktBufSize, suffix);
+    writeLabels(buf, msgLen, suffix);
   }
   buf[msgLen++] = 0;
   UTILS_TRACE(8, "After Encoding DNS Suffix: ", suffix, " length: ", msgLen);
@@ -86,10 +90,9 @@ int copyDNSSuffixesWithSameLifeTimeToRaMsgBuf(U8* buf, U64& msgLen, U64 pktBufSi
   option.lifetime = lifetime;
   msgLen += sizeof option;
   U64 const start = msgLen;
-  for (DNSSuffixConfigEntry const& entry : intfConfig->dnsSuffixes().frozen()) {
+  for (DNSSuffixConfigEntry const& entry : intfConfig->dnsSuffixes().frozen())
     if (entry.validLifetime(intfLifetime) == lifetime) encodeDNSSuffix(buf, msgLen, pktBufSize, entry.suffix());
-    visited.visitedIs(lifetime, true);
-  }
+  visited.visitedIs(lifetime, true);
   UTILS_TRACE(8, "MsgLenBforeDnsSuffixes: ", start, "MsgLenAfterDnsSuffixes:", msgLen);
   closeOption(buf, msgLen, start, option);
   return 1;

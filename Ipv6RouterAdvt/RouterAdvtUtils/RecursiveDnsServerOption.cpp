@@ -37,8 +37,8 @@ void writeGroup(U8* buf, U64& msgLen, ServerGroup const& group, U64 groupSize, L
     if (!group.contains(server)) continue;
     server.ipAddr().copyTo(std::span<U8, addressSize>(buf + msgLen, addressSize));
     msgLen += addressSize;
-    visited.visitedIs(group.lifetime, true);
   }
+  visited.visitedIs(group.lifetime, true);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <compare>
+#include <cstring>
 #include <optional>
 #include <span>
 #include <string>
@@ -38,9 +39,7 @@ class ROUTER_PLATFORM_EXPORT EthAddr {
   Fwk::String toString() const;
 
   constexpr std::array<Fwk::U8, size> const& octets() const noexcept { return octets_; }
-  constexpr void copyTo(std::span<Fwk::U8, size> to) const noexcept {
-    for (std::size_t i = 0; i < size; ++i) to[i] = octets_[i];
-  }
+  void copyTo(std::span<Fwk::U8, size> to) const noexcept { std::memcpy(to.data(), octets_.data(), size); }
 
   constexpr bool isMulticast() const noexcept { return (octets_[0] & 1) != 0; }
 

@@ -38,9 +38,7 @@ class ROUTER_PLATFORM_EXPORT Ip6Addr {
   Fwk::String toString() const;
 
   constexpr std::array<Fwk::U8, size> const& octets() const noexcept { return octets_; }
-  constexpr void copyTo(std::span<Fwk::U8, size> to) const noexcept {
-    for (std::size_t i = 0; i < size; ++i) to[i] = octets_[i];
-  }
+  void copyTo(std::span<Fwk::U8, size> to) const noexcept { std::memcpy(to.data(), octets_.data(), size); }
 
   /// Classes of RFC 4291 2.4: `fe80::/10`, `ff00::/8`, `::`, `::1`.
   constexpr bool isLinkLocal() const noexcept { return octets_[0] == 0xfe && (octets_[1] & 0xc0) == 0x80; }
