@@ -27,7 +27,7 @@ struct FixedHeader {
   std::array<char, 8> magic;
   U32 byteOrder;
   U32 version;
-  U64 layoutHash;  ///< over name, size and offset of every field, and the sizes of row and key
+  U64 layoutHash;  ///< over what is known of every field, and the sizes of row and key
   U32 rowSize;     ///< octets, a multiple of 8
   U32 keySize;     ///< octets; the key stands at the start of the row
   U32 maxRows;

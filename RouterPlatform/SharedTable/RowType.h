@@ -2,6 +2,7 @@
 
 #include <RouterPlatform/Fwk/Hash.h>
 #include <RouterPlatform/SharedTable/Format.h>
+#include <RouterPlatform/Trace/Assert.h>
 
 #include <array>
 #include <string_view>
@@ -25,19 +26,53 @@
 /// The key has a hash that is the same in every binary.
 namespace SharedTable {
 
+/// What the octets of a field are.
+enum class FieldKind : U8 {
+  octets,  ///< a flat type of its own, such as an address
+  unsignedInteger,
+  signedInteger,
+  floatingPoint
+};
+
 /// A field of a row. A structure in a row is listed field by field.
 struct Field {
   std::string_view name;
+  FieldKind kind;  ///< of an array: of its elements
+  U32 elementSize;
   U32 size;
   U32 alignment;
 };
 
+namespace detail {
+
+template <class T>
+struct ElementOf {
+  using Type = T;
+};
+template <class T, std::size_t n>
+struct ElementOf<std::array<T, n>> : ElementOf<T> {};
+
+template <class T>
+constexpr FieldKind kindOf() noexcept {
+  if constexpr (std::is_enum_v<T>)
+    return kindOf<std::underlying_type_t<T>>();
+  else if constexpr (std::is_floating_point_v<T>)
+    return FieldKind::floatingPoint;
+  else if constexpr (std::is_integral_v<T>)
+    return std::is_signed_v<T> ? FieldKind::signedInteger : FieldKind::unsignedInteger;
+  else
+    return FieldKind::octets;
+}
+
+}  // namespace detail
+
 template <class T>
 constexpr Field field(std::string_view name) noexcept {
+  using Element = typename detail::ElementOf<T>::Type;
   static_assert(std::is_trivially_copyable_v<T>);
   static_assert(std::has_unique_object_representations_v<T> || std::is_same_v<T, double> || std::is_same_v<T, float>,
                 "a field with padding bits");
-  return {name, sizeof(T), alignof(T)};
+  return {name, detail::kindOf<Element>(), sizeof(Element), sizeof(T), alignof(T)};
 }
 
 /// Whether fields of these sizes, one after another, fill exactly `rowSize` octets without padding between or after
@@ -52,8 +87,17 @@ constexpr bool fieldsFillRow(std::array<Field, n> const& fields, std::size_t row
   return offset == rowSize;
 }
 
-/// Hash over name, size and offset of every field and over the sizes of row and key (FNV-1a). A reader built from
-/// another layout finds another hash in the file.
+/// Whether the first fields are the key.
+template <std::size_t n>
+constexpr bool fieldsBeginWithKey(std::array<Field, n> const& fields, std::size_t keySize) noexcept {
+  std::size_t offset = 0;
+  for (Field const& f : fields)
+    if (offset < keySize) offset += f.size;
+  return offset == keySize;
+}
+
+/// Hash over name, kind, sizes and offset of every field and over the sizes of row and key (FNV-1a). A reader built
+/// from another layout finds another hash in the file.
 template <std::size_t n>
 constexpr U64 layoutHashOf(std::array<Field, n> const& fields, U64 rowSize, U64 keySize) noexcept {
   U64 hash = 0xcbf29ce484222325U;
@@ -65,6 +109,8 @@ constexpr U64 layoutHashOf(std::array<Field, n> const& fields, U64 rowSize, U64 
   for (Field const& f : fields) {
     for (char const c : f.name) octet(static_cast<unsigned char>(c));
     octet(0);
+    octet(static_cast<U8>(f.kind));
+    number(f.elementSize);
     number(f.size);
     number(offset);
     offset += f.size;
@@ -102,6 +148,16 @@ bool visitRow(Visit& visit, void const* octets) {
   return true;
 }
 
+/// Whether `key()` is the start of the row.
+template <class R>
+bool keyStandsFirst() noexcept {
+  static_assert(std::is_lvalue_reference_v<decltype(std::declval<R const&>().key())>,
+                "key() gives the key that is in the row");
+  R const row{};
+  return static_cast<void const*>(&row.key()) == static_cast<void const*>(&row);
+}
+
+/// A row whose key does not stand at its start fails an assertion.
 template <class R>
 RowType const& rowTypeOf() noexcept {
   using Key = KeyOf<R>;
@@ -110,6 +166,8 @@ RowType const& rowTypeOf() noexcept {
   static_assert(std::is_trivially_copyable_v<Key> && std::has_unique_object_representations_v<Key>,
                 "equal keys are equal octets");
   static_assert(fieldsFillRow(R::tableFields, sizeof(R)), "a field is not listed, or there is padding");
+  static_assert(fieldsBeginWithKey(R::tableFields, sizeof(Key)), "the first fields are those of the key");
+  ASSERT_AT(keyStandsFirst<R>(), Trace::Location::here());
   static constexpr RowType type{
       sizeof(R), sizeof(Key), layoutHashOf(R::tableFields, sizeof(R), sizeof(Key)),
       [](void const* octets, U64 seed) noexcept -> U64 { return Fwk::hashOf(copyOf<Key>(octets), seed); }};

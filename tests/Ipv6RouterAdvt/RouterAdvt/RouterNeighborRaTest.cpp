@@ -44,6 +44,39 @@ TEST(RouterNeighborRaKey, HashesInterfaceThenAddressIntoAnAccumulator) {
   EXPECT_NE(key.hash(0), keyOf("Ethernet1", "fe80::2").hash(0));
 }
 
+struct HashRow {
+  char const* intfId;
+  char const* addr;
+  U64 seed0;
+  U64 seed1;
+  U64 seedOfMany;
+  friend void PrintTo(HashRow const& row, std::ostream* os) { *os << row.intfId << '-' << row.addr; }
+};
+class RouterNeighborRaKeyHash : public testing::TestWithParam<HashRow> {};
+INSTANTIATE_TEST_SUITE_P(
+    Keys, RouterNeighborRaKeyHash,
+    testing::Values(HashRow{"", "::", 0x18d4b0264a9dcf8f, 0x0620ebc72d42d678, 0xd92e179d41cf0f1e},
+                    HashRow{"Ethernet1", "fe80::1", 0xba2f4ea9849bd658, 0xb3c3aa5e85c92544, 0xe2a3d3b1b84d3fe4},
+                    HashRow{"Ethernet1", "fe80::2", 0xf78193f70e68292b, 0x92330d98666f8258, 0x33e3b10e94f5546e},
+                    HashRow{"Port-Channel1000.4094", "2001:db8::1", 0xf5eb32d9a6766339, 0x601a66367f29ef57,
+                            0x6bf5649283644488}));
+
+/// Programs that were built apart find rows by this hash. The numbers were computed from the words of the format's page
+/// by another program.
+TEST_P(RouterNeighborRaKeyHash, NeverChanges) {
+  RouterNeighborRaKey const key = keyOf(GetParam().intfId, GetParam().addr);
+  EXPECT_EQ(key.hash(), GetParam().seed0);
+  EXPECT_EQ(key.hash(1), GetParam().seed1);
+  EXPECT_EQ(key.hash(0x0123456789abcdef), GetParam().seedOfMany);
+}
+
+TEST(RouterNeighborRa, HasALayoutThatNeverChanges) {
+  SharedTable::RowType const& type = SharedTable::rowTypeOf<RouterNeighborRa>();
+  EXPECT_EQ(type.rowSize, 56u);
+  EXPECT_EQ(type.keySize, 48u);
+  EXPECT_EQ(type.layoutHash, 0x267bd4246124f367u);
+}
+
 TEST(RouterNeighborRaKey, HasAShortTextOfInterfaceAndAddress) {
   EXPECT_EQ(keyOf("Ethernet1", "fe80::1").toStrep(), "Ethernet1-fe80::1");
   EXPECT_EQ(RouterNeighborRaKey().toStrep(), "-::");

@@ -1,3 +1,5 @@
+#include <RouterPlatform/Net/IntfId.h>
+#include <RouterPlatform/Net/Ip6Addr.h>
 #include <RouterPlatform/SharedTable/Format.h>
 #include <RouterPlatform/SharedTable/RowType.h>
 
@@ -119,8 +121,45 @@ TEST(SharedTableLayout, TheHashTellsFromNamesSizesOrderAndKey) {
   EXPECT_NE(hash, layoutHashOf(twoFields, 16, 16));
 }
 
+template <class A, class B>
+bool tellsApart() {
+  static_assert(sizeof(A) == sizeof(B));
+  return layoutHashOf(std::array{field<A>("a")}, sizeof(A), 8) != layoutHashOf(std::array{field<B>("a")}, sizeof(B), 8);
+}
+
+TEST(SharedTableLayout, TheHashTellsFieldsOfOneSizeApartByWhatTheyAre) {
+  enum class Unsigned : U64 {};
+  EXPECT_TRUE((tellsApart<U64, double>()));
+  EXPECT_TRUE((tellsApart<U64, Fwk::S64>()));
+  EXPECT_TRUE((tellsApart<U64, std::array<U32, 2>>()));
+  EXPECT_TRUE((tellsApart<std::array<U8, 32>, Net::IntfId>()));
+  EXPECT_TRUE((tellsApart<std::array<U64, 2>, Net::Ip6Addr>()));
+  EXPECT_FALSE((tellsApart<U64, Unsigned>()));
+  EXPECT_FALSE((tellsApart<U64, std::array<std::array<U64, 1>, 1>>()));
+}
+
+/// Computed from the words of the format's page by another program.
 TEST(SharedTableLayout, TheHashIsTheSameInEveryBinary) {
-  EXPECT_EQ(layoutHashOf(twoFields, 16, 8), 0x59082b7a7c42a4a9u);
+  EXPECT_EQ(layoutHashOf(twoFields, 16, 8), 0x476274747f14555eu);
+}
+
+TEST(SharedTableLayout, TheKeyIsMadeOfTheFirstFields) {
+  EXPECT_TRUE(fieldsBeginWithKey(twoFields, 8));
+  EXPECT_TRUE(fieldsBeginWithKey(twoFields, 12));
+  EXPECT_FALSE(fieldsBeginWithKey(twoFields, 4));
+  EXPECT_FALSE(fieldsBeginWithKey(twoFields, 24));
+}
+
+struct RowWithLateKey {
+  U64 time = 0;
+  U64 key_ = 0;
+  U64 const& key() const { return key_; }
+  static constexpr std::array tableFields{field<U64>("time"), field<U64>("key")};
+};
+
+TEST(SharedTableLayoutDeathTest, ARowWhoseKeyDoesNotStandFirstFailsAnAssertion) {
+  EXPECT_DEATH(rowTypeOf<RowWithLateKey>(),
+               "RowType.h:[0-9]+: rowTypeOf: assertion \"keyStandsFirst<R>\\(\\)\" failed");
 }
 
 TEST(SharedTableLayout, PaddingBetweenOrBehindFieldsIsNoticed) {
