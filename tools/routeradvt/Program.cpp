@@ -63,8 +63,9 @@ std::string usageText(CLI::App const& program, CLI::App const& app, CLI::ParseEr
     if (std::string text = unknownOption(*holder); !text.empty()) return text;
   std::string const text = error.what();
   auto const is = [&](CLI::ExitCodes code) { return error.get_exit_code() == static_cast<int>(code); };
-  if (is(CLI::ExitCodes::ExtrasError) && !app.remaining().empty())
-    return inQuotes(app.remaining().front()) + " is one argument too many";
+  if (is(CLI::ExitCodes::ExtrasError))
+    for (std::string const& argument : program.remaining(true))
+      if (argument != "--") return inQuotes(argument) + " is one argument too many";
   if (is(CLI::ExitCodes::ArgumentMismatch))
     return text.substr(0, text.find(':')) + ": one value is meant, and the option once";
   if (!is(CLI::ExitCodes::RequiredError) || &program != &app) return text;
