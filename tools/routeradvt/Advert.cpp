@@ -24,7 +24,7 @@ EthAddr sourceMac(ConfigFile const& file, AdvertOptions const& options, LinkConf
                   NetworkInterface const* device) {
   if (options.srcMac) return *options.srcMac;
   if (link && link->mac) return *link->mac;
-  if (device) return device->mac;
+  if (device && device->mac) return *device->mac;
   if (link) fail(file, "links[" + options.intf + ']', "there is no mac; give one here, or --src-mac");
   std::vector<std::string> names;
   for (LinkConfig const& other : file.links) names.push_back(other.intfId.toString());

@@ -77,15 +77,22 @@ NetworkInterface lookUpInterface(std::string const& name) {
   result.name = name;
   result.index = askKernel(socket, name, SIOCGIFINDEX).ifr_ifindex;
   ifreq const hardware = askKernel(socket, name, SIOCGIFHWADDR);
-  if (hardware.ifr_hwaddr.sa_family != ARPHRD_ETHER) throw Failure(name + " is no Ethernet interface");
-  std::array<Fwk::U8, Net::EthAddr::size> mac;
-  std::memcpy(mac.data(), hardware.ifr_hwaddr.sa_data, mac.size());
-  result.mac = Net::EthAddr::fromBytes(mac);
+  if (hardware.ifr_hwaddr.sa_family == ARPHRD_ETHER) {
+    std::array<Fwk::U8, Net::EthAddr::size> mac;
+    std::memcpy(mac.data(), hardware.ifr_hwaddr.sa_data, mac.size());
+    result.mac = Net::EthAddr::fromBytes(mac);
+  }
   result.mtu = askKernel(socket, name, SIOCGIFMTU).ifr_mtu;
   result.up = (askKernel(socket, name, SIOCGIFFLAGS).ifr_flags & IFF_UP) != 0;
   result.addresses = addressesOf(name);
   for (Ip6AddrWithMask const& address : result.addresses)
     if (!result.linkLocal && address.address().isLinkLocal()) result.linkLocal = address.address();
+  return result;
+}
+
+NetworkInterface lookUpEthernetInterface(std::string const& name) {
+  NetworkInterface result = lookUpInterface(name);
+  if (!result.mac) throw Failure(printable(name) + " is no Ethernet interface");
   return result;
 }
 

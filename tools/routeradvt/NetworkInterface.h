@@ -14,16 +14,19 @@ namespace Tool {
 struct NetworkInterface {
   std::string name;
   int index = 0;
-  Net::EthAddr mac;
-  Fwk::S32 mtu = 0;  ///< octets
+  std::optional<Net::EthAddr> mac;  ///< of an Ethernet interface
+  Fwk::S32 mtu = 0;                 ///< octets
   bool up = false;
   std::vector<Net::Ip6AddrWithMask> addresses;
   /// The first link-local one of them.
   std::optional<Net::Ip6Addr> linkLocal;
 };
 
-/// Throws `Failure`: there is no such interface (the nearest name is said), or it is no Ethernet.
+/// Throws `Failure`: there is no such interface; the nearest name is said.
 NetworkInterface lookUpInterface(std::string const& name);
+
+/// The same; throws `Failure` where it has no MAC address too.
+NetworkInterface lookUpEthernetInterface(std::string const& name);
 
 /// The names of all interfaces.
 std::vector<std::string> interfaceNames();

@@ -56,7 +56,7 @@ class SendCommand final : public Command {
   void run(Console& console) override {
     ConfigFile const file = loadConfigFileOrFail(options_.file);
     findIntf(file, options_.intf);
-    NetworkInterface const device = lookUpInterface(device_);
+    NetworkInterface const device = lookUpEthernetInterface(device_);
     Advert const advert = makeAdvert(file, options_, &device);
     printAdvertWarnings(console, file, advert);
     traceLevelsAre(options_.trace);
