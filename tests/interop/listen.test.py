@@ -12,22 +12,46 @@ import threading
 
 from netns import PROGRAM, Checks, Pair, eventually, link_local, need
 
+RADVD = shutil.which("radvd", path=os.environ["PATH"] + ":/usr/sbin")
+
 checks = Checks()
 
 SEND = """
 import socket, sys
 s = socket.socket(socket.AF_PACKET, socket.SOCK_RAW)
-s.bind(("router", 0))
-for frame in sys.argv[1:]:
-    s.send(bytes.fromhex(frame))
+s.bind((sys.argv[1], 0))
+for _ in range(int(sys.argv[2])):
+    for frame in sys.argv[3:]:
+        s.send(bytes.fromhex(frame))
+"""
+
+# An advertisement to itself, through an interface that need not be Ethernet.
+SEND_MESSAGE = """
+import socket, sys
+device, message = sys.argv[1], bytes.fromhex(sys.argv[2])
+s = socket.socket(socket.AF_INET6, socket.SOCK_RAW, socket.IPPROTO_ICMPV6)
+s.setsockopt(socket.IPPROTO_IPV6, socket.IPV6_UNICAST_HOPS, 255)
+own = ("fe80::77", 0, 0, socket.if_nametoindex(device))
+s.bind(own)
+s.sendto(message, own)
+"""
+
+# Advertisements and echo requests to itself, without an end.
+CHATTER = """
+import socket
+send = socket.socket(socket.AF_INET6, socket.SOCK_RAW, socket.IPPROTO_ICMPV6).sendto
+messages = [bytes.fromhex(kind + "00000000010001") for kind in ("86", "80")]
+while True:
+    for message in messages:
+        send(message, ("::1", 0))
 """
 
 
 class Listener:
     """A running `listen`, whose lines are read as they come."""
 
-    def __init__(self, node, *arguments):
-        self.process = node.start(PROGRAM, "listen", "host", *arguments)
+    def __init__(self, node, *arguments, device="host"):
+        self.process = node.start(PROGRAM, "listen", device, *arguments)
         self.lines = []
         self.reader = threading.Thread(target=lambda: self.lines.extend(self.process.stdout), daemon=True)
         self.reader.start()
@@ -50,10 +74,10 @@ class Listener:
         return status
 
 
-def is_listening(node):
+def is_listening(node, device="host"):
     """Whether somebody in the namespace has joined the group of all routers on the link, which comes last."""
     group = "ff02" + 26 * "0" + "02"
-    return any(line.split()[1:3] == ["host", group] for line in node.run("cat", "/proc/net/igmp6").stdout.splitlines())
+    return any(line.split()[1:3] == [device, group] for line in node.run("cat", "/proc/net/igmp6").stdout.splitlines())
 
 
 def checksum(octets):
@@ -64,22 +88,38 @@ def checksum(octets):
     return ~total & 0xFFFF
 
 
-def frame(message, source="fe80::99", hop_limit=255, good=True, dest="ff02::1"):
+def in_frame(payload, source, next_header=58, hop_limit=255, dest="ff02::1"):
+    addresses = socket.inet_pton(socket.AF_INET6, source) + socket.inet_pton(socket.AF_INET6, dest)
+    group = b"\x33\x33" + addresses[28:]
+    header = struct.pack(">IHBB", 6 << 28, len(payload), next_header, hop_limit)
+    return (group + b"\x02" + bytes(4) + b"\x99" + b"\x86\xdd" + header + addresses + payload).hex()
+
+
+def summed(message, source, good=True, dest="ff02::1"):
     addresses = socket.inet_pton(socket.AF_INET6, source) + socket.inet_pton(socket.AF_INET6, dest)
     zeroed = message[:2] + b"\0\0" + message[4:]
     right = checksum(addresses + struct.pack(">I3xB", len(message), 58) + zeroed)
-    message = message[:2] + struct.pack(">H", right if good else right ^ 0x0100) + message[4:]
-    group = b"\x33\x33" + addresses[28:]
-    return (group + b"\x02" + bytes(4) + b"\x99" + b"\x86\xdd" + struct.pack(">IHBB", 6 << 28, len(message), 58, hop_limit)
-            + addresses + message).hex()
+    return message[:2] + struct.pack(">H", right if good else right ^ 0x0100) + message[4:]
+
+
+def frame(message, source="fe80::99", hop_limit=255, good=True, dest="ff02::1"):
+    return in_frame(summed(message, source, good, dest), source, hop_limit=hop_limit, dest=dest)
+
+
+def fragments(message, source, size):
+    """The frames of the message in fragments of that size, a multiple of 8."""
+    message = summed(message, source)
+    return [in_frame(struct.pack(">BxHI", 58, at | (at + size < len(message)), 7) + message[at:at + size], source, 44)
+            for at in range(0, len(message), size)]
 
 
 ADVERT = bytes.fromhex("86000000" "40000708" "00000000" "00000000")
+MTU = bytes.fromhex("0501000000000578")
 FINAL = bytes.fromhex("86000000" "40000000" "00000000" "00000000")
 
 
-def send(router, *frames):
-    router.run(sys.executable, "-c", SEND, *frames)
+def send(router, *frames, device="router", times=1):
+    router.run(sys.executable, "-c", SEND, device, str(times), *frames)
 
 
 def radvd_config(lifetime):
@@ -124,7 +164,7 @@ def check_radvd(pair, folder):
     listener = Listener(pair.host, "--json")
     checks.true("listen has joined the group", eventually(lambda: is_listening(pair.host)))
     configure(1800)
-    radvd = pair.router.start(shutil.which("radvd", path=os.environ["PATH"] + ":/usr/sbin"), "-n", "-m", "stderr", "-C",
+    radvd = pair.router.start(RADVD, "-n", "-m", "stderr", "-C",
                               config, "-p", os.path.join(folder, "pid"))
     check_first(listener, address)
 
@@ -176,6 +216,87 @@ def check_drops(pair):
                  {"advertisements": 2, "dropped": len(DROPPED), "routers": 2})
 
 
+def check_fragments(pair):
+    listener = Listener(pair.host, "--json", "--count", "1")
+    checks.true("listen has joined the group", eventually(lambda: is_listening(pair.host)))
+    send(pair.router, *fragments(ADVERT + MTU, "fe80::d1", 16), *fragments(ADVERT, "fe80::d2", 16),
+         frame(ADVERT, "fe80::d3"))
+    checks.equal("fragments: exit status", listener.wait(), 0)
+    dropped = [(event["source"], event["reason"]) for event in listener.events("dropped")]
+    checks.equal("fragments: dropped, one that is alone too", dropped, [("fe80::d1", "fragment"), ("fe80::d2", "fragment")])
+    checks.equal("fragments: the next one is heard", [e["router"] for e in listener.events("router")], ["fe80::d3"])
+
+
+def check_flood(pair):
+    """More comes than there is room for: what is lost is counted. It ends when it is to, however much comes."""
+    listener = Listener(pair.host, "--json")
+    checks.true("listen has joined the group", eventually(lambda: is_listening(pair.host)))
+    listener.process.send_signal(signal.SIGSTOP)
+    send(pair.router, frame(ADVERT), times=5000)
+    listener.process.send_signal(signal.SIGCONT)
+    checks.equal("flood: exit status", listener.stop(), 0)
+    summary = (listener.events("summary") or [{}])[-1]
+    checks.true(f"flood: some are lost: {summary}", summary.get("lost", 0) > 0)
+    checks.true("flood: no more than were sent", summary.get("lost", 0) + summary.get("advertisements", 0) <= 5000)
+    flood = pair.router.start(sys.executable, "-c", SEND, "router", str(10**9), frame(ADVERT))
+    timed = pair.host.run(PROGRAM, "listen", "host", "--for", "0.3", "--json", check=False)
+    checks.equal("flood: --for ends all the same", (timed.returncode, timed.stderr), (0, ""))
+    summary = json.loads(timed.stdout.splitlines()[-1])
+    checks.true(f"flood: many are heard: {summary}", summary["advertisements"] > 100)
+    flood.kill()
+
+
+def check_start(pair):
+    """What is on its way when it starts is not taken for an advertisement, nor for one of this interface."""
+    chatter = pair.host.start(sys.executable, "-c", CHATTER)
+    for _ in range(20):
+        result = pair.host.run(PROGRAM, "listen", "host", "--for", "0.02", "--json", check=False)
+        checks.equal("start: exit status, errors", (result.returncode, result.stderr), (0, ""))
+        checks.equal("start: nothing but the summary", [json.loads(line)["event"] for line in result.stdout.splitlines()],
+                     ["summary"])
+    chatter.kill()
+
+
+def check_other_interfaces(pair):
+    """Interfaces that are not Ethernet, and that have a name that is not UTF-8."""
+    pair.host.run("ip", "addr", "add", "fe80::77/64", "dev", "lo")
+    loopback = Listener(pair.host, "--json", "--count", "1", device="lo")
+    checks.true("lo: listen has joined the group", eventually(lambda: is_listening(pair.host, "lo")))
+    pair.host.run(sys.executable, "-c", SEND_MESSAGE, "lo", ADVERT.hex())
+    checks.equal("lo: exit status", loopback.wait(), 0)
+    checks.equal("lo: router", loopback.first("router"), {"event": "router", "router": "fe80::77"})
+
+    name = b"odd\xff"
+    pair.host.run("ip", "link", "add", name, "type", "veth", "peer", "name", "odd-peer")
+    for device in (name, "odd-peer"):
+        pair.host.run("ip", "link", "set", device, "up")
+    odd = Listener(pair.host, "--json", "--count", "1", device=name)
+    # The kernel's list of groups would not be UTF-8 either: sent again and again until one is heard.
+    checks.true("name that is not UTF-8: ends", eventually(
+        lambda: send(pair.host, frame(ADVERT), device="odd-peer") or odd.process.poll() is not None))
+    checks.equal("name that is not UTF-8: exit status", odd.wait(), 0)
+    change = odd.first("change") or {"record": {}}
+    checks.equal("name that is not UTF-8: record", change["record"].get("intfId"), "odd\ufffd")
+    pair.host.run("ip", "link", "del", "odd-peer")
+
+
+def check_gone(pair):
+    pair.host.run("ip", "link", "add", "gone", "type", "veth", "peer", "name", "gone-peer")
+    for device in ("gone", "gone-peer"):
+        pair.host.run("ip", "link", "set", device, "up")
+    listener = Listener(pair.host, device="gone")
+    checks.true("gone: listen has joined the group", eventually(lambda: is_listening(pair.host, "gone")))
+    pair.host.run("ip", "link", "set", "gone", "down")
+    pair.host.run("ip", "link", "set", "gone", "up")
+    ended = eventually(lambda: listener.process.poll() is not None, 0.3)
+    checks.true("gone: an interface that goes down and up is not", not ended)
+    pair.host.run("ip", "link", "del", "gone")
+    checks.equal("gone: exit status", listener.wait(), 1)
+    text = "".join(listener.lines)
+    checks.contains("gone: message", text, "gone is gone\n")
+    checks.contains("gone: summary", text, "0 advertisements, 0 dropped, 0 routers at the end, in ")
+
+
 def check_words(pair):
     listener = Listener(pair.host)
     checks.true("listen has joined the group", eventually(lambda: is_listening(pair.host)))
@@ -197,7 +318,7 @@ def check_ends(pair):
     timed = pair.host.run(PROGRAM, "listen", "host", "--for", "0.3", "--json", check=False)
     checks.equal("--for: exit status, errors", (timed.returncode, timed.stderr), (0, ""))
     checks.equal("--for: summary", {k: v for k, v in json.loads(timed.stdout).items() if k != "seconds"},
-                 {"event": "summary", "advertisements": 0, "dropped": 0, "routers": 0})
+                 {"event": "summary", "advertisements": 0, "dropped": 0, "notKept": 0, "lost": 0, "routers": 0})
     unknown = pair.host.run(PROGRAM, "listen", "hots", "--for", "0.3", check=False)
     checks.equal("unknown interface: exit status", unknown.returncode, 1)
     checks.contains("unknown interface", unknown.stderr, "did you mean host?")
@@ -210,10 +331,18 @@ def check_ends(pair):
         checks.equal(f"usage {arguments}: exit status", usage.returncode, 2)
 
 
-need("radvd")
+need()
 with tempfile.TemporaryDirectory() as directory, Pair() as nodes:
-    check_radvd(nodes, directory)
+    if RADVD:
+        check_radvd(nodes, directory)
+    else:
+        print("radvd is not installed: what it sends is not looked at")
     check_drops(nodes)
+    check_fragments(nodes)
+    check_flood(nodes)
+    check_start(nodes)
+    check_other_interfaces(nodes)
+    check_gone(nodes)
     check_words(nodes)
     check_ends(nodes)
 checks.exit()

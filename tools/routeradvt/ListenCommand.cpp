@@ -1,6 +1,7 @@
 #include <Ipv6RouterAdvt/RouterAdvtUtils/RaParser.h>
 #include <RouterPlatform/Fwk/Attributes.h>
 #include <tools/routeradvt/Command.h>
+#include <tools/routeradvt/LinkWatch.h>
 #include <tools/routeradvt/NeighborTable.h>
 #include <tools/routeradvt/NumberOption.h>
 #include <tools/routeradvt/RaSocket.h>
@@ -25,6 +26,13 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 using Net::Ip6Addr;
+
+struct Counts {
+  Fwk::U64 heard = 0;    ///< valid ones
+  Fwk::U64 notKept = 0;  ///< of these, those of a router too many
+  Fwk::U64 dropped = 0;
+  Fwk::U64 lost = 0;  ///< those that the kernel had no room for
+};
 
 /// Says what happens, in words or as JSON, a line or a few an event.
 class Reporter final : public RouterWatch::Observer {
@@ -52,23 +60,33 @@ class Reporter final : public RouterWatch::Observer {
                  : " advertises a change\n" + changesText(changes)));
   }
 
+  void onTooManyRouters() override {
+    constexpr Fwk::U32 most = RouterWatch::routersMax;
+    if (json_) return say(Json{{"event", "tooManyRouters"}, {"routers", most}});
+    say("more than " + std::to_string(most) + " routers: those beyond are only counted\n");
+  }
+
   void dropped(Ip6Addr const& source, std::string const& reason) {
     if (json_) return say(Json{{"event", "dropped"}, {"source", source.toString()}, {"reason", reason}});
     say("dropped an advertisement from " + source.toString() + ": " + reason + '\n');
   }
 
-  void summary(Fwk::U64 heard, Fwk::U64 dropped, Fwk::U32 routers, Clock::duration time) {
+  void summary(Counts const& counts, Fwk::U32 routers, Clock::duration time) {
     double const seconds = std::round(std::chrono::duration<double>(time).count() * 10) / 10;
     Json const shown(seconds);
     if (json_)
       return say(Json{{"event", "summary"},
-                      {"advertisements", heard},
-                      {"dropped", dropped},
+                      {"advertisements", counts.heard},
+                      {"dropped", counts.dropped},
+                      {"notKept", counts.notKept},
+                      {"lost", counts.lost},
                       {"routers", routers},
                       {"seconds", shown}});
-    say(std::to_string(heard) + (heard == 1 ? " advertisement, " : " advertisements, ") + std::to_string(dropped) +
-        " dropped, " + std::to_string(routers) + (routers == 1 ? " router" : " routers") + " at the end, in " +
-        shown.dump() + " s\n");
+    say(std::to_string(counts.heard) + (counts.heard == 1 ? " advertisement, " : " advertisements, ") +
+        (counts.notKept > 0 ? std::to_string(counts.notKept) + " of routers too many, " : "") +
+        std::to_string(counts.dropped) + " dropped, " +
+        (counts.lost > 0 ? std::to_string(counts.lost) + " lost as they came too fast, " : "") +
+        std::to_string(routers) + (routers == 1 ? " router" : " routers") + " at the end, in " + shown.dump() + " s\n");
   }
 
  private:
@@ -114,15 +132,22 @@ class ListenCommand final : public Command {
     StopSignals signals;
     FileDescriptor const stop = stopDescriptor();
     RaSocket socket(device);
+    LinkWatch const link(device);
     Reporter reporter(console.out, json_);
     RouterWatch watch(Net::IntfId(device.name), reporter);
     NeighborTable table;
     if (!table.problem().empty()) console.err << "the table of neighbours is not kept: " << table.problem() << '\n';
     auto const start = Clock::now();
     reporter.listening(device.name);
-    auto const summary = [&] { reporter.summary(heard_, dropped_, routersOf(watch), Clock::now() - start); };
+    auto const summary = [&] {
+      counts_.lost = socket.lost();
+      reporter.summary(counts_, watch.routers().linkLocalAddr().size(), Clock::now() - start);
+    };
     try {
-      while (!isEnough() && waitFor(socket, stop, start)) takeAll(socket, watch, reporter, table);
+      while (!isEnough() && waitFor({socket.descriptor(), link.descriptor()}, stop, start)) {
+        takeSome(socket, watch, reporter, table);
+        link.check();
+      }
       signals.waitUntil(Clock::now());  // takes what is pending: it is dealt with
     } catch (Failure const&) {
       summary();
@@ -132,43 +157,46 @@ class ListenCommand final : public Command {
   }
 
  private:
-  static Fwk::U32 routersOf(RouterWatch const& watch) { return watch.routers().linkLocalAddr().size(); }
-  bool isEnough() const { return wanted_ && heard_ >= *wanted_; }
+  bool isEnough() const { return wanted_ && counts_.heard >= *wanted_; }
 
-  /// Waits until there is something to receive; false: it is to end.
-  bool waitFor(RaSocket const& socket, FileDescriptor const& stop, Clock::time_point start) const {
-    std::array<pollfd, 2> sources{{{socket.descriptor(), POLLIN, 0}, {stop.get(), POLLIN, 0}}};
+  /// Waits until there is something to read from one of two; false: it is to end.
+  bool waitFor(std::array<int, 2> readable, FileDescriptor const& stop, Clock::time_point start) const {
+    std::array<pollfd, 3> sources{{{stop.get(), POLLIN, 0}, {readable[0], POLLIN, 0}, {readable[1], POLLIN, 0}}};
     timespec left{};
     if (seconds_) {
-      double const rest = std::max(0.0, *seconds_ - std::chrono::duration<double>(Clock::now() - start).count());
+      double const rest = *seconds_ - std::chrono::duration<double>(Clock::now() - start).count();
+      if (rest <= 0) return false;
       left.tv_sec = static_cast<time_t>(rest);
       left.tv_nsec = static_cast<long>((rest - std::floor(rest)) * 1e9);
     }
     int const ready = ppoll(sources.data(), sources.size(), seconds_ ? &left : nullptr, nullptr);
-    return ready != 0 && sources[1].revents == 0;
+    return ready != 0 && sources[0].revents == 0;
   }
 
-  void takeAll(RaSocket& socket, RouterWatch& watch, Reporter& reporter, NeighborTable& table) {
-    while (!isEnough()) {
+  /// Takes what has come, up to a limit: a flood does not keep it from ending.
+  void takeSome(RaSocket& socket, RouterWatch& watch, Reporter& reporter, NeighborTable& table) {
+    for (int left = 64; left > 0 && !isEnough(); --left) {
       auto const received = socket.receive();
       if (!received) return;
       take(*received, watch, reporter, table);
     }
   }
 
-  void take(Net::Ip6PktInfo::Result const& received, RouterWatch& watch, Reporter& reporter, NeighborTable& table) {
-    if (!received) return drop(reporter, Ip6Addr(), reasonText(received.reason));
-    Ip6Addr const& source = received.info->sourceAddr();
-    if (std::string const reason = raInvalidity(received.info); !reason.empty()) return drop(reporter, source, reason);
-    RouterAdvt::RaPacket const packet = RouterAdvt::makeRaPacketType(Net::IntfId(device_), received.info);
+  void take(RaSocket::Received const& received, RouterWatch& watch, Reporter& reporter, NeighborTable& table) {
+    auto const& [source, message] = received;
+    if (!message) return drop(reporter, source, reasonText(message.reason));
+    if (std::string const reason = raInvalidity(message.info); !reason.empty()) return drop(reporter, source, reason);
+    RouterAdvt::RaPacket const packet = RouterAdvt::makeRaPacketType(Net::IntfId(device_), message.info);
     if (!packet) return drop(reporter, source, "an option has length 0");
-    ++heard_;
-    table.hear(packet.intfId(), source);
-    watch.hear(packet);
+    ++counts_.heard;
+    if (watch.hear(packet))
+      table.hear(packet.intfId(), source);
+    else
+      ++counts_.notKept;
   }
 
   void drop(Reporter& reporter, Ip6Addr const& source, std::string const& reason) {
-    ++dropped_;
+    ++counts_.dropped;
     reporter.dropped(source, reason);
   }
 
@@ -176,8 +204,7 @@ class ListenCommand final : public Command {
   std::optional<Fwk::U64> wanted_;
   std::optional<double> seconds_;
   bool json_ = false;
-  Fwk::U64 heard_ = 0;
-  Fwk::U64 dropped_ = 0;
+  Counts counts_;
 };
 
 }  // namespace

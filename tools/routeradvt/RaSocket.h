@@ -13,6 +13,12 @@ namespace Tool {
 /// raw socket, RFC 3542. Messages with a wrong checksum come too. Does not block.
 class RaSocket {
  public:
+  struct Received {
+    Net::Ip6Addr source;
+    /// One that came in fragments is of no use, RFC 6980 5: `Reason::fragment`.
+    Net::Ip6PktInfo::Result message;
+  };
+
   /// Throws `Failure`: no rights, or the interface is down.
   explicit RaSocket(NetworkInterface const& device);
 
@@ -20,10 +26,14 @@ class RaSocket {
   int descriptor() const noexcept { return socket_.get(); }
 
   /// The next message, or nothing when there is none now. Throws `Failure`.
-  std::optional<Net::Ip6PktInfo::Result> receive();
+  std::optional<Received> receive();
+
+  /// How many messages the kernel has had no room for, since they came faster than they were received.
+  Fwk::U32 lost() const;
 
  private:
   std::string name_;
+  int index_;
   FileDescriptor socket_;
   std::vector<Fwk::U8> buffer_;
 };

@@ -2,6 +2,8 @@
 #include <RouterPlatform/Fwk/Attributes.h>
 #include <tools/routeradvt/RouterWatch.h>
 
+#include <utility>
+
 namespace Tool {
 
 using Net::Ip6Addr;
@@ -17,16 +19,27 @@ RouterWatch::RouterWatch(Net::IntfId const& intfId, Observer& observer)
       packetsSubscription_(observe(packets_, [this](Fwk::Notification const& n) { onPacket(n); })),
       routersSubscription_(observe(routers_, [this](Fwk::Notification const& n) { onRouters(n); })) {}
 
-void RouterWatch::hear(RaPacket const& packet) {
+bool RouterWatch::hear(RaPacket const& packet) {
   Ip6Addr const router = packet.srcIp6Addr();
   if (packet.isDeathPacket()) {
     packets_->raPacketIs(packet);
-    routers_->linkLocalAddrDel(router);
-    return;
+    withdraw(router);
+    return true;
+  }
+  if (!routers_->linkLocalAddr(router) && routers_->linkLocalAddr().size() >= routersMax) {
+    if (!std::exchange(toldTooMany_, true)) observer_.onTooManyRouters();
+    return false;
   }
   neighbors_->routerNeighborIs({intfId_, {}, router});
   routers_->linkLocalAddrIs(router);
   packets_->raPacketIs(packet);
+  return true;
+}
+
+void RouterWatch::withdraw(Ip6Addr const& router) {
+  former_.erase(router);
+  if (neighbors_->routerNeighbor(intfId_).linkLocalAddr() == router) neighbors_->routerNeighborDel(intfId_);
+  routers_->linkLocalAddrDel(router);
 }
 
 void RouterWatch::onPacket(Fwk::Notification const& notification) {
