@@ -299,7 +299,7 @@ class OwnedChild {
   /// no key. Throws what the child's constructor throws, and std::bad_alloc, having changed nothing.
   Ptr<T> childIs(Name const& name) {
     if (child_ && child_->name() == name) return child_;
-    Ptr<T> const made = create<T>(name);
+    Ptr<T> const made = create<T>(name);  // before anything changes, since it may throw
     Ptr<T> const old = child_;
     if (old) old->parentIs(nullptr, attr_);
     made->parentIs(&owner_, attr_);

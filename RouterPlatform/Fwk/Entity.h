@@ -19,7 +19,7 @@ class ROUTER_PLATFORM_EXPORT Entity : public PtrInterface<Entity> {
   // The order of the virtual operations is part of the binary interface. handleNameRestore to handleRestore do nothing
   // here: they are for types that keep something that must follow.
 
-  /// Where observers register.
+  /// Where observers register. An override returns this one's list: it is the one that is notified.
   virtual NotifieeList& notifieeList();
   /// Switches notification of observers on or off; on from creation.
   virtual void hasNotificationActiveIs(bool active);
@@ -36,7 +36,8 @@ class ROUTER_PLATFORM_EXPORT Entity : public PtrInterface<Entity> {
   virtual void handleNameRestore(Name const& name);
   /// The name that it was constructed from; empty for a type that is identified by another key.
   virtual Name name() const;
-  /// The parent has changed to `parent`, which is null when the entity was removed.
+  /// The parent has changed to `parent`, which is null when the entity was removed. Must not end the parent, inside a
+  /// mutator of which this runs.
   virtual void handleParent(Ptr<Entity> parent);
   /// The entity is about to be written to a backup.
   virtual void handleBackup();

@@ -73,7 +73,7 @@ class PtrInterface {
       return true;
     }
     while (count != 1)
-      // Release pairs with the acquire fence below, in the thread that finds the count at one.
+      // Release pairs with the acquire load below, in the thread that finds the count at one.
       if (references_.compare_exchange_weak(count, count - 1, std::memory_order_release, std::memory_order_relaxed))
         return true;
     references_.load(std::memory_order_acquire);  // pairs with the release of every earlier drop
