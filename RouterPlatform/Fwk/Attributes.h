@@ -196,6 +196,18 @@ ReflectionResult withKey(std::string_view text, Call call) {
   return result ? call(key) : result;
 }
 
+/// The same for the key of a member that may be there, which is every key that printing gives.
+template <class K, class Call>
+ReflectionResult withMemberKey(std::string_view text, Call call) {
+  K key{};
+  TextStatus status;
+  if constexpr (requires { TextCodec<K>::parsePrinted(text, key); })
+    status = TextCodec<K>::parsePrinted(text, key);
+  else
+    status = TextCodec<K>::parse(text, key);
+  return status == TextStatus::ok ? call(key) : badText(status, TextCodec<K>::typeName, text);
+}
+
 template <class K>
 String keyText(K const& key) {
   String text;
@@ -222,7 +234,7 @@ U64 sizeOf(void const* object) {
 }
 template <auto member, class K>
 ReflectionResult deleteMember(void* object, std::string_view text) {
-  return withKey<K>(text, [&](K const& key) {
+  return withMemberKey<K>(text, [&](K const& key) {
     auto& collection = collectionOf<member>(object);
     if (!collection.contains(key)) return noSuchMember(text);
     collection.memberDel(key);
@@ -355,7 +367,7 @@ struct CollectionOperations<EntityCollection<K, T>, member> {
   static MemberRef ref(Ptr<T> const& entity) { return {keyText(entity->key()), entity, objectRef(*entity), {}}; }
 
   static ReflectionResult get(void const* object, std::string_view text, FunctionRef<void(MemberRef const&)> visit) {
-    return withKey<K>(text, [&](K const& key) {
+    return withMemberKey<K>(text, [&](K const& key) {
       Ptr<T> const found = collectionOf<member>(object).member(key);
       if (!found) return noSuchMember(text);
       visit(ref(found));
@@ -399,7 +411,7 @@ struct ValueOperations {
     return result;
   }
   static ReflectionResult get(void const* object, std::string_view text, FunctionRef<void(MemberRef const&)> visit) {
-    return withKey<K>(text, [&](K const& key) {
+    return withMemberKey<K>(text, [&](K const& key) {
       V const* const found = collectionOf<member>(object).find(key);
       if (!found) return noSuchMember(text);
       visit(ref(key, *found));
@@ -458,7 +470,7 @@ template <class K, auto member>
 struct CollectionOperations<ValueSet<K>, member> {
   static MemberRef ref(K const& key) { return {keyText(key), nullptr, {}, {}}; }
   static ReflectionResult get(void const* object, std::string_view text, FunctionRef<void(MemberRef const&)> visit) {
-    return withKey<K>(text, [&](K const& key) {
+    return withMemberKey<K>(text, [&](K const& key) {
       if (!collectionOf<member>(object).contains(key)) return noSuchMember(text);
       visit(ref(key));
       return ReflectionResult{};

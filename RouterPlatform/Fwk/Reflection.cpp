@@ -91,13 +91,38 @@ ReflectionResult useCollection(ObjectRef object, Attr attr, FunctionRef<void(Col
   return {};
 }
 
-/// Calls `use` with the operations of the child attribute.
-template <class Use>
-ReflectionResult useChild(TypeRecord const& type, std::string_view attr, Use use) {
+/// Calls `use` with the child attribute.
+template <class Attr, class Use>
+ReflectionResult useChild(TypeRecord const& type, Attr attr, Use use) {
   AttributeRecord const* const record = type.attribute(attr);
   if (!record) return noSuchAttribute(type, attr);
   if (!record->child) return failure(ReflectionError::notAChild, "not a child:", type, record->name);
-  return use(*record->child);
+  return use(*record);
+}
+
+template <class Attr>
+ReflectionResult read(ConstObjectRef object, Attr attr, Ptr<Entity>& child) {
+  return useChild(*object.type, attr, [&](AttributeRecord const& record) {
+    child = record.child->get(object.object);
+    return ReflectionResult{};
+  });
+}
+
+template <class Attr>
+ReflectionResult set(ObjectRef object, Attr attr, std::string_view name, Ptr<Entity>& child) {
+  return useChild(*object.type, attr, [&](AttributeRecord const& record) {
+    child = record.child->set(object.object, name);
+    return child ? ReflectionResult{} : detail::badText(TextStatus::malformed, Name::textTypeName, name);
+  });
+}
+
+template <class Attr>
+ReflectionResult del(ObjectRef object, Attr attr) {
+  return useChild(*object.type, attr, [&](AttributeRecord const& record) {
+    return record.child->del(object.object)
+               ? ReflectionResult{}
+               : failure(ReflectionError::noSuchMember, "empty:", *object.type, record.name);
+  });
 }
 
 }  // namespace
@@ -110,25 +135,19 @@ ReflectionResult reflectCollection(ObjectRef object, std::string_view attr,
   return useCollection(object, attr, use);
 }
 
+ReflectionResult readChild(ConstObjectRef object, AttrId attr, Ptr<Entity>& child) { return read(object, attr, child); }
 ReflectionResult readChild(ConstObjectRef object, std::string_view attr, Ptr<Entity>& child) {
-  return useChild(*object.type, attr, [&](ChildRecord const& record) {
-    child = record.get(object.object);
-    return ReflectionResult{};
-  });
+  return read(object, attr, child);
 }
 
+ReflectionResult setChild(ObjectRef object, AttrId attr, std::string_view name, Ptr<Entity>& child) {
+  return set(object, attr, name, child);
+}
 ReflectionResult setChild(ObjectRef object, std::string_view attr, std::string_view name, Ptr<Entity>& child) {
-  return useChild(*object.type, attr, [&](ChildRecord const& record) {
-    child = record.set(object.object, name);
-    return child ? ReflectionResult{} : detail::badText(TextStatus::malformed, Name::textTypeName, name);
-  });
+  return set(object, attr, name, child);
 }
 
-ReflectionResult deleteChild(ObjectRef object, std::string_view attr) {
-  return useChild(*object.type, attr, [&](ChildRecord const& record) {
-    return record.del(object.object) ? ReflectionResult{}
-                                     : failure(ReflectionError::noSuchMember, "empty:", *object.type, attr);
-  });
-}
+ReflectionResult deleteChild(ObjectRef object, AttrId attr) { return del(object, attr); }
+ReflectionResult deleteChild(ObjectRef object, std::string_view attr) { return del(object, attr); }
 
 }  // namespace Fwk

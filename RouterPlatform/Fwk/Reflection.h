@@ -4,8 +4,9 @@
 #include <RouterPlatform/Fwk/Attributes.h>
 #include <RouterPlatform/Fwk/TypeRecord.h>
 
-/// Objects by attribute number or name, with plain text in and out. Wrong use is an outcome, never a crash: the result
-/// says what is wrong. A setter reached this way notifies like any other.
+/// Objects by attribute number or name, with plain text in and out. Numbers, names and texts may be anything: what is
+/// wrong with them is an outcome, which the result tells. A setter reached this way notifies like any other, and a
+/// computed attribute has the preconditions of its operation, which stops the process where they do not hold.
 namespace Fwk {
 
 /// Appends the attribute's text to `out`. Fails with `noSuchAttribute`, or `notReadable` for collections, children,
@@ -24,7 +25,8 @@ class ROUTER_PLATFORM_EXPORT CollectionView {
   CollectionView(ObjectRef object, AttributeRecord const& attr) noexcept : object_(object), attr_(&attr) {}
 
   U64 size() const { return record().size(object_.object); }
-  /// Whether there is a member of that key; false for a text that is no key.
+  /// Whether there is a member of that key; false for a text that is no key. Members are found and removed by every key
+  /// that `forEach` shows, also by one that `set` refuses.
   bool contains(std::string_view key) const;
   /// Hands the member to `visit`. Fails with `noSuchMember`, or as a key's text is wrong.
   ReflectionResult get(std::string_view key, FunctionRef<void(MemberRef const&)> visit) const {
@@ -57,14 +59,18 @@ ROUTER_PLATFORM_EXPORT ReflectionResult reflectCollection(ObjectRef object, std:
 
 /// The single child that the attribute holds, into `child`; null when there is none. Fails with `noSuchAttribute` or
 /// `notAChild`.
+ROUTER_PLATFORM_EXPORT ReflectionResult readChild(ConstObjectRef object, AttrId attr, Ptr<Entity>& child);
 ROUTER_PLATFORM_EXPORT ReflectionResult readChild(ConstObjectRef object, std::string_view attr, Ptr<Entity>& child);
 
 /// Makes the child of that name, or keeps it, and gives it in `child`. Fails also with `malformed` for a text that is
 /// no name.
+ROUTER_PLATFORM_EXPORT ReflectionResult setChild(ObjectRef object, AttrId attr, std::string_view name,
+                                                 Ptr<Entity>& child);
 ROUTER_PLATFORM_EXPORT ReflectionResult setChild(ObjectRef object, std::string_view attr, std::string_view name,
                                                  Ptr<Entity>& child);
 
 /// Empties the attribute. Fails also with `noSuchMember` when it was empty.
+ROUTER_PLATFORM_EXPORT ReflectionResult deleteChild(ObjectRef object, AttrId attr);
 ROUTER_PLATFORM_EXPORT ReflectionResult deleteChild(ObjectRef object, std::string_view attr);
 
 }  // namespace Fwk

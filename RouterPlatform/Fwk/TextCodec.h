@@ -22,7 +22,9 @@ enum class ValueKind : U8 { none, boolean, integer, floating, text, record };
 /// The plain text form of a type, as in files and on command lines: `2001:db8::/64`, `true`, `high`.
 ///
 /// `typeName`: the type's registered name. `append(out, v)`: prints. `parse(text, v)`: reads what printing gives and
-/// leaves `v` alone unless it returns `ok`.
+/// leaves `v` alone unless it returns `ok`. A type whose values may be more than what may be set, such as a received
+/// prefix with a mask length of 129, has `parsePrinted(text, v)` as well: it reads everything that printing gives,
+/// `parse` what may be set.
 template <class T>
 struct TextCodec {
   static constexpr char const* typeName = T::textTypeName;
@@ -30,8 +32,12 @@ struct TextCodec {
 
   static void append(std::string& out, T const& value) { appendText(out, value); }
 
-  static TextStatus parse(std::string_view text, T& value) {
-    std::optional<T> const parsed = T::parse(text);
+  static TextStatus parse(std::string_view text, T& value) { return store(T::parse(text), value); }
+  static TextStatus parsePrinted(std::string_view text, T& value) requires requires { T::parsePrinted(text); }
+  { return store(T::parsePrinted(text), value); }
+
+ private:
+  static TextStatus store(std::optional<T> const& parsed, T& value) {
     if (!parsed) return TextStatus::malformed;
     value = *parsed;
     return TextStatus::ok;

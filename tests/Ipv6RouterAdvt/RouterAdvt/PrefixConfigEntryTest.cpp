@@ -276,6 +276,10 @@ OrphanRow const orphanRows[] = {
     {"NoAutoConfigValue", [](PrefixConfigEntry const& e) { e.noAutoConfigValue(); },
      "^Ipv6RouterAdvt/RouterAdvt:77: bool RouterAdvt::PrefixConfigEntry::noAutoConfigValue\\(\\) const: "
      "assertion \"intfConfig\" failed\n$"},
+    {"ThroughReflection",
+     [](PrefixConfigEntry const& e) { readText(Fwk::objectRef(e), PrefixConfigEntry::validLifetimeValueAttr); },
+     "^Ipv6RouterAdvt/RouterAdvt:35: U32 RouterAdvt::PrefixConfigEntry::validLifetimeValue\\(\\) const: "
+     "assertion \"intfConfig\" failed\n$"},
 };
 class OrphanPrefixDeathTest : public testing::TestWithParam<OrphanRow> {};
 TEST_P(OrphanPrefixDeathTest, StopsTheProcessWhenItWasMadeDirectly) {

@@ -154,6 +154,18 @@ TEST(RaPacket, PrefixInfoIsReadThroughReflectionAttributeByAttribute) {
   EXPECT_EQ(read, "2001:db8:1::/64=2001:db8:1::/64;2001:db8:2::/64=2001:db8:2::/64;");
 }
 
+// Nothing stops a router from sending a prefix length above 128.
+TEST(RaPacket, APrefixInfoIsFoundThroughReflectionByTheKeyThatItShows) {
+  Net::Ip6AddrWithMask const received(addrOf("2001:db8::"), 200);
+  RaPacket packet(IntfId("Ethernet1"));
+  packet.prefixInfoIs(received, RaPacketPrefixInfo());
+  auto const view = [](Fwk::CollectionView const& prefixInfo) {
+    EXPECT_TRUE(prefixInfo.contains("2001:db8::/200"));
+    EXPECT_FALSE(prefixInfo.contains("2001:db8::/201"));
+  };
+  EXPECT_TRUE(Fwk::reflectCollection({&packet, &RaPacket::typeRecord()}, "prefixInfo", view));
+}
+
 TEST(RaPacket, WithEqualFieldsAndTheSamePrefixesIsEqual) {
   EXPECT_TRUE(packetWith({"2001:db8:1::/64", "2001:db8:2::/64"}) == packetWith({"2001:db8:1::/64", "2001:db8:2::/64"}));
 }

@@ -384,6 +384,19 @@ TEST_F(Reflection, MakesReadsAndDeletesAChild) {
   EXPECT_EQ(box_->disk(), nullptr);
 }
 
+TEST_F(Reflection, MakesReadsAndDeletesAChildByNumberToo) {
+  Ptr<Fwk::Entity> child;
+  EXPECT_TRUE(Fwk::setChild(ref(), Box::diskAttr, "root", child));
+  EXPECT_EQ(child, box_->disk());
+  Ptr<Fwk::Entity> read;
+  EXPECT_TRUE(Fwk::readChild(ref(), Box::diskAttr, read));
+  EXPECT_EQ(read, child);
+  EXPECT_TRUE(Fwk::deleteChild(ref(), Box::diskAttr));
+  EXPECT_EQ(Fwk::deleteChild(ref(), Box::diskAttr).text, "empty: TestModel::Box::disk");
+  EXPECT_EQ(Fwk::readChild(ref(), Fwk::AttrId{1}, read).text, "no attribute TestModel::Box::1");
+  EXPECT_EQ(Fwk::setChild(ref(), Box::portsAttr, "x", child).error, ReflectionError::notAChild);
+}
+
 TEST_F(Reflection, OnlyAChildIsReflectedAsOneAndOnlyByAName) {
   Ptr<Fwk::Entity> child;
   EXPECT_EQ(Fwk::readChild(ref(), "ports", child).error, ReflectionError::notAChild);

@@ -137,6 +137,11 @@ TEST(TextCodecOfAType, UsesItsOwnTextAndReading) {
   EXPECT_EQ(parse("2001:db8::", value), TextStatus::malformed);
   EXPECT_EQ(value, Net::Ip6AddrWithMask("2001:db8::/64"));
 
+  EXPECT_EQ(TextCodec<Net::Ip6AddrWithMask>::parsePrinted("2001:db8::/256", value), TextStatus::malformed);
+  EXPECT_EQ(value, Net::Ip6AddrWithMask("2001:db8::/64"));
+  EXPECT_EQ(TextCodec<Net::Ip6AddrWithMask>::parsePrinted("2001:db8::/129", value), TextStatus::ok);
+  EXPECT_EQ(print(value), "=2001:db8::/129");
+
   Fwk::Name name("former");
   EXPECT_EQ(parse(std::string(64, 'x'), name), TextStatus::malformed);
   EXPECT_EQ(name, "former");
