@@ -1,4 +1,4 @@
-#include <tests/Ipv6RouterAdvt/RouterAdvt/ModelTest.h>
+#include <tests/RouterPlatform/Support/ModelTest.h>
 
 namespace ModelTest {
 
