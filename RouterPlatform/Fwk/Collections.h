@@ -23,12 +23,12 @@ class EntityCollection {
     static K const& key(Ptr<T> const& member) noexcept { return member->key(); }
   };
   using Table = OrderedTable<Ptr<T>, Policy>;
-  using Walk = typename Table::Walk;
 
  public:
   using Key = K;
   using Member = T;
   struct Entry {
+    explicit Entry(Ptr<T> const& member) noexcept : key(member->key()), value(member) {}
     K const& key;  ///< the member's, so it lives as long as `value`
     Ptr<T> value;
   };
@@ -37,7 +37,8 @@ class EntityCollection {
   EntityCollection(EntityCollection const&) = delete;
   EntityCollection& operator=(EntityCollection const&) = delete;
   ~EntityCollection() {
-    for (Walk walk(members_); !walk.atEnd(); walk.next()) Ptr<T>(walk.element())->parentIs(nullptr, attr_);
+    for (typename Table::Walk walk(members_); !walk.atEnd(); walk.next())
+      Ptr<T>(walk.element())->parentIs(nullptr, attr_);
   }
 
   U32 size() const noexcept { return members_.size(); }
@@ -83,22 +84,8 @@ class EntityCollection {
     for (Entry const entry : *this) memberDel(entry.key);
   }
 
-  class Iterator {
-   public:
-    explicit Iterator(EntityCollection const& collection) noexcept : walk_(collection.members_) {}
-    Entry operator*() const noexcept { return {walk_.element()->key(), walk_.element()}; }
-    /// Moves on if what it stood at has been removed: for a walk that is put aside after a step.
-    void settle() noexcept { walk_.settle(); }
-    Iterator& operator++() noexcept {
-      walk_.next();
-      return *this;
-    }
-    bool operator==(std::default_sentinel_t) const noexcept { return walk_.atEnd(); }
-
-   private:
-    Walk walk_;
-  };
-  Iterator begin() const noexcept { return Iterator(*this); }
+  using Iterator = typename Table::template CopyingIterator<Entry>;
+  Iterator begin() const noexcept { return Iterator(members_); }
   std::default_sentinel_t end() const noexcept { return {}; }
 
   /// The members as plain references, for a reader during whose walk nothing changes: no counting, nothing registered.
@@ -241,24 +228,8 @@ class ValueSet {
     for (K const key : *this) memberDel(key);
   }
 
-  class Iterator {
-   public:
-    explicit Iterator(ValueSet const& set) noexcept : walk_(set.keys_) {}
-    K operator*() const { return walk_.element(); }
-    /// The key itself; valid until the set changes.
-    K const* operator->() const noexcept { return &walk_.element(); }
-    /// Moves on if what it stood at has been removed: for a walk that is put aside after a step.
-    void settle() noexcept { walk_.settle(); }
-    Iterator& operator++() noexcept {
-      walk_.next();
-      return *this;
-    }
-    bool operator==(std::default_sentinel_t) const noexcept { return walk_.atEnd(); }
-
-   private:
-    typename Table::Walk walk_;
-  };
-  Iterator begin() const noexcept { return Iterator(*this); }
+  using Iterator = typename Table::template CopyingIterator<>;
+  Iterator begin() const noexcept { return Iterator(keys_); }
   std::default_sentinel_t end() const noexcept { return {}; }
 
   /// The keys as references, for a reader during whose walk nothing changes: nothing registered.

@@ -67,24 +67,8 @@ class OrderedMap {
   }
 
   /// Walks copies of the entries; the map may change meanwhile.
-  class Iterator {
-   public:
-    explicit Iterator(OrderedMap const& map) noexcept : walk_(map.table_) {}
-    Entry operator*() const { return walk_.element(); }
-    /// The entry itself; valid until the map changes.
-    Entry const* operator->() const noexcept { return &walk_.element(); }
-    /// Moves on if what it stood at has been removed: for a walk that is put aside after a step.
-    void settle() noexcept { walk_.settle(); }
-    Iterator& operator++() noexcept {
-      walk_.next();
-      return *this;
-    }
-    bool operator==(std::default_sentinel_t) const noexcept { return walk_.atEnd(); }
-
-   private:
-    typename Table::Walk walk_;
-  };
-  Iterator begin() const noexcept { return Iterator(*this); }
+  using Iterator = typename Table::template CopyingIterator<>;
+  Iterator begin() const noexcept { return Iterator(table_); }
   std::default_sentinel_t end() const noexcept { return {}; }
 
   /// Calls `call(key, value)` for each entry, in order. The map must not change meanwhile.

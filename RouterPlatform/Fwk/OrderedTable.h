@@ -6,6 +6,7 @@
 #include <RouterPlatform/Fwk/Ptr.h>
 
 #include <algorithm>
+#include <concepts>
 #include <iterator>
 #include <memory>
 #include <new>
@@ -76,7 +77,8 @@ class OrderedTable {
  public:
   using Key = std::remove_cvref_t<decltype(Policy::key(std::declval<Element const&>()))>;
 
-  OrderedTable() noexcept = default;
+  // Written out, so that a constant table can be made without `{}` although nothing fills the room.
+  OrderedTable() noexcept {}  // NOLINT(modernize-use-equals-default)
   /// The same elements in the same order, none of the walks. Throws what copying an element throws, and std::bad_alloc.
   OrderedTable(OrderedTable const& other) : OrderedTable() { copyFrom(other); }
   /// Leaves `other` empty; walks over it end.
@@ -183,6 +185,26 @@ class OrderedTable {
     }
 
     OrderedTable const* table_;
+  };
+
+  /// A walk that gives values made of the elements, so that the table may change before the next one.
+  template <class Value = Element>
+  class CopyingIterator {
+   public:
+    explicit CopyingIterator(OrderedTable const& table) noexcept : walk_(table) {}
+    Value operator*() const { return Value(walk_.element()); }
+    /// The element itself; valid until the table changes.
+    Element const* operator->() const noexcept requires std::same_as<Value, Element> { return &walk_.element(); }
+    /// Moves on if what it stood at has been removed: for a walk that is put aside after a step.
+    void settle() noexcept { walk_.settle(); }
+    CopyingIterator& operator++() noexcept {
+      walk_.next();
+      return *this;
+    }
+    bool operator==(std::default_sentinel_t) const noexcept { return walk_.atEnd(); }
+
+   private:
+    Walk walk_;
   };
 
   /// Calls `call(element)` for each element. The table must not change meanwhile; in return nothing is registered, so

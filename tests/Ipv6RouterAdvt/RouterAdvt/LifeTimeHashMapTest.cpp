@@ -17,7 +17,7 @@ TEST(LifeTimeHashMap, HasOneCollectionOfFlagsByLifetime) {
 }
 
 TEST(LifeTimeHashMap, AnAbsentLifetimeReadsAsFalse) {
-  LifeTimeHashMap const map{};
+  LifeTimeHashMap const map;
   EXPECT_FALSE(map.visited(300));
   EXPECT_FALSE(map.visited(0));
   EXPECT_TRUE(map.visited().empty());

@@ -25,6 +25,13 @@ std::vector<U32> keysOf(M const& map) {
   return keys;
 }
 
+TEST(OrderedMap, AConstantOneIsMadeEmptyWithAndWithoutRoomOfItsOwn) {
+  Map const map;
+  EXPECT_TRUE(map.empty());
+  OrderedMap<U32, String, 4> const withRoom;
+  EXPECT_EQ(withRoom.find(1), nullptr);
+}
+
 TEST(OrderedMap, SettingTellsWhetherAnythingChanged) {
   Map map;
   EXPECT_TRUE(map.set(1, "one"));
