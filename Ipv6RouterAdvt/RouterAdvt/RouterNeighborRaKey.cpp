@@ -1,5 +1,6 @@
 #include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaKey.h>
 #include <RouterPlatform/Fwk/Attributes.h>
+#include <RouterPlatform/Trace/Text.h>
 
 namespace RouterAdvt {
 
@@ -9,11 +10,7 @@ void RouterNeighborRaKey::appendTo(std::string& out) const {
   neighborAddr_.appendTo(out);
 }
 
-String RouterNeighborRaKey::toStrep() const {
-  String out;
-  appendTo(out);
-  return out;
-}
+String RouterNeighborRaKey::toStrep() const { return Trace::textOf(*this); }
 
 /// The last minus is the one between: an address has none, the name of an interface may.
 std::optional<RouterNeighborRaKey> RouterNeighborRaKey::parse(std::string_view text) noexcept {

@@ -2,6 +2,7 @@
 
 #include <RouterPlatform/Fwk/Hash.h>
 #include <RouterPlatform/Net/BadText.h>
+#include <RouterPlatform/Trace/Text.h>
 
 namespace Net {
 
@@ -53,11 +54,7 @@ void EthAddr::appendTo(std::string& out) const {
   out.append(text.data(), text.size());
 }
 
-Fwk::String EthAddr::toString() const {
-  Fwk::String text;
-  appendTo(text);
-  return text;
-}
+Fwk::String EthAddr::toString() const { return Trace::textOf(*this); }
 
 U64 EthAddr::hash(U64 seed) const noexcept { return Fwk::hashBytes(octets_.data(), size, seed); }
 

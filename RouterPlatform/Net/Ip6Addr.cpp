@@ -1,6 +1,7 @@
 #include <RouterPlatform/Net/Ip6Addr.h>
 
 #include <RouterPlatform/Net/BadText.h>
+#include <RouterPlatform/Trace/Text.h>
 
 #include <arpa/inet.h>
 
@@ -26,10 +27,6 @@ void Ip6Addr::appendTo(std::string& out) const {
   out += inet_ntop(AF_INET6, octets_.data(), text.data(), text.size());  // cannot fail: the space is enough
 }
 
-Fwk::String Ip6Addr::toString() const {
-  Fwk::String text;
-  appendTo(text);
-  return text;
-}
+Fwk::String Ip6Addr::toString() const { return Trace::textOf(*this); }
 
 }  // namespace Net

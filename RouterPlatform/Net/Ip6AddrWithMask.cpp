@@ -55,11 +55,7 @@ std::optional<Ip6AddrWithMask> Ip6AddrWithMask::parsePrinted(std::string_view te
 
 void Ip6AddrWithMask::appendTo(std::string& out) const { Trace::appendTexts(out, address_, '/', maskLen_); }
 
-Fwk::String Ip6AddrWithMask::toString() const {
-  Fwk::String text;
-  appendTo(text);
-  return text;
-}
+Fwk::String Ip6AddrWithMask::toString() const { return Trace::textOf(*this); }
 
 Ip6AddrWithMask Ip6AddrWithMask::subnet() const noexcept { return {masked(address_, maskLen_), maskLen_}; }
 

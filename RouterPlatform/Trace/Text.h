@@ -44,4 +44,12 @@ void appendTexts(std::string& out, Parts const&... parts) {
   (appendText(out, parts), ...);
 }
 
+/// The plain text forms of `parts`, one after another with nothing between them.
+template <class... Parts>
+std::string textOf(Parts const&... parts) {
+  std::string text;
+  appendTexts(text, parts...);
+  return text;
+}
+
 }  // namespace Trace

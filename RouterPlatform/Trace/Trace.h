@@ -100,9 +100,7 @@ ROUTER_PLATFORM_EXPORT void deliver(Handle const& handle, unsigned level, Locati
 
 template <class... Parts>
 [[gnu::cold, gnu::noinline]] void emit(Handle const& handle, unsigned level, Location location, Parts const&... parts) {
-  std::string text;
-  appendTexts(text, parts...);
-  deliver(handle, level, location, text);
+  deliver(handle, level, location, textOf(parts...));
 }
 }  // namespace detail
 

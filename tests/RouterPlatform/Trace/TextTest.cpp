@@ -17,12 +17,7 @@ struct Point {
 
 namespace {
 
-template <class T>
-std::string textOf(T const& value) {
-  std::string out;
-  Trace::appendTexts(out, value);
-  return out;
-}
+using Trace::textOf;
 
 TEST(Text, ReadsIntegersAsDecimal) {
   EXPECT_EQ(textOf(0), "0");
@@ -60,6 +55,8 @@ TEST(Text, PutsNothingBetweenParts) {
   std::string out = "start ";
   Trace::appendTexts(out, 1, "a", true);
   EXPECT_EQ(out, "start 1atrue");
+  EXPECT_EQ(textOf(1, "a", true), "1atrue");
+  EXPECT_EQ(textOf(), "");
 }
 
 }  // namespace
