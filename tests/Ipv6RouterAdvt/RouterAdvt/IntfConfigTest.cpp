@@ -1,4 +1,5 @@
 #include <tests/Ipv6RouterAdvt/RouterAdvt/ModelTest.h>
+#include <tests/RouterPlatform/Support/AllocationCount.h>
 
 namespace {
 
@@ -255,6 +256,20 @@ TEST(IntfConfig, WithEveryPrefixSuppressedThereIsNothingToAdvertise) {
   EXPECT_FALSE(intf->prefixesToAdvertise());
   EXPECT_EQ(intf->numPrefixesToAdvertise(&suppressed), 0u);
   EXPECT_EQ(suppressed, 2u);
+}
+
+TEST(IntfConfig, LookingThroughThePrefixesNeedsNoAllocation) {
+  auto const intf = intfConfigFactory("Ethernet1");
+  for (U32 i = 0; i < 100; ++i)
+    intf->prefixesIs(prefixOf(("2001:db8:" + std::to_string(i) + "::/64").c_str()))->noAdvertiseIs(i != 99);
+  auto const before = allocationCount();
+  bool const any = intf->prefixesToAdvertise();
+  U32 suppressed = 0;
+  U32 const advertised = intf->numPrefixesToAdvertise(&suppressed);
+  EXPECT_EQ(allocationCount(), before);
+  EXPECT_TRUE(any);
+  EXPECT_EQ(advertised, 1u);
+  EXPECT_EQ(suppressed, 99u);
 }
 
 TEST(IntfConfig, APrefixBehindSuppressedOnesIsFound) {

@@ -91,4 +91,21 @@ TEST(Hash, TheSeedOfTheProcessStays) {
   EXPECT_EQ(Fwk::processHashSeed(), seed);
 }
 
+template <class T>
+concept Hashable = requires(T const& key) {
+  hashOf(key, U64{});
+};
+struct MayThrow {
+  U64 hash(U64 seed) const { return seed; }
+};
+struct Safe {
+  U64 hash(U64 seed) const noexcept { return seed; }
+};
+
+// A table cannot go on when a key has no hash, so what fails inside one has to stop the process: `noexcept` says so.
+TEST(Hash, OfAKeyIsOnlyTakenFromAnOperationThatCannotThrow) {
+  EXPECT_TRUE(Hashable<Safe>);
+  EXPECT_FALSE(Hashable<MayThrow>);
+}
+
 }  // namespace

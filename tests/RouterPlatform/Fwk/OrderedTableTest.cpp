@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -51,6 +52,38 @@ std::vector<U32> range(U32 first, U32 last) {
   std::vector<U32> keys;
   for (U32 key = first; key <= last; ++key) keys.push_back(key);
   return keys;
+}
+
+/// A key that cannot be compared once it is told so.
+struct BadKey {
+  U32 number = 0;
+  static inline bool comparingThrows = false;
+  bool operator==(BadKey const& other) const {
+    if (comparingThrows) throw std::runtime_error("keys that cannot be compared");
+    return number == other.number;
+  }
+  Fwk::U64 hash(Fwk::U64 seed) const noexcept { return Fwk::hashOf(number, seed); }
+};
+struct BadKeyPolicy {
+  static constexpr U32 inlineCapacity = 0;
+  static constexpr U32 indexAbove = 8;
+  static BadKey const& key(BadKey const& key) noexcept { return key; }
+};
+
+/// Tables that are searched one by one, and by an index.
+class OrderedTableDeathTest : public testing::TestWithParam<U32> {
+ protected:
+  OrderedTableDeathTest() {
+    for (U32 number = 0; number < GetParam(); ++number) table_.add(BadKey{number});
+  }
+  OrderedTable<BadKey, BadKeyPolicy> table_;
+};
+INSTANTIATE_TEST_SUITE_P(Size, OrderedTableDeathTest, testing::Values(1U, 20U));
+
+TEST_P(OrderedTableDeathTest, AFailureInsideTheComparisonOfKeysStopsTheProcess) {
+  char const* const report = "keys that cannot be compared";
+  EXPECT_DEATH((BadKey::comparingThrows = true, table_.find(BadKey{0})), report);
+  EXPECT_DEATH((BadKey::comparingThrows = true, table_.remove(BadKey{0})), report);
 }
 
 TEST(OrderedTable, IsEmptyAtFirst) {
