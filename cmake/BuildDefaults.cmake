@@ -27,6 +27,17 @@ if(ROUTERADVT_WERROR)
   add_compile_options(-Werror)
 endif()
 
+# Messages name a source from here, wherever the tree stands, and what is built is the same in every place. Where the
+# compiler runs a cache may have made the paths relative to.
+set(source_dirs ${PROJECT_SOURCE_DIR}/)
+if(NOT PROJECT_SOURCE_DIR STREQUAL CMAKE_BINARY_DIR)
+  file(RELATIVE_PATH from_build ${CMAKE_BINARY_DIR} ${PROJECT_SOURCE_DIR}/)
+  list(APPEND source_dirs ${from_build})
+endif()
+foreach(source_dir IN LISTS source_dirs)
+  add_compile_options(-fmacro-prefix-map=${source_dir}=)
+endforeach()
+
 # The compiler's cache, where there is one that works: it may have no place to write to. A precompiled header is good for
 # it too, once it is told that the header's time of making says nothing.
 find_program(CCACHE ccache)

@@ -1,3 +1,4 @@
+#include <RouterPlatform/Packet/PktManager.h>
 #include <RouterPlatform/Trace/Assert.h>
 
 #include <gtest/gtest.h>
@@ -20,9 +21,14 @@ TEST(AssertDeathTest, PrintsATextOfItsOwn) {
 constexpr int assertingLine = __LINE__ + 1;
 void assertNegative(int value) { ASSERT_AT(value < 0, Trace::Location::here()); }
 
-TEST(AssertDeathTest, NamesItsOwnPlace) {
-  EXPECT_DEATH(assertNegative(1), "AssertTest.cpp:" + std::to_string(assertingLine) +
+TEST(AssertDeathTest, NamesItsOwnPlaceFromTheRootOfTheTree) {
+  EXPECT_DEATH(assertNegative(1), "^tests/RouterPlatform/Trace/AssertTest.cpp:" + std::to_string(assertingLine) +
                                       ": assertNegative: assertion \"value < 0\" failed\n$");
+}
+
+TEST(AssertDeathTest, NamesAPlaceInsideTheLibraryFromTheRootOfTheTree) {
+  auto const pkt = Net::globalPktManager().newPkt();
+  EXPECT_DEATH(pkt->trimTailData(1), "^RouterPlatform/Packet/Pkt.cpp:[0-9]+: ");
 }
 
 TEST(Assert, EvaluatesTheConditionOnceAndGoesOnWhenItHolds) {
