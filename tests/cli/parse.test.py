@@ -46,21 +46,24 @@ def frame(message, tags=b"", **options):
     return bytes.fromhex("333300000001020000000001") + tags + b"\x86\xdd" + packet(message, **options)
 
 
-def pcap(packets, link=ETHERNET):
-    octets = struct.pack("<IHHiIII", 0xA1B2C3D4, 2, 4, 0, 0, 65535, link)
+def pcap(packets, link=ETHERNET, order="<", magic=0xA1B2C3D4, missing=0):
+    """`missing`: octets that each packet had on the wire and that were not captured."""
+    octets = struct.pack(order + "IHHiIII", magic, 2, 4, 0, 0, 65535, link)
     for content in packets:
-        octets += struct.pack("<IIII", 1, 0, len(content), len(content)) + content
+        octets += struct.pack(order + "IIII", 1, 0, len(content), len(content) + missing) + content
     return octets
 
 
-def pcapng(packets, link=ETHERNET):
+def pcapng(packets, link=ETHERNET, interfaces=1):
+    """With several interfaces, the packets come from one after the other."""
     def block(kind, body):
         body += b"\0" * (-len(body) % 4)
         return struct.pack("<II", kind, len(body) + 12) + body + struct.pack("<I", len(body) + 12)
 
-    octets = block(0x0A0D0D0A, struct.pack("<IHHq", 0x1A2B3C4D, 1, 0, -1)) + block(1, struct.pack("<HHI", link, 0, 65535))
-    for content in packets:
-        octets += block(6, struct.pack("<IIIII", 0, 0, 0, len(content), len(content)) + content)
+    octets = block(0x0A0D0D0A, struct.pack("<IHHq", 0x1A2B3C4D, 1, 0, -1))
+    octets += interfaces * block(1, struct.pack("<HHI", link, 0, 65535))
+    for number, content in enumerate(packets):
+        octets += block(6, struct.pack("<IIIII", number % interfaces, 0, 0, len(content), len(content)) + content)
     return octets
 
 
@@ -98,6 +101,12 @@ def check_kinds_of_captures():
     hop_by_hop = bytes.fromhex("3a00050200000000")
     checks.equal("hop-by-hop", parse_json(pcap([frame(message, next_header=0, extension=hop_by_hop)])), expected)
     checks.equal("no packets", parse_json(pcap([])), [])
+    nanoseconds = 0xA1B23C4D
+    checks.equal("nanoseconds", parse_json(pcap([frame(message)], magic=nanoseconds)), expected)
+    checks.equal("big-endian", parse_json(pcap([frame(message)], order=">")), expected)
+    checks.equal("big-endian, nanoseconds", parse_json(pcap([frame(message)], order=">", magic=nanoseconds)), expected)
+    both = parse_json(pcapng([frame(message), frame(message)], interfaces=2))
+    checks.equal("pcapng of two interfaces", both, [expected[0], {**expected[0], "packet": 2}])
     named = parse_json(pcap([frame(message)]), "--intf", "Ethernet1/2")
     checks.equal("--intf", named[0]["record"]["intfId"], "Ethernet1/2")
     odd = parse_json(pcap([frame(message)]), "--intf", b"eth\xff")
@@ -124,6 +133,8 @@ def check_what_is_no_record():
     ]))
     checks.equal("length 0", packets[0], {"packet": 1, "checksumValid": True, "rejected": "an option has length 0"})
     checks.equal("solicitation", packets[1], {"packet": 2, "skipped": "ICMPv6 type 133"})
+    cut = parse_json(pcap([frame(HEADER + MTU)[:-4]], missing=4))
+    checks.equal("capture of a part of a packet", cut, [{**packets[2], "packet": 1}])
     checks.equal("cut capture", packets[2], {"packet": 3, "skipped": "truncated: fewer octets than the headers say"})
     checks.equal("fragment", packets[3], {"packet": 4, "skipped": "fragment"})
     checks.equal("IPv4", packets[4], {"packet": 5, "skipped": "not IPv6"})
@@ -182,6 +193,19 @@ def check_errors():
     missing = run("parse", "nowhere.pcap")
     checks.equal("missing file: exit status", missing.returncode, 1)
     checks.contains("missing file", missing.stderr, "nowhere.pcap: ")
+    odd_name = run("parse", "no\x1bwhere.pcap")
+    checks.contains("missing file, its name printable", odd_name.stderr, "no\\x1bwhere.pcap: ")
+    with tempfile.TemporaryDirectory() as folder:
+        directory = run("parse", folder)
+        checks.equal("directory: exit status, output", (directory.returncode, directory.stdout), (1, ""))
+        checks.contains("directory", directory.stderr, folder + ": ")
+    with open("/dev/full", "w", encoding="ascii") as full:
+        bird = os.path.join(CAPTURES, "bird.pcap")
+        for options in ((), ("--json",)):
+            result = subprocess.run([PROGRAM, "parse", bird, *options], stdout=full, stderr=subprocess.PIPE, text=True,
+                                    timeout=30, check=False)
+            checks.equal("output that is full: exit status", result.returncode, 1)
+            checks.true("output that is full: message", result.stderr != "")
     nothing = run("parse", "-", stdin="")
     checks.equal("nothing on standard input: exit status", nothing.returncode, 1)
     checks.contains("nothing on standard input", nothing.stderr, "standard input: ")

@@ -171,6 +171,13 @@ TEST(FramePrinter, ABadChecksumIsOdd) {
               ElementsAre(testing::MatchesRegex("the checksum should be 0x[0-9a-f]+; receivers drop the message")));
 }
 
+TEST(FramePrinter, TheOtherZeroIsABadChecksum) {
+  Bytes const frame = joined(fromHex(ethernetHex), ip6Packet(fromHex("8600 ffff 40 00 0708 00003527 00000000")));
+  EXPECT_THAT(textOf(frame), HasSubstr("0xffff (bad)"));
+  EXPECT_THAT(lastBlock(describeEthernetFrame(frame)).oddities,
+              ElementsAre("the checksum should be 0x0000; receivers drop the message"));
+}
+
 TEST(FramePrinter, WhatMakesReceiversDropTheMessageIsOdd) {
   Bytes frame = joined(fromHex(ethernetHex), ip6Packet(fromHex("8601 0000 40 00 0708 00000000 00000000"), "fe"));
   frame[22] = 0x20;
@@ -245,6 +252,47 @@ OddityRow const oddityRows[] = {
     {"BootReserved", "fd02 0007 00000001 6100000000000000", "reserved1 is 0x01; senders leave it 0"},
 };
 INSTANTIATE_TEST_SUITE_P(Option, FramePrinterOddity, testing::ValuesIn(oddityRows));
+
+TEST(FramePrinter, AnMtuOptionOfAnotherLengthIsSpelledOut) {
+  EXPECT_THAT(lines(optionBlock("0502 0000 000005dc 0102030405060708")),
+              ElementsAre("70 type: 5 (MTU)", "71 length: 2 (16 octets)", "72 reserved: 0", "74 mtu: 1500 octets",
+                          "78 rest: 0102030405060708"));
+}
+
+TEST(FramePrinter, APrefixOptionThatIsTooLongIsSpelledOut) {
+  FrameBlock const block =
+      optionBlock("0305 4180 00000002 00000001 00000000 20010db8000100000000000000000000 0102030405060708");
+  EXPECT_THAT(lines(block), ElementsAre("70 type: 3 (Prefix Information)", "71 length: 5 (40 octets)",
+                                        "72 prefix length: 65 bits", "73 flags: 0x80 on-link, not autonomous",
+                                        "74 valid lifetime: 2 s", "78 preferred lifetime: 1 s", "82 reserved2: 0",
+                                        "86 prefix: 2001:db8:1::/65", "102 rest: 0102030405060708"));
+  EXPECT_THAT(block.oddities, ElementsAre("an option of this type has length 4"));
+}
+
+TEST(FramePrinter, APrefixOptionThatIsTooShortIsSpelledOutAsFarAsItGoes) {
+  EXPECT_THAT(lines(optionBlock("0301 40c0 00000002")),
+              ElementsAre("70 type: 3 (Prefix Information)", "71 length: 1 (8 octets)", "72 prefix length: 64 bits",
+                          "73 flags: 0xc0 on-link, autonomous", "74 valid lifetime: 2 s"));
+  EXPECT_THAT(lines(optionBlock("0303 40c0 00000002 00000001 00000000 20010db800010000")),
+              ElementsAre("70 type: 3 (Prefix Information)", "71 length: 3 (24 octets)", "72 prefix length: 64 bits",
+                          "73 flags: 0xc0 on-link, autonomous", "74 valid lifetime: 2 s", "78 preferred lifetime: 1 s",
+                          "82 reserved2: 0", "86 prefix: 20010db800010000"));
+}
+
+TEST(FramePrinter, AnOffsetThatWrapsIsTold) {
+  Bytes options;
+  while (options.size() < 65512) options = joined(options, fromHex("0101020000000001"));
+  Bytes const message = joined(joined(fromHex(advertHex), options), fromHex("01020200000000"));
+  ASSERT_EQ(message.size(), 65535U);
+  FrameBlock const block = lastBlock(describeEthernetFrame(joined(fromHex(ethernetHex), ip6Packet(message))));
+  EXPECT_THAT(block.oddities, ElementsAre("the option passes the end of the message: 7 octets are left",
+                                          "offsets have 16 bits: the parser goes on at octet 8 of the message"));
+}
+
+TEST(FramePrinter, AnOffsetThatDoesNotWrapIsNot) {
+  EXPECT_THAT(optionBlock("01ff 000000000000").oddities,
+              ElementsAre("the option passes the end of the message: 8 octets are left"));
+}
 
 TEST(FramePrinter, ARouteInformationOptionIsSpelledOut) {
   EXPECT_THAT(lines(optionBlock("1802 4008 ffffffff 20010db800000000")),

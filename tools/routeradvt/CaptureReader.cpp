@@ -1,5 +1,6 @@
 #include <tools/routeradvt/CaptureReader.h>
 #include <tools/routeradvt/Command.h>
+#include <tools/routeradvt/Diagnostic.h>
 #include <tools/routeradvt/FramePrinter.h>
 
 #include <pcap/pcap.h>
@@ -15,9 +16,12 @@ pcap_t* openCapture(std::string const& fileName, char* error) {
   return fileName == "-" ? pcap_fopen_offline(stdin, error) : pcap_open_offline(fileName.c_str(), error);
 }
 
-/// libpcap begins some of its messages with the name of the file, and others not.
-std::string withFileName(std::string const& fileName, std::string const& message) {
-  return message.starts_with(fileName + ": ") ? message : fileName + ": " + message;
+/// libpcap begins some of its messages with the name of the file, and others not. What there is in them of the file is
+/// not fit to be shown as it stands.
+std::string withFileName(std::string const& fileName, std::string_view message) {
+  std::string const name = fileName + ": ";
+  if (message.starts_with(name)) message.remove_prefix(name.size());
+  return printable(name) + printable(message);
 }
 
 }  // namespace
@@ -32,7 +36,7 @@ CaptureReader::CaptureReader(std::string const& fileName) : fileName_(fileName =
   isEthernet_ = linkType == DLT_EN10MB;
   if (isEthernet_ || linkType == DLT_RAW || linkType == DLT_IPV6) return;
   char const* const name = pcap_datalink_val_to_name(linkType);
-  throw Failure(fileName_ + ": packets of link type " + (name ? name : std::to_string(linkType)) +
+  throw Failure(printable(fileName_) + ": packets of link type " + (name ? name : std::to_string(linkType)) +
                 "; Ethernet and raw IP can be read");
 }
 
@@ -43,7 +47,8 @@ std::optional<CapturedPacket> CaptureReader::next() {
   if (result == PCAP_ERROR_BREAK) return std::nullopt;
   ++read_;
   if (result == 1) return CapturedPacket{read_, {octets, header->caplen}};
-  throw Failure(fileName_ + ": packet " + std::to_string(read_) + ": " + pcap_geterr(handle_.get()));
+  throw Failure(printable(fileName_) + ": packet " + std::to_string(read_) + ": " +
+                printable(pcap_geterr(handle_.get())));
 }
 
 Net::Ip6PktInfo::Result CaptureReader::receive(CapturedPacket const& packet) const {

@@ -6,7 +6,9 @@ namespace Tool {
 
 namespace {
 
-constexpr std::size_t longestLabel = 63;  // RFC 1035 2.3.4
+// RFC 1035 2.3.4
+constexpr std::size_t longestLabel = 63;
+constexpr std::size_t longestName = 255;
 
 /// RFC 4343 2.1: the escapes of master files.
 void appendLabel(std::string& out, Octets label) {
@@ -38,6 +40,8 @@ DnsName decodeName(Octets octets, std::size_t& at) {
     ++at;
   else if (name.oddities.empty() || name.oddities.back() != "the name passes the end of the option")
     name.oddities.emplace_back("the name has no end");
+  if (std::size_t const size = at - name.at; size > longestName)
+    name.oddities.push_back("the name has " + std::to_string(size) + " octets; 255 are possible");
   return name;
 }
 

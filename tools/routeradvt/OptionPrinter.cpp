@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <map>
 
 namespace Tool {
@@ -15,6 +16,9 @@ namespace {
 
 using Fwk::U8;
 using Net::Ip6AddrWithMask;
+
+/// Octets of an advertisement before its options, RFC 4861 4.2.
+constexpr std::size_t advtHeaderSize = 16;
 
 /// What a message has had so far, to tell what is there twice.
 struct SeenOptions {
@@ -71,9 +75,19 @@ void checkPrefixInfo(BlockWriter& block, Net::Icmp6HdrPrefixInfoOption const& op
     block.oddity("the same prefix as in the option at " + std::to_string(first->second));
 }
 
+/// The option's fields as far as the block goes, the others 0. Says so when it has another size than it is to have.
+template <class Option>
+Option fieldsOf(BlockWriter& block) {
+  Option option{};
+  auto const present = block.octets().from(0, sizeof option).span();
+  std::memcpy(static_cast<void*>(&option), present.data(), present.size());
+  sizeIs(block, sizeof option);
+  return option;
+}
+
 void describePrefixInfo(BlockWriter& block, SeenOptions& seen) {
-  if (!sizeIs(block, sizeof(Net::Icmp6HdrPrefixInfoOption))) return block.hexField(2, "data");
-  auto const option = *block.octets().header<Net::Icmp6HdrPrefixInfoOption>();
+  auto const option = fieldsOf<Net::Icmp6HdrPrefixInfoOption>(block);
+  std::size_t const size = block.octets().size();
   Ip6AddrWithMask const prefix(Net::Ip6Addr::fromBytes(option.prefix), option.prefixLength);
   std::string flags = hexText(option.flags, 2) + (option.onLinkFlag() ? " on-link" : " not on-link") +
                       (option.autoAddressFlag() ? ", autonomous" : ", not autonomous");
@@ -81,17 +95,19 @@ void describePrefixInfo(BlockWriter& block, SeenOptions& seen) {
   block.field(2, "prefix length", maskText(option.prefixLength));
   block.field(3, "flags", flags);
   block.field(4, "valid lifetime", lifetimeText(option.validLifetime));
-  block.field(8, "preferred lifetime", lifetimeText(option.preferredLifetime));
-  block.field(12, "reserved2", std::to_string(option.reserved2));
+  if (size > 8) block.field(8, "preferred lifetime", lifetimeText(option.preferredLifetime));
+  if (size > 8) block.field(12, "reserved2", std::to_string(option.reserved2));
+  if (size < sizeof option) return block.hexField(16, "prefix");
   block.field(16, "prefix", prefix.toString());
+  block.hexField(sizeof option, "rest");
   checkPrefixInfo(block, option, prefix, seen);
 }
 
 void describeMtu(BlockWriter& block, SeenOptions& seen) {
-  if (!sizeIs(block, sizeof(Net::Icmp6HdrMtuOption))) return block.hexField(2, "data");
-  auto const option = *block.octets().header<Net::Icmp6HdrMtuOption>();
+  auto const option = fieldsOf<Net::Icmp6HdrMtuOption>(block);
   block.field(2, "reserved", std::to_string(option.reserved));
   block.field(4, "mtu", std::to_string(option.mtu) + " octets");
+  block.hexField(sizeof option, "rest");
   block.mustBeZero("reserved", option.reserved);
   if (option.mtu < 1280) block.oddity("IPv6 needs at least 1280 octets; receivers ignore the option");
   if (seen.mtu) block.oddity("there was an MTU option before");
@@ -211,8 +227,16 @@ void describeOption(FrameDescription& description, Octets option, SeenOptions& s
     block.hexField(2, "data");
 }
 
-/// What is left when it is no complete option.
-void describeRest(FrameDescription& description, Octets rest) {
+/// Where the library's parser goes on behind an option that passes the end of the message.
+void checkOffset(BlockWriter& block, std::size_t nextOffset) {
+  constexpr std::size_t offsets = std::size_t{1} << 16;
+  if (nextOffset >= offsets)
+    block.oddity("offsets have 16 bits: the parser goes on at octet " + std::to_string(nextOffset % offsets) +
+                 " of the message");
+}
+
+/// What is left when it is no complete option; `at` octets into the message.
+void describeRest(FrameDescription& description, Octets rest, std::size_t at) {
   if (rest.size() < 2) {
     BlockWriter block(description, "Option that is cut short", rest);
     block.hexField(0, "type");
@@ -222,10 +246,9 @@ void describeRest(FrameDescription& description, Octets rest) {
   BlockWriter block(description, titleOf(type), rest);
   describeHead(block, std::string(type.name));
   block.hexField(2, "rest");
-  if (rest[1] == 0)
-    block.oddity("length 0 is not possible; receivers drop the whole message");
-  else
-    block.oddity("the option passes the end of the message: " + std::to_string(rest.size()) + " octets are left");
+  if (rest[1] == 0) return block.oddity("length 0 is not possible; receivers drop the whole message");
+  block.oddity("the option passes the end of the message: " + std::to_string(rest.size()) + " octets are left");
+  checkOffset(block, at + std::size_t{8} * rest[1]);
 }
 
 }  // namespace
@@ -255,7 +278,7 @@ void describeOptions(FrameDescription& description, Octets options) {
     describeOption(description, option.octets, seen);
     done += option.octets.size();
   }
-  if (done < options.size()) describeRest(description, options.from(done));
+  if (done < options.size()) describeRest(description, options.from(done), advtHeaderSize + done);
 }
 
 }  // namespace Tool
