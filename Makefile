@@ -6,6 +6,7 @@
 JOBS ?= $(shell nproc)
 PREFIX ?= /usr/local
 FUZZ_SECONDS ?= 60
+BENCH_REPETITIONS ?= 3
 SOAK_SECONDS ?= 600
 SOAK_KILLS ?= 5000
 
@@ -22,7 +23,8 @@ help:
 ## make demo           build and show the main job on the files in examples/
 ## make test           build, and run the whole fast test suite
 ## make check          everything CI runs: test, check-format, check-install, check-clang, check-asan, check-tsan
-## make bench          build and run the benchmarks
+## make bench          build and run the benchmarks, and print a table with what is aimed at
+## make deb            build Debian packages: libraries, -dev, command line
 ## make install        install to PREFIX (/usr/local), below DESTDIR if given
 ##
 ## make setup          install what check needs (scripts/setup build: what a build needs)
@@ -30,10 +32,11 @@ help:
 ## make lint           the same as check-lint
 ## make fuzz           every fuzz target for FUZZ_SECONDS (60)
 ## make soak           every fuzz target for SOAK_SECONDS (600); SOAK_KILLS (5000) killed writers of a shared table
+## make coverage       which lines and branches of library and platform the unit tests reach
 ## make clean          remove build/
 ##
 
-.PHONY: setup demo test bench install
+.PHONY: setup demo test bench install deb
 setup:
 	@scripts/setup check
 
@@ -50,16 +53,27 @@ test:
 bench:
 	@scripts/setup bench
 	$(call build,release,routeradvt_bench)
-	build/release/bin/routeradvt_bench $(BENCH_ARGS)
+	build/release/bin/routeradvt_bench --benchmark_repetitions=$(BENCH_REPETITIONS) --benchmark_out=build/bench.json \
+	  --benchmark_out_format=json --benchmark_display_aggregates_only=true $(BENCH_ARGS)
+	@echo
+	@scripts/bench-table build/bench.json
 
 install:
 	@scripts/setup build
 	$(call build,release,RouterPlatform Ipv6RouterAdvt routeradvt)
 	cmake --install build/release --prefix $(PREFIX)
 
+deb:
+	@scripts/setup deb
+	$(call build,release,RouterPlatform Ipv6RouterAdvt routeradvt)
+	cpack --config build/release/CPackConfig.cmake -B build/deb
+	@rm -rf build/deb/_CPack_Packages
+	@ls build/deb/*.deb
+
 ## The stages of make check, each of which runs on its own:
 ## check-format        every source is formatted
 ## check-install       what is installed can be built against, by CMake and by pkg-config
+## check-deb           the Debian packages, installed and used in a clean root
 ## check-bench         the benchmarks run
 ## check-clang         the tests, built by clang
 ## check-lint          clang-tidy, and every public header on its own
@@ -67,7 +81,7 @@ install:
 ## check-tsan          the tests under ThreadSanitizer
 ## check-fuzz          replay of the corpus, and every fuzz target for FUZZ_SECONDS
 ##
-.PHONY: check check-format check-install check-bench check-clang check-lint check-asan check-tsan check-fuzz
+.PHONY: check check-format check-install check-deb check-bench check-clang check-lint check-asan check-tsan check-fuzz
 check:
 	+@MAKE='$(MAKE)' .ci/run
 
@@ -79,6 +93,11 @@ check-install:
 	@scripts/setup check
 	$(call build,release)
 	scripts/check-install build/release
+
+check-deb:
+	@scripts/setup check
+	$(call build,release)
+	scripts/check-deb build/release
 
 check-bench:
 	@scripts/setup check
@@ -106,13 +125,18 @@ check-fuzz fuzz:
 	$(call build,fuzz)
 	scripts/fuzz-short $(FUZZ_SECONDS)
 
-.PHONY: soak format lint clean
+.PHONY: soak coverage format lint clean
 soak:
 	@scripts/setup check
 	$(call build,release,platform_tests)
 	SHARED_TABLE_KILLS=$(SOAK_KILLS) build/release/bin/platform_tests --gtest_filter='KilledWriters.LeaveEveryLastingRow*'
 	$(call build,fuzz)
 	scripts/fuzz-short $(SOAK_SECONDS)
+
+coverage:
+	@scripts/setup check
+	$(call build,coverage)
+	scripts/coverage build/coverage
 
 format:
 	@scripts/setup check
@@ -123,4 +147,4 @@ lint: check-lint
 clean:
 	rm -rf build
 ##
-## Variables: JOBS, PREFIX, DESTDIR, BENCH_ARGS, FUZZ_SECONDS, SOAK_SECONDS, SOAK_KILLS; ROUTERADVT_SETUP=skip installs nothing.
+## Variables: JOBS, PREFIX, DESTDIR, BENCH_ARGS, BENCH_REPETITIONS, FUZZ_SECONDS, SOAK_SECONDS, SOAK_KILLS; ROUTERADVT_SETUP=skip installs nothing.

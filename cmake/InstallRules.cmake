@@ -1,10 +1,13 @@
 # Libraries, headers, CMake package, pkg-config files and manual pages. The tools install themselves.
 include(CMakePackageConfigHelpers)
 
+# Components are what the Debian packages are made of.
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME Runtime)
+
 install(
   TARGETS RouterPlatform Ipv6RouterAdvt
   EXPORT Ipv6RouterAdvtTargets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} NAMELINK_COMPONENT Development
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Runtime NAMELINK_COMPONENT Development
   FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT Development)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Ipv6RouterAdvt)
@@ -38,6 +41,6 @@ endforeach()
 foreach(section IN ITEMS 1 3 5 7 8)
   file(GLOB pages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/man/*.${section})
   if(pages)
-    install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section})
+    install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section} COMPONENT Tools)
   endif()
 endforeach()

@@ -1,0 +1,38 @@
+# Debian packages by CPack: the libraries, what one needs to build against them, and the command line. `make deb`
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME ipv6routeradvt)
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
+set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_COMPONENTS_ALL Runtime Development)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_PACKAGE_MAINTAINER "The Ipv6RouterAdvt authors <authors@ipv6routeradvt.invalid>")
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+
+# The interface's version is part of the libraries' names, so of their package's too: two of them can stand side by side.
+set(interface ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+set(runtime libipv6routeradvt${interface})
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${runtime})
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "Shared libraries: the model, the codec, the platform that they stand on.")
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libipv6routeradvt-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${runtime} (= ${PROJECT_VERSION})")
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Headers, CMake package and pkg-config files.")
+
+if(TARGET routeradvt)
+  list(APPEND CPACK_COMPONENTS_ALL Tools)
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME routeradvt)
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION net)
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${runtime} (= ${PROJECT_VERSION})")
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
+  set(CPACK_COMPONENT_TOOLS_DESCRIPTION "Builds, sends, reads and inspects IPv6 router advertisements by hand.")
+endif()
+
+include(CPack)
