@@ -22,8 +22,9 @@ help:
 ##
 ## make demo           build and show the main job on the files in examples/
 ## make test           build, and run the whole fast test suite
-## make check          everything CI runs: test, check-format, check-install, check-clang, check-asan, check-tsan
+## make check          everything CI runs: test, and the stages below, in their order
 ## make bench          build and run the benchmarks, and print a table with what is aimed at
+## make docs           the reference of the public headers, in build/docs/html
 ## make deb            build Debian packages: libraries, -dev, command line
 ## make install        install to PREFIX (/usr/local), below DESTDIR if given
 ##
@@ -36,7 +37,7 @@ help:
 ## make clean          remove build/
 ##
 
-.PHONY: setup demo test bench install deb
+.PHONY: setup demo test bench install docs deb
 setup:
 	@scripts/setup check
 
@@ -63,6 +64,12 @@ install:
 	$(call build,release,RouterPlatform Ipv6RouterAdvt routeradvt)
 	cmake --install build/release --prefix $(PREFIX)
 
+docs check-docs:
+	@scripts/setup docs
+	@mkdir -p build/docs
+	doxygen docs/Doxyfile
+	@echo "the reference is build/docs/html/index.html"
+
 deb:
 	@scripts/setup deb
 	$(call build,release,RouterPlatform Ipv6RouterAdvt routeradvt)
@@ -72,6 +79,7 @@ deb:
 
 ## The stages of make check, each of which runs on its own:
 ## check-format        every source is formatted
+## check-docs          the reference of the public headers is made without a warning
 ## check-install       what is installed can be built against, by CMake and by pkg-config
 ## check-deb           the Debian packages, installed and used in a clean root
 ## check-bench         the benchmarks run
@@ -81,7 +89,7 @@ deb:
 ## check-tsan          the tests under ThreadSanitizer
 ## check-fuzz          replay of the corpus, and every fuzz target for FUZZ_SECONDS
 ##
-.PHONY: check check-format check-install check-deb check-bench check-clang check-lint check-asan check-tsan check-fuzz
+.PHONY: check check-format check-docs check-install check-deb check-bench check-clang check-lint check-asan check-tsan check-fuzz
 check:
 	+@MAKE='$(MAKE)' .ci/run
 

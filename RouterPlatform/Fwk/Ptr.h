@@ -145,7 +145,9 @@ Ptr<T> ptrCast(Ptr<U> const& pointer) noexcept {
 
 }  // namespace Fwk
 
+/// @cond
 template <class T>
 struct std::hash<Fwk::Ptr<T>> {
   std::size_t operator()(Fwk::Ptr<T> const& p) const noexcept { return std::hash<T*>()(p.get()); }
 };
+/// @endcond

@@ -74,7 +74,7 @@ using Sink = std::function<void(Record const&)>;
 
 /// Replaces the sink and returns the former one, which no thread is running any more (unless it called this itself). An
 /// empty sink stands for the one in force at start: a line a message on standard error,
-/// `HANDLE/LEVEL SOURCE:LINE: FUNCTION: TEXT`, control characters as \xNN.
+/// `HANDLE/LEVEL SOURCE:LINE: FUNCTION: TEXT`, control characters as `\xNN`.
 ROUTER_PLATFORM_EXPORT Sink sinkIs(Sink sink);
 
 /// A settings text that cannot be read; `what()` says what is wrong, and where.
