@@ -59,7 +59,7 @@ class Writer::Impl : public Subscriber {
     putRecord(sink, RecordKind::batch, [&] { sink.number(batch_++); });
     if (!live) beginSnapshot(sink);
     next_ = hub_->log().firstBehind(cursor);
-    while (out.size() - before < maxOctets && step(sink)) {
+    while (step(sink) && out.size() - before < maxOctets) {
     }
     hub_->cursorMoved();
     waiting = !pending();
