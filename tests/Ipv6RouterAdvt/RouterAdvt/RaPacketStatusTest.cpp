@@ -104,6 +104,21 @@ TEST_F(RaPacketStatusTest, ANewerPacketReplacesThePrefixesToo) {
   EXPECT_EQ(status->raPacket("Ethernet1").prefixInfo().size(), 1u);
 }
 
+// Equality walks the prefixes side by side, in their order.
+TEST_F(RaPacketStatusTest, APacketWithTheSamePrefixesInAnotherOrderOverwritesAndTellsOnce) {
+  RaPacket packet = packetOf("Ethernet1");
+  addPrefix(packet, "2001:db8:1::/64");
+  addPrefix(packet, "2001:db8:2::/64");
+  RaPacket turned = packetOf("Ethernet1");
+  addPrefix(turned, "2001:db8:2::/64");
+  addPrefix(turned, "2001:db8:1::/64");
+  status->raPacketIs(packet);
+  changes.take();
+  status->raPacketIs(turned);
+  EXPECT_EQ(changes.take(), ChangeList{changeOf("Ethernet1")});
+  EXPECT_EQ((*status->raPacket("Ethernet1").prefixInfo().begin()).key, prefixOf("2001:db8:2::/64"));
+}
+
 TEST_F(RaPacketStatusTest, HoldsOnePacketPerInterface) {
   status->raPacketIs(packetOf("Ethernet1", 1));
   status->raPacketIs(packetOf("Ethernet2", 2));

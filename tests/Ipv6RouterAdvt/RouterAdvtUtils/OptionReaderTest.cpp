@@ -96,5 +96,14 @@ TEST(OptionReader, TakesAsManyStepsAsThereAreOptions) {
     EXPECT_EQ(stepsOver(raHeader + times(count, prefixOption())), count);
 }
 
+TEST(OptionReader, TakesAStepForEachOptionOf64KiB) {
+  EXPECT_EQ(stepsOver(raHeader + times(8'189, mtuOption(1400))), 8'189U);
+}
+
+// 128,000 octets: the offset wraps, and the walk ends where it would only repeat itself.
+TEST(OptionReader, TakesBoundedStepsOver4000EqualPrefixes) {
+  EXPECT_EQ(stepsOver(raHeader + times(4'000, prefixOption())), OptionReader::optionsMax);
+}
+
 }  // namespace
 }  // namespace RouterAdvt
