@@ -3,7 +3,6 @@
 #include <Ipv6RouterAdvt/RouterAdvtUtils/RaParser.h>
 #include <RouterPlatform/Packet/Icmp6RouterAdvertisementHdr.h>
 
-#include <algorithm>
 #include <cstring>
 
 namespace RouterAdvt {
@@ -23,15 +22,22 @@ Octets messageOf(Pkt& pkt) { return {reinterpret_cast<U8 const*>(pkt.icmp6Hdr())
 /// What there is of the header: it does not depend on the message's length being known.
 Octets headerOctetsOf(Pkt& pkt) { return pkt.icmp6MsgLen() > 0 ? messageOf(pkt) : pkt.octets(); }
 
-void readHeader(Octets octets, RaPacket& packet) {
-  struct Header {
-    Icmp6Hdr icmp6;
-    Icmp6RouterAdvertisementHdr advertisement;
-  } header;
-  static_assert(sizeof header == OptionReader::optionsOffset);
-  std::memcpy(static_cast<void*>(&header), octets.data(), std::min(sizeof header, octets.size()));
+struct Header {
+  Icmp6Hdr icmp6;
+  Icmp6RouterAdvertisementHdr advertisement;
+};
+static_assert(sizeof(Header) == OptionReader::optionsOffset);
 
-  Icmp6RouterAdvertisementHdr const& advertisement = header.advertisement;
+/// The header of a message that is shorter than one: what it lacks is 0.
+Header paddedHeader(Octets octets) {
+  Header header{};
+  std::memcpy(static_cast<void*>(&header), octets.data(), octets.size());
+  return header;
+}
+
+void readHeader(Octets octets, RaPacket& packet) {
+  auto const* const whole = viewAt<Header>(octets, 0);
+  Icmp6RouterAdvertisementHdr const advertisement = whole ? whole->advertisement : paddedHeader(octets).advertisement;
   packet.curHopLimitIs(advertisement.curHopLimit);
   packet.managedConfigFlagIs(advertisement.managedConfigFlag());
   packet.otherConfigFlagIs(advertisement.otherConfigFlag());

@@ -52,6 +52,16 @@ class OrderedMap {
       entry->value = value;
       return true;
     }
+    if constexpr (std::is_trivially_copyable_v<Entry> && std::is_nothrow_default_constructible_v<Entry>) {
+      // Reading back as a whole what has just been put together of parts is slow. Key and value may stand in this map.
+      if (table_.hasRoom()) {
+        table_.addInPlace([&](Entry& entry) noexcept {
+          entry.key = key;
+          entry.value = value;
+        });
+        return true;
+      }
+    }
     table_.add(Entry{key, value});
     return true;
   }

@@ -116,15 +116,22 @@ class OrderedTable {
     return used_ ? &SlotAccess::get(slots()[used_ - 1]) : nullptr;  // no hole ever stands at the end
   }
 
+  /// Whether one more element moves none of those that are there.
+  bool hasRoom() const noexcept { return used_ < capacity_; }
+
   /// Appends `element`, whose key is not there. Throws std::bad_alloc, having changed nothing.
   Element& add(Element element) {
     reserveOneMore();
-    U32 const position = used_;
-    Slot* const slot = std::construct_at(slots() + position, std::move(element));
-    ++used_;
-    ++live_;
-    if (index_) index_->add(hash(*slot), position);
-    return SlotAccess::get(*slot);
+    return entered(std::construct_at(slots() + used_, std::move(element)));
+  }
+  /// The same with a default element that `fill(element)` makes what it is to be, in its place: nothing is moved there.
+  template <class Fill>
+  Element& addInPlace(Fill fill) {
+    static_assert(std::is_nothrow_default_constructible_v<Element> && std::is_nothrow_invocable_v<Fill, Element&>);
+    reserveOneMore();
+    Slot* const slot = std::construct_at(slots() + used_, std::in_place);
+    fill(SlotAccess::get(*slot));
+    return entered(slot);
   }
 
   /// Takes the element of `key` out, if it is there. `key` may be the element's own.
@@ -272,6 +279,14 @@ class OrderedTable {
       found = equal ? i : found;
     }
     return found;
+  }
+
+  /// Counts the slot behind the last one in, which has got its element.
+  Element& entered(Slot* slot) noexcept {
+    if (index_) index_->add(hash(*slot), used_);
+    ++used_;
+    ++live_;
+    return SlotAccess::get(*slot);
   }
 
   /// Everything that may throw on the way to one more element.

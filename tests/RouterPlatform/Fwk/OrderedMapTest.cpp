@@ -67,6 +67,19 @@ TEST(OrderedMap, RemovingGivesTheEntry) {
   EXPECT_FALSE(map.remove(1));
 }
 
+// Growing moves the entries, the one among them that key and value are taken from.
+TEST(OrderedMap, TakesAKeyAndAValueThatStandInIt) {
+  OrderedMap<U32, U32, 4> map;
+  map.set(0, 1);
+  for (U32 key = 0; key < 50; ++key) {
+    U32 const& next = *map.find(key);
+    map.set(next, next);
+    ASSERT_EQ(map.size(), key + 2);
+    ASSERT_EQ(*map.find(key + 1), key + 1);
+    map.set(key + 1, key + 2);
+  }
+}
+
 TEST(OrderedMap, ComparesKeysAndValuesSideBySide) {
   Map one;
   Map two;
