@@ -1,0 +1,22 @@
+#include <RouterPlatform/Fwk/ChangeStream.h>
+#include <RouterPlatform/Fwk/TreeAssign.h>
+
+#include <stdexcept>
+
+namespace Fwk {
+
+void assignTree(Ptr<Entity> const& from, Ptr<Entity> const& to) {
+  // What a mirror does when a snapshot meets something that it has already, without another process.
+  constexpr std::size_t chunkSize = 65536;
+  if (&from->fwkType() != &to->fwkType()) throw std::invalid_argument("trees of two types");
+  ChangeStream::Writer writer(from);
+  ChangeStream::Reader reader(to);
+  Octets chunk;
+  while (writer.pending()) {
+    chunk.clear();
+    writer.drain(chunk, chunkSize);
+    if (!reader.feed(chunk)) throw std::runtime_error(reader.error().text);
+  }
+}
+
+}  // namespace Fwk
