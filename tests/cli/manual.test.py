@@ -8,7 +8,7 @@ checks = Checks()
 with open(os.path.join(ROOT, "docs", "man", "routeradvt.1"), encoding="ascii") as file:
     page = file.read().replace("\\-", "-")
 
-for command in ("", "build", "send", "parse", "listen", "neighbors", "show", "types"):
+for command in ("", "build", "send", "parse", "listen", "neighbors", "serve", "mirror", "show", "types"):
     shown = run(*[command] if command else [], "--help").stdout
     options = re.findall(r"^  (?:-\w,)?(--[a-z-]+)", shown, re.MULTILINE)
     checks.true(f"{command}: help has options", "--help" in options)

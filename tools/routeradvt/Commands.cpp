@@ -9,6 +9,8 @@ std::vector<std::unique_ptr<Command>> makeCommands() {
   commands.push_back(makeParseCommand());
   commands.push_back(makeListenCommand());
   commands.push_back(makeNeighborsCommand());
+  commands.push_back(makeServeCommand());
+  commands.push_back(makeMirrorCommand());
   commands.push_back(makeShowCommand());
   commands.push_back(makeTypesCommand());
   return commands;

@@ -25,26 +25,6 @@ constexpr std::string_view linksSection = "links";
 
 constexpr Place startOfFile{1, 1};
 
-/// The octets of a file, or why there are none.
-struct FileText {
-  std::string text;
-  std::string error;
-};
-
-FileText readWhole(std::string const& fileName) {
-  bool const fromInput = fileName == "-";
-  std::unique_ptr<std::FILE, int (*)(std::FILE*)> const opened(fromInput ? nullptr : std::fopen(fileName.c_str(), "re"),
-                                                               [](std::FILE* f) { return f ? std::fclose(f) : 0; });
-  std::FILE* const file = fromInput ? stdin : opened.get();
-  if (!file) return {{}, std::string("cannot be opened: ") + std::strerror(errno)};
-  FileText result;
-  std::array<char, 65536> chunk;
-  while (std::size_t const count = std::fread(chunk.data(), 1, chunk.size(), file))
-    result.text.append(chunk.data(), count);
-  if (std::ferror(file)) result.error = std::string("cannot be read: ") + std::strerror(errno);
-  return result;
-}
-
 /// A NUL stands in no text but one of 16 or 32 bits a character, which begins with a byte order mark.
 bool isText(std::string_view octets) {
   using namespace std::string_view_literals;
@@ -141,6 +121,20 @@ Place ConfigFile::placeOf(std::string path) const {
   return {};
 }
 
+FileText readFileText(std::string const& fileName) {
+  bool const fromInput = fileName == "-";
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> const opened(fromInput ? nullptr : std::fopen(fileName.c_str(), "re"),
+                                                               [](std::FILE* f) { return f ? std::fclose(f) : 0; });
+  std::FILE* const file = fromInput ? stdin : opened.get();
+  if (!file) return {{}, std::string("cannot be opened: ") + std::strerror(errno)};
+  FileText result;
+  std::array<char, 65536> chunk;
+  while (std::size_t const count = std::fread(chunk.data(), 1, chunk.size(), file))
+    result.text.append(chunk.data(), count);
+  if (std::ferror(file)) result.error = std::string("cannot be read: ") + std::strerror(errno);
+  return result;
+}
+
 ConfigFile readConfigText(std::string name, std::string const& text) {
   ConfigFile file;
   file.name = std::move(name);
@@ -154,22 +148,28 @@ ConfigFile readConfigText(std::string name, std::string const& text) {
   return file;
 }
 
-ConfigFile loadConfigFile(std::string const& fileName) {
-  std::string const name = fileName == "-" ? "standard input" : fileName;
-  FileText const read = readWhole(fileName);
-  if (read.error.empty()) return readConfigText(name, read.text);
+ConfigFile readConfigText(std::string name, FileText const& read) {
+  if (read.error.empty()) return readConfigText(std::move(name), read.text);
   ConfigFile file;
-  file.name = name;
+  file.name = std::move(name);
   file.errors.push_back({{}, {}, read.error});
   return file;
 }
 
+ConfigFile loadConfigFile(std::string const& fileName) {
+  return readConfigText(fileName == "-" ? "standard input" : fileName, readFileText(fileName));
+}
+
 ConfigFile loadConfigFileOrFail(std::string const& fileName) {
   ConfigFile file = loadConfigFile(fileName);
+  failIfWrong(file);
+  return file;
+}
+
+void failIfWrong(ConfigFile const& file) {
   std::string text;
   for (Diagnostic const& error : file.errors) text += (text.empty() ? "" : "\n") + diagnosticLine(file.name, error);
   if (!file) throw Failure(text);
-  return file;
 }
 
 }  // namespace Tool

@@ -36,13 +36,24 @@ struct ConfigFile {
   Place placeOf(std::string path) const;
 };
 
+/// The octets of a file, or why there are none.
+struct FileText {
+  std::string text;
+  std::string error;  ///< empty: it was read
+};
+/// `-`: standard input.
+FileText readFileText(std::string const& fileName);
+
 /// Reads a file; `-`: standard input. Never throws for what the file holds.
 ConfigFile loadConfigFile(std::string const& fileName);
 
 /// As above, but throws `Failure` with all that is wrong, a line each.
 ConfigFile loadConfigFileOrFail(std::string const& fileName);
+void failIfWrong(ConfigFile const& file);
 
 /// From text; `name` is what messages call it.
 ConfigFile readConfigText(std::string name, std::string const& text);
+/// From what came of reading a file.
+ConfigFile readConfigText(std::string name, FileText const& read);
 
 }  // namespace Tool

@@ -37,11 +37,8 @@ class Lines {
   std::string out_;
 };
 
-std::string valueText(AttributeRecord const& attr, Entity const& entity) {
-  std::string text;
-  attr.append(&entity, text);
-  bool const isFreeText = std::string_view(attr.typeName) == "String";
-  return isFreeText ? '"' + printable(text) + '"' : printable(text);
+std::string quotedIfFree(std::string_view typeName, std::string const& text) {
+  return typeName == "String" ? '"' + printable(text) + '"' : printable(text);
 }
 
 class EntityLines {
@@ -57,19 +54,22 @@ class EntityLines {
     for (AttributeRecord const& attr : type_.attributes)
       if (attr.kind == AttributeKind::scalar || attr.kind == AttributeKind::computed) printValue(attr);
     for (AttributeRecord const& attr : type_.attributes)
-      if (attr.collection) printCollection(attr);
+      if (attr.collection)
+        printCollection(attr);
+      else if (attr.child)
+        printChild(attr);
   }
 
  private:
   void printValue(AttributeRecord const& attr) {
-    if (!attr.reflected || !attr.readable() || isEffectiveValue(type_, attr)) return;
-    std::string const value = valueText(attr, entity_);
+    if (!attr.reflected || (!attr.readable() && !attr.visit) || isEffectiveValue(type_, attr)) return;
+    std::string const value = attributeText(attr, entity_);
     lines_.line(depth_, attr.name, value, remarkOn(attr, value));
   }
 
   std::string remarkOn(AttributeRecord const& attr, std::string const& value) {
     if (attr.kind == AttributeKind::computed) return "computed";
-    std::string remark = fresh_ && valueText(attr, *fresh_) == value ? "default" : "";
+    std::string remark = fresh_ && attributeText(attr, *fresh_) == value ? "default" : "";
     if (auto const effective = effectiveValue(entity_, attr))
       remark += (remark.empty() ? "" : ", ") + ("effective " + *effective);
     return remark;
@@ -83,10 +83,17 @@ class EntityLines {
         lines_.heading(depth_, name);
         EntityLines(lines_, *member.entity, depth_ + 1).print();
       } else {
-        lines_.line(depth_, name, printable(member.text), "");
+        lines_.line(depth_, name, memberText(attr, member), "");
       }
       return true;
     });
+  }
+
+  void printChild(AttributeRecord const& attr) {
+    Ptr<Entity> const child = attr.child->get(&entity_);
+    if (!child) return lines_.line(depth_, attr.name, "none", "default");
+    lines_.heading(depth_, std::string(attr.name) + '[' + printable(child->keyText()) + ']');
+    EntityLines(lines_, *child, depth_ + 1).print();
   }
 
   Lines& lines_;
@@ -110,6 +117,25 @@ std::string entityText(Entity const& entity) {
   lines.heading(0, printable(entity.fullName()));
   EntityLines(lines, entity, 1).print();
   return lines.take();
+}
+
+std::string entityLines(Entity const& entity) {
+  Lines lines;
+  EntityLines(lines, entity, 1).print();
+  return lines.take();
+}
+
+std::string attributeText(AttributeRecord const& attr, Entity const& entity) {
+  std::string text;
+  if (!attr.visit) attr.append(&entity, text);
+  if (!attr.visit) return quotedIfFree(attr.typeName, text);
+  attr.visit(&entity, [&](Fwk::ConstObjectRef value) { text = value.type->value->text(value.object); });
+  return text;
+}
+
+std::string memberText(AttributeRecord const& attr, Fwk::MemberRef const& member) {
+  if (member.value.object) return member.value.type->value->text(member.value.object);
+  return quotedIfFree(attr.collection->memberTypeName, member.text);
 }
 
 std::string linkText(LinkConfig const& link) {

@@ -19,6 +19,8 @@ class FileDescriptor {
     if (fd_ >= 0) close(fd_);
   }
   int get() const noexcept { return fd_; }
+  /// The descriptor is the caller's from now on.
+  int release() noexcept { return std::exchange(fd_, -1); }
 
  private:
   int fd_;

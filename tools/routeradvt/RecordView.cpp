@@ -9,7 +9,7 @@ namespace Tool {
 namespace {
 
 /// A member as the list shows it: members that are values of their own kind by their record, others by their text.
-Json memberJson(Fwk::MemberRef const& member) {
+Json listedJson(Fwk::MemberRef const& member) {
   if (member.value.object) return recordJson(member.value);
   return member.text.empty() ? Json(member.key) : Json(member.text);
 }
@@ -64,7 +64,7 @@ Json recordJson(Fwk::ConstObjectRef record) {
     if (!attr.collection || !result.contains(attr.name)) continue;
     Json list = Json::array();
     attr.collection->forEach(record.object, [&](Fwk::MemberRef const& member) {
-      list.push_back(memberJson(member));
+      list.push_back(listedJson(member));
       return true;
     });
     result[attr.name] = std::move(list);

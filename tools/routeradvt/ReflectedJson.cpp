@@ -10,7 +10,38 @@ namespace {
 
 using Fwk::AttributeRecord;
 
-Json valueJson(AttributeRecord const& attr, void const* object) {
+Json collectionJson(AttributeRecord const& attr, void const* object) {
+  bool const isSet = attr.collection->memberTypeName[0] == '\0';
+  Json result = isSet ? Json::array() : Json::object();
+  attr.collection->forEach(object, [&](Fwk::MemberRef const& member) {
+    if (isSet)
+      result.push_back(member.key);
+    else  // not looked up among the others first: no two have one key
+      result.get_ref<Json::object_t&>().emplace_back(member.key, memberJson(member));
+    return true;
+  });
+  return result;
+}
+
+}  // namespace
+
+Json toJson(Fwk::ConstObjectRef object) {
+  Json result = Json::object();
+  for (AttributeRecord const& attr : object.type->attributes) {
+    if (!attr.reflected || attr.kind == Fwk::AttributeKind::constant) continue;
+    if (attr.collection) {
+      result[attr.name] = collectionJson(attr, object.object);
+    } else if (attr.child) {
+      auto const child = attr.child->get(object.object);
+      result[attr.name] = child ? childJson(*child) : Json();
+    } else if (attr.readable() || attr.visit) {
+      result[attr.name] = attributeJson(attr, object.object);
+    }
+  }
+  return result;
+}
+
+Json attributeJson(AttributeRecord const& attr, void const* object) {
   if (attr.visit) {
     Json result;
     attr.visit(object, [&](Fwk::ConstObjectRef value) { result = toJson(value); });
@@ -36,37 +67,9 @@ Json memberJson(Fwk::MemberRef const& member) {
   return member.text;
 }
 
-Json collectionJson(AttributeRecord const& attr, void const* object) {
-  bool const isSet = attr.collection->memberTypeName[0] == '\0';
-  Json result = isSet ? Json::array() : Json::object();
-  attr.collection->forEach(object, [&](Fwk::MemberRef const& member) {
-    if (isSet)
-      result.push_back(member.key);
-    else
-      result[member.key] = memberJson(member);
-    return true;
-  });
-  return result;
-}
-
-Json childJson(AttributeRecord const& attr, void const* object) {
-  auto const child = attr.child->get(object);
-  return child ? toJson(Fwk::objectRef(*child)) : Json();
-}
-
-}  // namespace
-
-Json toJson(Fwk::ConstObjectRef object) {
-  Json result = Json::object();
-  for (AttributeRecord const& attr : object.type->attributes) {
-    if (!attr.reflected || attr.kind == Fwk::AttributeKind::constant) continue;
-    if (attr.collection)
-      result[attr.name] = collectionJson(attr, object.object);
-    else if (attr.child)
-      result[attr.name] = childJson(attr, object.object);
-    else if (attr.readable() || attr.visit)
-      result[attr.name] = valueJson(attr, object.object);
-  }
+Json childJson(Fwk::Entity const& child) {
+  Json result{{"name", child.name().toString()}};
+  result.update(toJson(Fwk::objectRef(child)));
   return result;
 }
 

@@ -13,8 +13,14 @@ using Json = nlohmann::ordered_json;
 
 /// An entity or a value record as an object: attributes under their model names, base attributes and constants left
 /// out. Booleans and numbers as such, everything else as its plain text; a collection is an object from key to member,
-/// a set a list of keys.
+/// a set a list of keys; a child has its name beside its attributes, and is null when there is none.
 Json toJson(Fwk::ConstObjectRef object);
+/// One attribute of it, which can be read as text or is a record.
+Json attributeJson(Fwk::AttributeRecord const& attr, void const* object);
+/// A member of a collection.
+Json memberJson(Fwk::MemberRef const& member);
+/// A child, with its name.
+Json childJson(Fwk::Entity const& child);
 
 /// As it is written: on one line, or indented by that many blanks a level. A text, such as a name, may hold any octets;
 /// those that are no UTF-8 become U+FFFD.

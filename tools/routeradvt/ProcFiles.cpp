@@ -1,0 +1,83 @@
+#include <tools/routeradvt/FileDescriptor.h>
+#include <tools/routeradvt/ProcFiles.h>
+
+#include <fcntl.h>
+
+#include <array>
+#include <filesystem>
+#include <map>
+#include <optional>
+
+namespace Tool {
+
+namespace {
+
+using RouterAdvt::ProcFileDirDataSet;
+using Files = std::map<std::string, std::string>;
+
+// Such files have a line or a few; what is longer is none of them.
+constexpr std::size_t greatestFile = 65536;
+
+std::optional<std::string> readFile(std::filesystem::path const& path) {
+  FileDescriptor const file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  std::string contents;
+  std::array<char, 4096> chunk;
+  while (contents.size() <= greatestFile) {
+    ssize_t const count = read(file.get(), chunk.data(), chunk.size());
+    if (count < 0) return std::nullopt;
+    if (count == 0) return contents;
+    contents.append(chunk.data(), static_cast<std::size_t>(count));
+  }
+  return std::nullopt;
+}
+
+/// By name; nothing when there is no such directory.
+std::optional<Files> readDirectory(std::filesystem::path const& directory) {
+  std::error_code error;
+  Files files;
+  std::filesystem::directory_iterator at(directory, error);
+  if (error) return std::nullopt;
+  for (; at != std::filesystem::directory_iterator(); at.increment(error)) {
+    if (error) return std::nullopt;
+    if (!at->is_regular_file(error)) continue;
+    if (auto contents = readFile(at->path())) files.emplace(at->path().filename(), std::move(*contents));
+  }
+  return files;
+}
+
+void store(ProcFileDirDataSet& set, Files const& files) {
+  for (auto const& [name, contents] : set.fileData())
+    if (!files.contains(name)) set.fileDataDel(name);
+  for (auto const& [name, contents] : files) set.fileDataIs(name, contents);
+}
+
+/// Whether the kernel may have an interface of that name, rather than a directory of that name: two are there for all
+/// interfaces together.
+bool mayBeInterface(std::string_view name) {
+  for (std::string_view const other : {"", ".", "..", "all", "default"})
+    if (name == other) return false;
+  return name.find('/') == std::string_view::npos && name.find('\0') == std::string_view::npos;
+}
+
+}  // namespace
+
+void ProcFiles::capture(RouterAdvt::IntfStatus& status) const {
+  std::string const name = status.intfId().toString();
+  auto const filesOf = [&](std::string const& directory) {
+    return mayBeInterface(name) ? readDirectory(directory) : std::nullopt;
+  };
+  std::string const cfg = root_ + "/conf/" + name, nbr = root_ + "/neigh/" + name;
+  auto const setName = [](std::string const& directory) {
+    return RouterAdvt::Name(std::string_view(directory).substr(0, RouterAdvt::Name::maxSize));
+  };
+  if (auto const files = filesOf(cfg))
+    store(*status.cfgProcFileDataIs(setName(cfg)), *files);
+  else
+    status.cfgProcFileDataDel();
+  if (auto const files = filesOf(nbr))
+    store(*status.nbrProcFileDataIs(setName(nbr)), *files);
+  else
+    status.nbrProcFileDataDel();
+}
+
+}  // namespace Tool

@@ -1,0 +1,65 @@
+#include <Ipv6RouterAdvt/RouterAdvt/Factories.h>
+#include <RouterPlatform/Fwk/TreeAssign.h>
+#include <tools/routeradvt/Command.h>
+#include <tools/routeradvt/ServedModel.h>
+
+#include <algorithm>
+#include <ostream>
+
+namespace Tool {
+
+namespace {
+
+// So many directories are read in some milliseconds.
+constexpr int interfacesAtOnce = 100;
+
+void tell(std::ostream& err, ConfigFile const& file) {
+  for (Diagnostic const& error : file.errors) err << diagnosticLine(file.name, error) << '\n';
+  for (Diagnostic const& warning : file.warnings) err << diagnosticLine(file.name, warning, "warning: ") << '\n';
+  err.flush();
+}
+
+}  // namespace
+
+ServedModel::ServedModel(std::string fileName, ProcFiles procFiles)
+    : fileName_(std::move(fileName)),
+      read_(readFileText(fileName_)),
+      procFiles_(std::move(procFiles)),
+      status_(RouterAdvt::statusFactory("status")) {
+  ConfigFile const file = readConfigText(fileName_, read_);
+  failIfWrong(file);
+  config_ = file.config;
+  applyInterfaces();
+}
+
+ServedModel::Reload ServedModel::reload(std::ostream& err) {
+  FileText read = readFileText(fileName_);
+  if (read.text == read_.text && read.error == read_.error) return Reload::unchanged;
+  read_ = std::move(read);
+  ConfigFile const file = readConfigText(fileName_, read_);
+  tell(err, file);
+  if (!file) return Reload::refused;
+  Fwk::assignTree(file.config, config_);
+  applyInterfaces();
+  return Reload::applied;
+}
+
+void ServedModel::applyInterfaces() {
+  for (auto const& [intfId, intf] : status_->intf())
+    if (!config_->intf(intfId)) status_->intfDel(intfId);
+  for (auto const& [intfId, intf] : config_->intf()) status_->intfIs(intfId);
+}
+
+bool ServedModel::captureSome() {
+  if (toCapture_.empty()) {
+    for (auto const& [intfId, intf] : status_->intf()) toCapture_.push_back(intfId);
+    std::ranges::reverse(toCapture_);
+  }
+  for (int i = 0; i < interfacesAtOnce && !toCapture_.empty(); ++i) {
+    if (auto const intf = status_->intf(toCapture_.back())) procFiles_.capture(*intf);
+    toCapture_.pop_back();
+  }
+  return toCapture_.empty();
+}
+
+}  // namespace Tool
