@@ -38,6 +38,9 @@ class ROUTER_ADVT_EXPORT LifeTimeHashMap {
 
   static constexpr char const* fwkTypeName = "RouterAdvt::LifeTimeHashMap";
   static Fwk::TypeRecord const& typeRecord();
+  static constexpr auto storedAttributes() {
+    return std::tuple(Fwk::StoredAttribute{"visited", &LifeTimeHashMap::visited_});
+  }
 
  private:
   Visited visited_;

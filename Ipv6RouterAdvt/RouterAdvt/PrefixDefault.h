@@ -31,6 +31,7 @@ class ROUTER_ADVT_EXPORT PrefixDefault {
 
   static constexpr char const* fwkTypeName = "RouterAdvt::PrefixDefault";
   static Fwk::TypeRecord const& typeRecord();
+  static constexpr auto storedAttributes() { return std::tuple<>(); }
 };
 
 /// The text form: empty.

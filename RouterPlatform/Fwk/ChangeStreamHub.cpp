@@ -25,6 +25,7 @@ namespace {
 std::vector<TypeRecord const*> typesOf(std::vector<Ptr<Entity>> const& roots) {
   if (roots.size() > maxRoots) throw std::length_error("a change stream has at most 64 trees");
   std::vector<TypeRecord const*> types;
+  types.reserve(roots.size());
   for (auto const& root : roots) types.push_back(&root->fwkType());
   return types;
 }
@@ -213,7 +214,6 @@ void Hub::startSnapshot(Subscriber& subscriber) {
 
 void Hub::cursorMoved() noexcept {
   U64 nearest = ~U64{0};
-  furthest_ = 0;
   anyLive_ = anyWaiting_ = false;
   for (Subscriber const* const subscriber : subscribers_) {
     anyWaiting_ = anyWaiting_ || subscriber->waiting;

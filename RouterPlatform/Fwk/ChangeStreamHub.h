@@ -94,7 +94,9 @@ class Hub {
   std::vector<Subscriber*> subscribers_;
   ChangeLog log_;
   U64 sequence_ = 0;  ///< of the latest change
-  U64 furthest_ = 0;  ///< greatest cursor of a live subscriber
+  /// Greatest cursor that there has been. Not that of the subscribers there are: once a member of an entity has been
+  /// entered, all later ones have to be, or those entered would seem to stand behind them.
+  U64 furthest_ = 0;
   bool anyLive_ = false;
   bool anyWaiting_ = false;
   bool incomplete_ = false;  ///< there was no memory to observe everything

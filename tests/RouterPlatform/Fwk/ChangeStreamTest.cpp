@@ -402,6 +402,25 @@ TEST_F(ChangeStream, SubscribersOfOneSourceGoEachAtTheirPace) {
   EXPECT_EQ(source.pendingChanges(), 0);
 }
 
+TEST_F(ChangeStream, TheOrderIsThatOfTheOriginalThoughAFasterSubscriberHasGone) {
+  Source const source({rack});
+  Writer slow(source);
+  Octets octets;
+  slow.drain(octets);
+  {
+    Writer fast(source);
+    Octets ignored;
+    fast.drain(ignored);
+    rack->boxesIs("x");
+    fast.drain(ignored);
+    box(*rack).labelsIs("first", "");
+  }
+  box(*rack).labelsIs("second", "");
+  slow.drain(octets);
+  ASSERT_TRUE(reader.feed(octets)) << reader.error().text;
+  EXPECT_EQ(TreeText::of(mirror), TreeText::of(rack));
+}
+
 TEST_F(ChangeStream, NothingIsHeldWithoutSubscribers) {
   Source const source({rack});
   {
