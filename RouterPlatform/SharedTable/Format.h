@@ -21,6 +21,7 @@ inline constexpr U32 byteOrderMark = 0x01020304;
 inline constexpr U32 formatVersion = 1;
 inline constexpr U32 retiredMark = 0x52455449;
 inline constexpr U64 headerSize = 4096;
+inline constexpr U64 hugePageSize = U64{2} << 20;
 
 /// Octets 0 to 255: written once, before the file gets its name; never changed. All in the writer's byte order.
 struct FixedHeader {
@@ -197,8 +198,10 @@ struct Geometry {
     g.minIndexBits = minIndexBits;
     g.maxIndexBits = indexBitsFor(maxRows);
     U64 const indexSpace = pageCeil(U64{8} << g.maxIndexBits);
-    g.indexOffset = {headerSize, headerSize + indexSpace};
-    g.slotsOffset = headerSize + 2 * indexSpace;
+    // A large index begins where a huge page does; what is left out before it takes no space.
+    U64 const begin = indexSpace < hugePageSize ? headerSize : hugePageSize;
+    g.indexOffset = {begin, begin + indexSpace};
+    g.slotsOffset = begin + 2 * indexSpace;
     g.fileSize = pageCeil(g.slotsOffset + g.slotCount() * g.slotSize());
     return g;
   }

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 
 namespace SharedTable {
 
@@ -18,12 +19,31 @@ Memory::~Memory() {
   if (base_) munmap(base_, size_);
 }
 
+/// At an address that is a multiple of a huge page, as the offsets of huge pages in a file are.
 int Memory::map(U64 size, int protection, int flags) noexcept {
-  void* const base = mmap(nullptr, size, protection, flags, fd_.get(), 0);
-  if (base == MAP_FAILED) return errno;
+  void* const room = mmap(nullptr, size + hugePageSize, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+  if (room == MAP_FAILED) return errno;
+  std::size_t const before = (hugePageSize - reinterpret_cast<std::uintptr_t>(room) % hugePageSize) % hugePageSize;
+  std::byte* const begin = static_cast<std::byte*>(room) + before;
+  void* const base = mmap(begin, size, protection, flags | MAP_FIXED, fd_.get(), 0);
+  int const error = base == MAP_FAILED ? errno : 0;
+  U64 const page = static_cast<U64>(sysconf(_SC_PAGESIZE));
+  U64 const mapped = error != 0 ? 0 : (size + page - 1) / page * page;
+  if (before > 0) munmap(room, before);
+  munmap(begin + mapped, size + hugePageSize - before - mapped);
+  if (error != 0) return error;
   base_ = static_cast<std::byte*>(base);
   size_ = size;
   return 0;
+}
+
+void Memory::joinPages(U64 begin, U64 end) noexcept {
+  constexpr int collapse = 25;  // MADV_COLLAPSE, Linux 6.1; others refuse it
+  begin = (begin + hugePageSize - 1) / hugePageSize * hugePageSize;
+  end = end / hugePageSize * hugePageSize;
+  int const before = errno;
+  if (begin < end) madvise(base_ + begin, end - begin, collapse);
+  errno = before;
 }
 
 int Memory::mapPrivate(U64 size) noexcept { return map(size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE); }

@@ -1,13 +1,11 @@
 #pragma once
 
-#include <RouterPlatform/Fwk/BaseTypes.h>
+#include <RouterPlatform/SharedTable/Format.h>
 
 #include <cstddef>
 #include <utility>
 
 namespace SharedTable {
-
-using Fwk::U64;
 
 /// A file descriptor that closes itself.
 class Fd {
@@ -53,6 +51,10 @@ class Memory {
   /// Space for `size` octets at `offset`; they are zero if they had none before. Allocated in the file system, so that
   /// a store never meets a full one.
   int reserve(U64 offset, U64 size) noexcept;
+
+  /// Lets huge pages stand where they fit in wholly between `begin` and `end`, all of which has space: a table of many
+  /// rows is read at random, and its address translations alone take longer than its octets. A wish, not an order.
+  void joinPages(U64 begin, U64 end) noexcept;
 
   bool isFile() const noexcept { return static_cast<bool>(fd_); }
   int fd() const noexcept { return fd_.get(); }

@@ -52,6 +52,7 @@ int WriterCore::start(Memory memory, U32 rows) {
   usedBuckets_ = {buckets(), 0};
   if (int const error = memory_.reserve(0, headerSize)) return error;
   if (int const error = memory_.reserve(geometry_.bucketOffset(0, 0), 8 * buckets())) return error;
+  memory_.joinPages(geometry_.bucketOffset(0, 0), geometry_.bucketOffset(0, buckets()));
   put(live().rowCount, CheckedNumber::of(0).bits, std::memory_order_relaxed);
   if (int const error = reserveSlot()) return error;
   spare_ = takeSlot();
@@ -151,16 +152,15 @@ WriteStatus WriterCore::write(void const* row, Corruption& corruption) {
   Position const position = find(row, hash, corruption);
   if (position.outcome == Find::corrupt) return WriteStatus::corrupt;
   if (position.outcome == Find::missing) return insert(row, hash, position, corruption);
-  replace(position, row);
+  replace(position, row, hash);
   return WriteStatus::ok;
 }
 
-void WriterCore::replace(Position const& position, void const* row) noexcept {
-  U32 const former = position.word.slot();
+void WriterCore::replace(Position const& position, void const* row, U64 hash) noexcept {
   fillSpare(row);
   publish(position.bucket, position.word.next(spare_, position.word.tag()));
-  slotHash_[spare_] = slotHash_[former];
-  spare_ = former;
+  slotHash_[spare_] = static_cast<U32>(hash >> 32);
+  spare_ = position.word.slot();
   announce();
 }
 
@@ -210,7 +210,8 @@ void WriterCore::emptyBucket(U64 number) noexcept {
 }
 
 LookupStatus WriterCore::stage(void const* key, void* row, Corruption& corruption) {
-  staged_ = find(key, type_->keyHash(key, header_.hashSeed), corruption);
+  stagedHash_ = type_->keyHash(key, header_.hashSeed);
+  staged_ = find(key, stagedHash_, corruption);
   if (staged_.outcome == Find::corrupt) return LookupStatus::corrupt;
   if (staged_.outcome == Find::missing) return LookupStatus::missing;
   if (!readBack(staged_.word, corruption)) {
@@ -228,7 +229,7 @@ WriteStatus WriterCore::commit(void const* row, Corruption& corruption) {
                       wordOf(staged_.bucket).bits == staged_.word.bits &&
                       std::memcmp(row, stagedKey_.data(), geometry_.keySize) == 0;
   if (!stands) return write(row, corruption);
-  replace(staged_, row);
+  replace(staged_, row, stagedHash_);
   staged_.word = wordOf(staged_.bucket);
   return WriteStatus::ok;
 }
@@ -283,6 +284,7 @@ WriteStatus WriterCore::rebuild(U32 indexBits, Corruption& corruption) {
   U32 const other = 1 - half();
   U64 const mask = (U64{1} << indexBits) - 1;
   if (int const error = memory_.reserve(geometry_.bucketOffset(other, 0), 8 * (mask + 1))) return statusOf(error);
+  memory_.joinPages(geometry_.bucketOffset(other, 0), geometry_.bucketOffset(other, mask + 1));
   for (U64 i = 0; i < usedBuckets_[other]; ++i)
     if (bucket(other, i).load(std::memory_order_relaxed) != 0) put(bucket(other, i), U64{0}, std::memory_order_release);
   usedBuckets_[other] = mask + 1;
@@ -315,7 +317,7 @@ int WriterCore::reserveSlot() {
   if (!freeSlots_.empty() || slotsTaken_ < slotsReady_) return 0;
   U64 const least = Geometry::pageCeil(geometry_.slotSize());
   U64 const most = geometry_.fileSize - geometry_.slotsOffset - slotSpace_;
-  U64 step = std::min(std::max(Geometry::pageCeil(std::min(slotSpace_ / 2, U64{1} << 20)), least), most);
+  U64 step = std::min(std::max(Geometry::pageCeil(std::min(slotSpace_ / 2, U64{2} << 20)), least), most);
   int error = memory_.reserve(geometry_.slotsOffset + slotSpace_, step);
   if (error != 0 && step > least) error = memory_.reserve(geometry_.slotsOffset + slotSpace_, step = least);
   if (error != 0) return error;
@@ -323,10 +325,18 @@ int WriterCore::reserveSlot() {
   slotHash_.resize(ready + 1);
   freeSlots_.reserve(ready);
   slotSpace_ += step;
+  joinSlotPages(step);
   slotsReady_ = static_cast<U32>(ready);
   // Relaxed: a reader learns of it through the release store of the first bucket that names such a slot.
   put(live().slotsReady, CheckedNumber::of(slotsReady_).bits, std::memory_order_relaxed);
   return 0;
+}
+
+/// After `step` octets of space were added: the huge pages that are whole only now.
+void WriterCore::joinSlotPages(U64 step) noexcept {
+  U64 const end = geometry_.slotsOffset + slotSpace_;
+  U64 const begin = (end - step) / hugePageSize * hugePageSize;
+  memory_.joinPages(std::max(begin, geometry_.slotsOffset), end);
 }
 
 U32 WriterCore::takeSlot() noexcept {

@@ -99,13 +99,14 @@ class ROUTER_PLATFORM_EXPORT WriterCore {
 
   Position find(void const* key, U64 hash, Corruption& corruption);
   bool readBack(BucketWord word, Corruption& corruption);
-  void replace(Position const& position, void const* row) noexcept;
+  void replace(Position const& position, void const* row, U64 hash) noexcept;
   WriteStatus insert(void const* row, U64 hash, Position position, Corruption& corruption);
   void emptyBucket(U64 number) noexcept;
   WriteStatus makeRoom(bool& rebuilt, Corruption& corruption);
   void sweep() noexcept;
   WriteStatus rebuild(U32 indexBits, Corruption& corruption);
   int reserveSlot();
+  void joinSlotPages(U64 step) noexcept;
   U32 takeSlot() noexcept;
 
   RowType const* type_ = nullptr;
@@ -134,6 +135,7 @@ class ROUTER_PLATFORM_EXPORT WriterCore {
   std::vector<U64> scratch_;  ///< a row read back
   std::vector<U64> stagedKey_;
   Position staged_{Find::missing, 0, {}};
+  U64 stagedHash_ = 0;
   U64 stagedEpoch_ = 0;
 };
 

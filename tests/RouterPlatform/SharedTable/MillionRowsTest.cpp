@@ -3,6 +3,9 @@
 #include <tests/RouterPlatform/SharedTable/TableFixture.h>
 #include <tests/RouterPlatform/Trace/TraceCapture.h>
 
+#include <sys/stat.h>
+
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -50,6 +53,24 @@ class MillionRows : public Tables {
     return walked.exact && walked.rows == million && rows == million;
   }
 };
+
+TEST_F(MillionRows, TakeHardlyMoreSpaceThanTheirOctets) {
+  constexpr U64 rows = 150000;
+  SharedTable::Writer<PlainRow> writer(collection, writerOptions(4096, 1 << 20));
+  ASSERT_FALSE(writer.mountPathIs(mountPath));
+  struct stat before {};
+  ASSERT_EQ(stat(path().c_str(), &before), 0);
+  EXPECT_LT(before.st_blocks * 512, 256 << 10) << "an empty table of the usual capacity";
+  for (U64 i = 0; i < rows; ++i) ASSERT_EQ(writer.rowIs(PlainRow(i)), WriteStatus::ok);
+  SharedTable::Reader<PlainRow> reader(mountPath, collection, readerOptions());
+  ASSERT_FALSE(reader.attach());
+  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(reader.view().base()) % SharedTable::hugePageSize, 0u)
+      << "so that huge pages of the file can be mapped as such";
+  struct stat status {};
+  ASSERT_EQ(stat(path().c_str(), &status), 0);
+  U64 const index = (U64{8} << 19) + (U64{8} << 18);  // that of so many rows, and the one before it
+  EXPECT_LT(static_cast<U64>(status.st_blocks) * 512, index + rows * 72 + (U64{4} << 20));
+}
 
 TEST_F(MillionRows, AreWrittenReadWalkedUnmountedAndMountedAndOneMoreIsRefused) {
   SharedTable::Writer<PlainRow> writer(collection, writerOptions(4096, million));
