@@ -62,6 +62,22 @@ TEST_F(FileWatchTest, TellsOfTheFileThatALinkLeadsTo) {
   EXPECT_TRUE(happened());
 }
 
+TEST_F(FileWatchTest, FindsADirectoryThatHasTakenThePlaceOfAnother) {
+  watch = FileWatch(folder.write("sub/file", "1"));
+  std::filesystem::remove_all(folder / "sub");
+  folder.write("sub/file", "2");
+  watch.restart();
+  EXPECT_FALSE(happened());
+  folder.write("sub/file", "3");
+  EXPECT_TRUE(happened());
+  std::filesystem::rename(folder / "sub", folder / "former");
+  folder.write("sub/file", "4");
+  watch.lookAgain();
+  happened();
+  folder.write("sub/file", "5");
+  EXPECT_TRUE(happened());
+}
+
 TEST_F(FileWatchTest, OfAFileThatIsNotThereYetTellsWhenItComes) {
   watch = FileWatch(folder / "later");
   EXPECT_FALSE(happened());

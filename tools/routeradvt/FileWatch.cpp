@@ -15,6 +15,10 @@ FileWatch::FileWatch(std::string fileName)
 void FileWatch::restart() {
   std::array<char, 4096> events;
   while (read(inotify_.get(), events.data(), events.size()) > 0) continue;
+  lookAgain();
+}
+
+void FileWatch::lookAgain() {
   watchDirectoryOf(fileName_);
   std::error_code error;
   auto const target = std::filesystem::canonical(fileName_, error);

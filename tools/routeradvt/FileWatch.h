@@ -18,6 +18,8 @@ class FileWatch {
 
   /// Forgets what happened so far, and looks anew where the file is.
   void restart();
+  /// Looks anew where the file is: its directory may be another one than it was, of which nothing is told.
+  void lookAgain();
 
  private:
   void watchDirectoryOf(std::string const& path) const;

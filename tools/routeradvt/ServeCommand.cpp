@@ -79,6 +79,7 @@ class Service {
     nextCapture_.expires_after(done ? poll_ : 0ms);
     nextCapture_.async_wait([this, done](std::error_code aborted) {
       if (aborted) return;
+      if (done) watch_.lookAgain();
       if (done && isQuiet()) reload();
       capture();
     });
