@@ -137,7 +137,7 @@ check-fuzz fuzz:
 soak:
 	@scripts/setup check
 	$(call build,release,platform_tests)
-	SHARED_TABLE_KILLS=$(SOAK_KILLS) build/release/bin/platform_tests --gtest_filter='KilledWriters.LeaveEveryLastingRow*'
+	SHARED_TABLE_KILLS=$(SOAK_KILLS) build/release/bin/platform_tests --gtest_filter='KilledWriters.*'
 	$(call build,fuzz)
 	scripts/fuzz-short $(SOAK_SECONDS)
 

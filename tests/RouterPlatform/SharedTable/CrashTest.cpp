@@ -251,6 +251,8 @@ TEST_F(KilledWriters, AnywhereInAnUnmountingLeaveAWholeTableOrNone) {
   expectNothingWrong();
   EXPECT_GT(tables, 0u);
   EXPECT_LT(tables, kills);
+  std::cout << kills << " writers killed as they mounted and unmounted; " << tables << " left a table; torn "
+            << report_->torn << ", missed " << report_->missed << ", corrupt " << report_->corrupt << "\n";
 }
 
 TEST_F(KilledWriters, HaveTheirFileRetiredByTheNextOne) {
