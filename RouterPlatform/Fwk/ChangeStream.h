@@ -41,7 +41,7 @@ class Hub;
 /// is not seen: `Writer::restart` makes up for it.
 class ROUTER_PLATFORM_EXPORT Source {
  public:
-  /// At most 64 trees.
+  /// At most 64 trees, none of them within another. Throws std::length_error, and std::bad_alloc.
   explicit Source(std::vector<Ptr<Entity>> roots, SourceOptions const& options = {});
 
   /// Octets of memory that hold changes now; bounded by `maxPendingOctets`.
@@ -154,7 +154,7 @@ class ROUTER_PLATFORM_EXPORT Reader {
 };
 
 /// A root of any type in the type registry: what a `Reader` makes its mirror with. Null when there is no such entity
-/// type here or `key` is none of its keys.
+/// type here, when a stream carries nothing of it, or when `key` is none of its keys.
 ROUTER_PLATFORM_EXPORT Ptr<Entity> registeredRoot(std::string_view typeName, std::string_view key);
 
 }  // namespace Fwk::ChangeStream

@@ -428,7 +428,8 @@ std::vector<Ptr<Entity>> const& Reader::roots() const noexcept { return impl_->r
 
 Ptr<Entity> registeredRoot(std::string_view typeName, std::string_view key) {
   TypeRecord const* const type = typeRegistry().find(typeName);
-  return type && type->create ? type->create(key) : nullptr;
+  bool const mirrored = type && type->create && std::ranges::any_of(type->attributes, &AttributeRecord::streamed);
+  return mirrored ? type->create(key) : nullptr;
 }
 
 }  // namespace Fwk::ChangeStream

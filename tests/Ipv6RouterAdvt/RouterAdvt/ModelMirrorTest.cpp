@@ -224,6 +224,15 @@ TEST(ModelMirror, EverySettableAttributeAndEveryCollectionAndChildOfAnEntityIsSt
   EXPECT_GT(streamed, 40);
 }
 
+TEST(ModelMirror, ARootIsMadeOfAnyTypeThatHasSomethingToMirror) {
+  EXPECT_EQ(registeredRoot("RouterAdvt::Config", "ra")->name(), "ra");
+  EXPECT_TRUE(registeredRoot("RouterAdvt::IntfConfig", "Ethernet1"));
+  EXPECT_FALSE(registeredRoot("RouterAdvt::Config", std::string(64, 'x')));
+  EXPECT_FALSE(registeredRoot("RouterAdvt::RaPacket", "Ethernet1"));
+  EXPECT_FALSE(registeredRoot("RouterAdvt::Table::RouterNeighborRaStatus", "ra"));
+  EXPECT_FALSE(registeredRoot("RouterAdvt::Nothing", "ra"));
+}
+
 // A server with a mirror that has stopped.
 
 TEST(ModelMirrorServer, WithAStoppedMirrorKeepsItsMemoryBoundedAndTheMirrorIsRightAgain) {

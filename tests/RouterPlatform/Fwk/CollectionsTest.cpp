@@ -57,6 +57,40 @@ class OwnedChild : public Collections {};
 
 Change const ports(std::string key) { return {Box::portsAttr, std::move(key)}; }
 
+TEST_F(Collections, ANotificationSaysWhatBecameOfTheMember) {
+  std::vector<Fwk::MemberChange> changes;
+  then_ = [&](Notification const& n) { changes.push_back(n.key.change()); };
+  using Fwk::MemberChange;
+  box_->portsIs("a");
+  box_->portsDel("a");
+  EXPECT_THAT(std::exchange(changes, {}), ElementsAre(MemberChange::added, MemberChange::removed));
+  box_->labelsIs("k", "v");
+  box_->labelsIs("k", "w");
+  box_->labelsDel("k");
+  EXPECT_THAT(std::exchange(changes, {}),
+              ElementsAre(MemberChange::added, MemberChange::replaced, MemberChange::removed));
+  box_->addressesIs(Ip6Addr("::1"));
+  box_->addressesDel(Ip6Addr("::1"));
+  EXPECT_THAT(std::exchange(changes, {}), ElementsAre(MemberChange::added, MemberChange::removed));
+}
+
+TEST_F(Collections, TheLastKeyIsThatOfTheMemberThatCameLast) {
+  EXPECT_EQ(box_->ports().lastKey(), nullptr);
+  EXPECT_EQ(box_->labels().lastKey(), nullptr);
+  EXPECT_EQ(box_->addresses().lastKey(), nullptr);
+  for (char const* const name : {"a", "b", "c"}) {
+    box_->portsIs(name);
+    box_->labelsIs(name, name);
+    box_->addressesIs(Ip6Addr(std::string("fe80::") + name));
+  }
+  box_->portsDel("c");
+  box_->labelsDel("c");
+  box_->addressesDel(Ip6Addr("fe80::c"));
+  EXPECT_EQ(*box_->ports().lastKey(), "b");
+  EXPECT_EQ(*box_->labels().lastKey(), "b");
+  EXPECT_EQ(*box_->addresses().lastKey(), Ip6Addr("fe80::b"));
+}
+
 TEST_F(EntityCollection, ANewKeyMakesAMemberWithDefaultsAndAParentAndNotifiesTheKey) {
   Ptr<Port> const port = box_->portsIs("Ethernet1");
   EXPECT_EQ(port->intfId(), "Ethernet1");

@@ -184,6 +184,26 @@ TEST(OrderedTable, FindingAndWalkingAllocateNothing) {
   EXPECT_EQ(sum, 2 * 5050U);
 }
 
+TEST(OrderedTableWalk, ThatWasPutAsideSettlesAtAnElementOrTheEnd) {
+  Table table;
+  addAll(table, 1, 30);
+  Table::Walk walk(table);
+  walk.next();
+  walk.settle();
+  EXPECT_EQ(walk.element().key, 2);
+  table.remove(2);
+  table.remove(3);
+  walk.settle();
+  EXPECT_EQ(walk.element().key, 4);
+  for (U32 key = 4; key <= 25; ++key) table.remove(key);  // closes the holes on the way
+  walk.settle();
+  EXPECT_EQ(walk.element().key, 26);
+  for (U32 key = 26; key <= 30; ++key) table.remove(key);
+  addAll(table, 40, 45);
+  walk.settle();
+  EXPECT_TRUE(walk.atEnd());
+}
+
 TEST(OrderedTableWalk, DoesNotVisitWhatIsAddedDuringIt) {
   Table table;
   addAll(table, 1, 3);
