@@ -33,6 +33,7 @@ Error checkHeader(FixedHeader const& header, RowType const& type, std::string co
     return {Errc::incompatible, 0, path + ": written in the other byte order"};
   if (crc32(&header, offsetof(FixedHeader, crc)) != header.crc)
     return {Errc::damaged, 0, path + ": the header is damaged"};
+  if (header.byteOrder != byteOrderMark) return {Errc::incompatible, 0, path + ": written in an unknown byte order"};
   if (header.version != formatVersion)
     return {Errc::incompatible, 0, path + ": format version " + std::to_string(header.version)};
   if (header.layoutHash != type.layoutHash || header.rowSize != type.rowSize || header.keySize != type.keySize)
@@ -137,7 +138,12 @@ bool ReaderBase::isReplaced() const {
 }
 
 WaitResult ReaderBase::reattach() {
-  if (!attach()) return WaitResult::attached;
+  if (!attach()) {
+    if (!isRetired()) return WaitResult::attached;
+    // Its writer could not take the name away: nothing comes from that file any more.
+    detach();
+    attachError_ = {Errc::noTable, 0, path_ + ": its writer has ended it"};
+  }
   return attachError_.code == Errc::noTable ? WaitResult::tableGone : WaitResult::unreadable;
 }
 

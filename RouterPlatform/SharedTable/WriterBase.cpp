@@ -133,6 +133,7 @@ Error WriterBase::moveRows(WriterCore& next, LostRows& lostRows) {
 }
 
 Error WriterBase::mount(std::string_view path) {
+  std::string wanted(path);
   auto place = std::make_unique<Publication>();
   auto next = std::make_shared<WriterCore>(type_, options_.capacity);
   LostRows lostRows;
@@ -147,9 +148,13 @@ Error WriterBase::mount(std::string_view path) {
     next->completeHeader();
     error = place->publish(next->memory(), options_.mode);
   }
-  mountPath_ = path;
+  mountPath_ = std::move(wanted);
   mountError_ = error;
   if (error) {
+    // Callbacks may mount again: what this try holds, the lock above all, is given back first.
+    next.reset();
+    memory = {};
+    place.reset();
     ++counters().mountFailed;
     TRACE(traceHandle, 2, "Could not mount ", path, "/", collection_, ": ", error.code, ": ", error.text);
     mountStatus_ = MountStatus::failed;

@@ -3,6 +3,7 @@
 A test makes the namespaces it needs, under names that nobody else has, bounds every wait, and takes away all it made,
 whatever happens; processes are ended by their own handle only.
 """
+import atexit
 import json
 import os
 import secrets
@@ -10,12 +11,17 @@ import shutil
 import signal
 import subprocess
 import sys
+import tempfile
 import time
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "cli"))
 from support import EXAMPLE, PROGRAM, Checks  # noqa: E402,F401  # pylint: disable=wrong-import-position,unused-import
 
 SKIPPED = 77
+
+# Tables of neighbouring routers are kept apart from those of the machine.
+os.environ["SHARED_TABLE_DIR"] = tempfile.mkdtemp(prefix="tables-")
+atexit.register(shutil.rmtree, os.environ["SHARED_TABLE_DIR"], ignore_errors=True)
 
 
 def skip(reason):

@@ -122,6 +122,10 @@ TEST_F(NeighborTables, AreReadInTheOrderAskedForAndOfTheInterfaceAskedFor) {
     return text;
   };
   EXPECT_EQ(routers("", NeighborReport::Order::intf), "Ethernet1-fe80::1 Ethernet1-fe80::2 Ethernet2-fe80::1 ");
+  rows->routerNeighborRaIs(neighborOf("Ethernet3", "fe80::9", std::numeric_limits<double>::quiet_NaN()));
+  EXPECT_EQ(routers("", NeighborReport::Order::age),
+            "Ethernet3-fe80::9 Ethernet1-fe80::1 Ethernet2-fe80::1 Ethernet1-fe80::2 ");
+  rows->routerNeighborRaDel(neighborOf("Ethernet3", "fe80::9", 0).key());
   EXPECT_EQ(routers("", NeighborReport::Order::age), "Ethernet1-fe80::1 Ethernet2-fe80::1 Ethernet1-fe80::2 ");
   EXPECT_EQ(routers("Ethernet2", NeighborReport::Order::intf), "Ethernet2-fe80::1 ");
   EXPECT_EQ(routers("Ethernet3", NeighborReport::Order::intf), "");

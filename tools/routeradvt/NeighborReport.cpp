@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <compare>
 #include <cstdio>
 #include <ctime>
 
@@ -69,8 +70,8 @@ NeighborReport readNeighbors(RouterAdvt::RouterNeighborRaReader const& reader, N
   });
   report.damagedPlaces = walked.corrupt;
   std::ranges::sort(report.neighbors, [order](RouterNeighborRa const& a, RouterNeighborRa const& b) {
-    if (order == NeighborReport::Order::age && a.lastRaReceived() != b.lastRaReceived())
-      return a.lastRaReceived() > b.lastRaReceived();
+    if (order == NeighborReport::Order::age)  // a time that is none has its place, too
+      if (auto const later = std::strong_order(b.lastRaReceived(), a.lastRaReceived()); later != 0) return later < 0;
     return a.key() < b.key();
   });
   return report;

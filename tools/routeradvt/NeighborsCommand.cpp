@@ -46,9 +46,9 @@ class NeighborsCommand final : public Command {
   void run(Console& console) override {
     if (!Net::IntfId::fits(intf_)) throw UsageError("no interface has a name as long as " + intf_);
     RouterNeighborRaReader reader({ownerId(), {}});
-    if (SharedTable::Error const error = reader.attach()) {
+    if (SharedTable::Error const error = reader.attach(); error && !watch_) {
       if (error.code != Errc::noTable) throw Failure("the table cannot be read: " + error.text);
-      if (!watch_) throw Failure("there is no table: no program keeps one (" + reader.path() + ")");
+      throw Failure("there is no table: no program keeps one (" + reader.path() + ")");
     }
     if (watch_)
       follow(reader, console.out);

@@ -198,6 +198,19 @@ TEST_F(ReaderOf, ANewTableIsAttachedByTheWaiter) {
   EXPECT_TRUE(reader_.writer().alive);
 }
 
+TEST_F(ReaderOf, ATableThatEndedButKeptItsNameIsNoTableToAWaiter) {
+  mountAndAttach();
+  std::string const path = reader_.path();
+  std::filesystem::create_hard_link(path, path + ".kept");
+  ASSERT_FALSE(writer_.mountPathDel());
+  std::filesystem::rename(path + ".kept", path);
+  EXPECT_EQ(reader_.wait(reader_.changeCount(), 10s), WaitResult::tableGone);
+  EXPECT_FALSE(reader_.attached());
+  EXPECT_EQ(reader_.wait(0, 30ms), WaitResult::timedOut);
+  ASSERT_FALSE(writer_.mountPathIs(mountPath));
+  EXPECT_EQ(reader_.wait(0, 10s), WaitResult::attached);
+}
+
 TEST_F(ReaderOf, AWaiterWithoutATableWaitsForOne) {
   EXPECT_EQ(reader_.wait(0, 30ms), WaitResult::timedOut);
   ASSERT_FALSE(writer_.mountPathIs(mountPath));
