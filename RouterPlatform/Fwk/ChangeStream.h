@@ -108,9 +108,15 @@ struct ReadError {
   explicit operator bool() const noexcept { return kind != ReadErrorKind::none; }
 };
 
+using AttributePredicate = std::function<bool(AttributeRecord const&)>;
+
 struct ReaderOptions {
   /// Octets of a record that are waited for; a writer's records are as large as the values in them.
   std::size_t maxRecordSize = std::size_t{16} << 20;
+  /// Whether the order of a collection's members carries nothing. A snapshot then leaves those that are there where
+  /// they are and adds others at the end; otherwise members stand in the order of the source. Empty: every order
+  /// counts.
+  AttributePredicate anyOrder = {};
 };
 
 /// Applies a stream to a mirror: trees that nobody else changes. Setters and collections of the mirror notify as ever,

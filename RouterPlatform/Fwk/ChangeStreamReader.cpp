@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
 
 namespace Fwk::ChangeStream {
 
@@ -26,6 +27,8 @@ void require(bool wellFormed, char const* what) {
 struct Unmentioned {
   AttributeRecord const* attr;
   std::unique_ptr<StreamWalk> members;  ///< the first one that was not mentioned; null: a child
+  bool anyOrder = false;                ///< `members` stays at the start, and what was mentioned is in `mentioned`
+  std::set<String, std::less<>> mentioned = {};
 };
 
 /// An entity that records are about.
@@ -252,13 +255,14 @@ class Reader::Impl {
     if (inSnapshot_ && frame.entity) findUnmentioned(frame);
   }
 
-  static void findUnmentioned(Frame& frame) {
+  void findUnmentioned(Frame& frame) const {
     for (AttributeRecord const& attr : frame.entity->fwkType().attributes) {
       if (!attr.streamed() || attr.put) continue;
       if (attr.child) {
         if (attr.child->get(objectOf(frame))) frame.unmentioned.push_back({&attr, nullptr});
       } else if (attr.collection->size(objectOf(frame)) > 0) {
-        frame.unmentioned.push_back({&attr, attr.collection->stream->walk(objectOf(frame))});
+        bool const anyOrder = options_.anyOrder && options_.anyOrder(attr);
+        frame.unmentioned.push_back({&attr, attr.collection->stream->walk(objectOf(frame)), anyOrder});
       }
     }
   }
@@ -367,7 +371,7 @@ class Reader::Impl {
   }
 
   /// Before a member is set. In a snapshot it stands in the place that it is mentioned at: one that is there stays, and
-  /// what would stand before it goes. Otherwise one that comes last is made anew.
+  /// what would stand before it goes, unless any order will do. Otherwise one that comes last is made anew.
   void makeWay(Frame& frame, AttributeRecord const& attr, std::span<U8 const> key, bool last) {
     if (!inSnapshot_) {
       if (last) (void)attr.collection->stream->del(objectOf(frame), key);
@@ -378,6 +382,10 @@ class Reader::Impl {
   }
 
   void mention(Frame const& frame, Unmentioned& left, std::span<U8 const> key) {
+    if (left.anyOrder) {
+      left.mentioned.emplace(textOf(key));
+      return;
+    }
     bool const present = left.attr->collection->stream->contains(objectOf(frame), key);
     removeUnmentioned(frame, left, present ? std::optional(key) : std::nullopt);
     if (!left.members->atEnd()) left.members->next();
@@ -390,6 +398,7 @@ class Reader::Impl {
       key_.clear();
       members.putKey(sink);
       if (key && std::ranges::equal(key_, *key)) return;
+      if (left.mentioned.contains(textOf(key_))) continue;
       left.attr->collection->stream->del(objectOf(frame), key_);
     }
   }

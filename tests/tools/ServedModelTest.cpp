@@ -58,6 +58,25 @@ TEST_F(ServedModelTest, AChangedFileChangesTheTreesThatAreThere) {
   EXPECT_EQ(err.str(), "");
 }
 
+TEST_F(ServedModelTest, AnInterfaceThatComesFirstLeavesTheOthersAlone) {
+  std::vector<std::string> heard;
+  auto const observing =
+      Fwk::observe(model.config(), [&](Fwk::Notification const& n) { n.key.appendTo(heard.emplace_back()); });
+  auto const intf = model.config()->intf("E1");
+  EXPECT_EQ(reload("config: {intf: {E0: {}, E2: {}, E1: {raLifetime: 600}}}"), Reload::applied);
+  EXPECT_THAT(heard, testing::ElementsAre("E0"));
+  EXPECT_EQ(model.config()->intf("E1"), intf);
+  EXPECT_THAT(interfaces(), testing::ElementsAre("E1", "E2", "E0"));
+}
+
+TEST_F(ServedModelTest, TheOrderOfWhatIsAdvertisedIsTakenOver) {
+  reload("config: {intf: {E1: {dnsServers: {'2001:db8::1': {}, '2001:db8::2': {}}}}}");
+  reload("config: {intf: {E1: {dnsServers: {'2001:db8::2': {}, '2001:db8::1': {}}}}}");
+  std::vector<std::string> servers;
+  for (auto const& [address, server] : model.config()->intf("E1")->dnsServers()) servers.push_back(address.toString());
+  EXPECT_THAT(servers, testing::ElementsAre("2001:db8::2", "2001:db8::1"));
+}
+
 TEST_F(ServedModelTest, AnUnchangedFileIsNotReadAgain) {
   EXPECT_EQ(model.reload(err), Reload::unchanged);
   EXPECT_EQ(reload("config: {intf: {E1: {raLifetime: 600}, E2: {}}}"), Reload::unchanged);

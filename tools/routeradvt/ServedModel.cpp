@@ -13,6 +13,12 @@ namespace {
 // So many directories are read in some milliseconds.
 constexpr int interfacesAtOnce = 100;
 
+/// What belongs together is found by name in these; where they stand says nothing. Elsewhere order is advertised.
+bool comesInAnyOrder(Fwk::AttributeRecord const& attr) {
+  std::string_view const name = attr.name;
+  return name == "intf" || name == "prefixProfiles";
+}
+
 void tell(std::ostream& err, ConfigFile const& file) {
   for (Diagnostic const& error : file.errors) err << diagnosticLine(file.name, error) << '\n';
   for (Diagnostic const& warning : file.warnings) err << diagnosticLine(file.name, warning, "warning: ") << '\n';
@@ -39,7 +45,7 @@ ServedModel::Reload ServedModel::reload(std::ostream& err) {
   ConfigFile const file = readConfigText(fileName_, read_);
   tell(err, file);
   if (!file) return Reload::refused;
-  Fwk::assignTree(file.config, config_);
+  Fwk::assignTree(file.config, config_, comesInAnyOrder);
   applyInterfaces();
   return Reload::applied;
 }

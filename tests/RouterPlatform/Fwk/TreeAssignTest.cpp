@@ -99,6 +99,30 @@ TEST_F(TreeAssign, WhatComesIntoTheMiddleTakesThoseBehindItWithIt) {
   EXPECT_THAT(portsOf(*to), ElementsAre("a", "b", "c", "d"));
 }
 
+TEST_F(TreeAssign, WhereAnyOrderWillDoWhatIsThereStaysAndTheRestComesLast) {
+  portsIs(*to, {"a", "b", "c"});
+  portsIs(*from, {"x", "c", "a", "y"});
+  Ptr<Port> const port = to->ports("c");
+  from->ports("c")->speedIs(5);
+  auto const ofPorts = [](Fwk::AttributeRecord const& attr) { return attr.name == std::string_view("ports"); };
+  heard.clear();
+  Fwk::assignTree(from, to, ofPorts);
+  EXPECT_THAT(std::exchange(heard, {}), ElementsAre("ports+x", "ports+y", "ports-b"));
+  EXPECT_THAT(portsOf(*to), ElementsAre("a", "c", "x", "y"));
+  EXPECT_EQ(to->ports("c"), port);
+  EXPECT_EQ(port->speed(), 5u);
+  Fwk::assignTree(from, to, ofPorts);
+  EXPECT_THAT(heard, IsEmpty());
+}
+
+TEST_F(TreeAssign, AnyOrderOfOneCollectionIsNoneOfAnother) {
+  for (char const* const key : {"a", "b"}) to->labelsIs(key, "1");
+  for (char const* const key : {"b", "a"}) from->labelsIs(key, "1");
+  heard.clear();
+  Fwk::assignTree(from, to, [](Fwk::AttributeRecord const& attr) { return attr.name == std::string_view("ports"); });
+  EXPECT_THAT(heard, ElementsAre("labels-a", "labels+a"));
+}
+
 TEST_F(TreeAssign, ReplacesValuesInPlace) {
   for (auto const& box : {from, to}) {
     box->labelsIs("a", "1");
