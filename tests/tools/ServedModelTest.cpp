@@ -3,6 +3,8 @@
 #include <tools/routeradvt/Command.h>
 #include <tools/routeradvt/ServedModel.h>
 
+#include <sys/stat.h>
+
 #include <sstream>
 
 #include <gmock/gmock.h>
@@ -17,8 +19,8 @@ using Reload = ServedModel::Reload;
 struct ServedModelTest : testing::Test {
   ToolTest::TemporaryFolder folder;
   std::string const file = folder.write("ra.yaml", "config: {intf: {E1: {raLifetime: 600}, E2: {}}}");
-  ServedModel model{file, ProcFiles(folder / "proc")};
   std::ostringstream err;
+  ServedModel model{file, err, ProcFiles(folder / "proc")};
 
   Reload reload(std::string const& text) {
     folder.write("ra.yaml", text);
@@ -40,8 +42,8 @@ TEST_F(ServedModelTest, HoldsWhatTheFileSays) {
 
 TEST_F(ServedModelTest, AFileThatIsWrongFromTheStartFails) {
   folder.write("wrong.yaml", "config: {hopLimt: 3}");
-  EXPECT_THROW(ServedModel(folder / "wrong.yaml"), Failure);
-  EXPECT_THROW(ServedModel(folder / "none.yaml"), Failure);
+  EXPECT_THROW(ServedModel(folder / "wrong.yaml", err), Failure);
+  EXPECT_THROW(ServedModel(folder / "none.yaml", err), Failure);
 }
 
 TEST_F(ServedModelTest, AChangedFileChangesTheTreesThatAreThere) {
@@ -107,6 +109,27 @@ TEST_F(ServedModelTest, AFileThatIsGoneIsRefusedAndOneThatIsBackIsTaken) {
 TEST_F(ServedModelTest, WarningsAreTold) {
   EXPECT_EQ(reload("config: {intf: {E1: {}}}\nlinks: {E2: {}}"), Reload::applied);
   EXPECT_THAT(err.str(), testing::HasSubstr("warning: links[E2]: "));
+}
+
+TEST_F(ServedModelTest, WarningsAreToldFromTheStart) {
+  folder.write("ra.yaml", "config: {intf: {E1: {}}}\nlinks: {E2: {}}");
+  ServedModel const other(file, err, ProcFiles(folder / "proc"));
+  EXPECT_THAT(err.str(), testing::HasSubstr("warning: links[E2]: "));
+}
+
+TEST_F(ServedModelTest, AFifoInTheFilesPlaceIsRefusedAndNotWaitedFor) {
+  std::filesystem::remove(file);
+  ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
+  EXPECT_EQ(model.reload(err), Reload::refused);
+  EXPECT_EQ(err.str(), file + ": is no regular file\n");
+  EXPECT_THROW(ServedModel(file, err), Failure);
+}
+
+TEST_F(ServedModelTest, AFolderInTheFilesPlaceIsRefused) {
+  std::filesystem::remove(file);
+  std::filesystem::create_directory(file);
+  EXPECT_EQ(model.reload(err), Reload::refused);
+  EXPECT_EQ(err.str(), file + ": is no regular file\n");
 }
 
 TEST_F(ServedModelTest, CapturesTheFilesOfEveryInterfaceInRounds) {

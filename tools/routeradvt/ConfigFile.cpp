@@ -1,6 +1,7 @@
 #include <Ipv6RouterAdvt/RouterAdvt/Factories.h>
 #include <tools/routeradvt/Command.h>
 #include <tools/routeradvt/ConfigFile.h>
+#include <tools/routeradvt/FileDescriptor.h>
 #include <tools/routeradvt/LinkReader.h>
 #include <tools/routeradvt/ModelReader.h>
 #include <tools/routeradvt/NearestName.h>
@@ -8,12 +9,13 @@
 
 #include <yaml-cpp/depthguard.h>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
-#include <memory>
 
 namespace Tool {
 
@@ -104,6 +106,21 @@ class FileReader {
   bool hasConfig_ = false;
 };
 
+FileText cannot(char const* what) { return {{}, std::string("cannot be ") + what + ": " + std::strerror(errno)}; }
+
+FileText readToTheEnd(int file) {
+  FileText result;
+  std::array<char, 65536> chunk;
+  while (true) {
+    ssize_t const count = read(file, chunk.data(), chunk.size());
+    if (count == 0) return result;
+    if (count > 0)
+      result.text.append(chunk.data(), static_cast<std::size_t>(count));
+    else if (errno != EINTR)
+      return cannot("read");
+  }
+}
+
 }  // namespace
 
 LinkConfig const* ConfigFile::link(Net::IntfId const& intfId) const {
@@ -122,17 +139,17 @@ Place ConfigFile::placeOf(std::string path) const {
 }
 
 FileText readFileText(std::string const& fileName) {
-  bool const fromInput = fileName == "-";
-  std::unique_ptr<std::FILE, int (*)(std::FILE*)> const opened(fromInput ? nullptr : std::fopen(fileName.c_str(), "re"),
-                                                               [](std::FILE* f) { return f ? std::fclose(f) : 0; });
-  std::FILE* const file = fromInput ? stdin : opened.get();
-  if (!file) return {{}, std::string("cannot be opened: ") + std::strerror(errno)};
-  FileText result;
-  std::array<char, 65536> chunk;
-  while (std::size_t const count = std::fread(chunk.data(), 1, chunk.size(), file))
-    result.text.append(chunk.data(), count);
-  if (std::ferror(file)) result.error = std::string("cannot be read: ") + std::strerror(errno);
-  return result;
+  if (fileName == "-") return readToTheEnd(STDIN_FILENO);
+  FileDescriptor const file(open(fileName.c_str(), O_RDONLY | O_CLOEXEC));
+  return file.get() < 0 ? cannot("opened") : readToTheEnd(file.get());
+}
+
+FileText readRegularFileText(std::string const& fileName) {
+  // To open a FIFO would otherwise wait for a writer.
+  FileDescriptor const file(open(fileName.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  struct stat found {};
+  if (file.get() < 0 || fstat(file.get(), &found) != 0) return cannot("opened");
+  return S_ISREG(found.st_mode) ? readToTheEnd(file.get()) : FileText{{}, "is no regular file"};
 }
 
 ConfigFile readConfigText(std::string name, std::string const& text) {

@@ -43,6 +43,8 @@ struct FileText {
 };
 /// `-`: standard input.
 FileText readFileText(std::string const& fileName);
+/// Of a regular file; anything else is an error, and is not waited for.
+FileText readRegularFileText(std::string const& fileName);
 
 /// Reads a file; `-`: standard input. Never throws for what the file holds.
 ConfigFile loadConfigFile(std::string const& fileName);

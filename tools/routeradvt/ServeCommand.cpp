@@ -90,7 +90,8 @@ class Service {
   bool isQuiet() const {
     std::error_code error;
     auto const written = std::filesystem::last_write_time(fileName_, error);
-    return !error && std::filesystem::file_time_type::clock::now() - written > 2s;
+    auto const age = std::filesystem::file_time_type::clock::now() - written;
+    return !error && (age > 2s || age < 0s);  // a time to come says nothing
   }
 
   asio::io_context& context_;
@@ -126,7 +127,7 @@ class ServeCommand final : public Command {
 
   void run(Console& console) override {
     if (fileName_ == "-") throw UsageError("a file is meant that can be read again, not standard input");
-    ServedModel model(fileName_);
+    ServedModel model(fileName_, console.err);
     asio::io_context context(1);
     SocketPath path(socketPath_);
     MirrorServer server(context, path, model.roots());

@@ -27,19 +27,20 @@ void tell(std::ostream& err, ConfigFile const& file) {
 
 }  // namespace
 
-ServedModel::ServedModel(std::string fileName, ProcFiles procFiles)
+ServedModel::ServedModel(std::string fileName, std::ostream& err, ProcFiles procFiles)
     : fileName_(std::move(fileName)),
-      read_(readFileText(fileName_)),
+      read_(readRegularFileText(fileName_)),
       procFiles_(std::move(procFiles)),
       status_(RouterAdvt::statusFactory("status")) {
   ConfigFile const file = readConfigText(fileName_, read_);
   failIfWrong(file);
+  tell(err, file);
   config_ = file.config;
   applyInterfaces();
 }
 
 ServedModel::Reload ServedModel::reload(std::ostream& err) {
-  FileText read = readFileText(fileName_);
+  FileText read = readRegularFileText(fileName_);
   if (read.text == read_.text && read.error == read_.error) return Reload::unchanged;
   read_ = std::move(read);
   ConfigFile const file = readConfigText(fileName_, read_);

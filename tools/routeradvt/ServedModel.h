@@ -15,8 +15,9 @@ namespace Tool {
 /// configuration. Both live as long as this; what changes in them is notified like any other change.
 class ServedModel {
  public:
-  /// Reads the file. Throws `Failure` with all that is wrong in it, a line each.
-  explicit ServedModel(std::string fileName, ProcFiles procFiles = ProcFiles());
+  /// Reads the file, which has to be a regular one. Throws `Failure` with all that is wrong in it, a line each;
+  /// warnings go to `err`.
+  ServedModel(std::string fileName, std::ostream& err, ProcFiles procFiles = ProcFiles());
 
   std::vector<Fwk::Ptr<Fwk::Entity>> roots() const { return {config_, status_}; }
   Fwk::Ptr<RouterAdvt::Config> const& config() const { return config_; }
