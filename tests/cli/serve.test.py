@@ -3,6 +3,7 @@
 
 import json
 import os
+import resource
 import signal
 import socket
 import subprocess
@@ -254,8 +255,69 @@ def check_server_whose_output_ends(folder):
     checks.true("the socket is removed", not os.path.exists(path))
 
 
+def check_time_to_come(folder):
+    """A file that is written and not closed, which nothing tells of, is read again though its time is yet to come."""
+    file, path = os.path.join(folder, "future.yaml"), os.path.join(folder, "future.sock")
+    write(file, FIRST)
+    server = Server(file, path, "--poll", "0.05")
+    with open(file, "r+", encoding="ascii") as opened:
+        opened.write(FIRST.replace("1800", "1700"))
+        opened.flush()
+        os.utime(file, (4e9, 4e9))
+        server.until(server.out, "reloaded ")
+    checks.equal("the change", mirrored(path)["config"]["intf"]["lo"]["raLifetime"], 1700)
+    server.end()
+
+
+def check_few_descriptors(folder):
+    """Mirrors take no file descriptor that the server needs for the file."""
+    file, path = os.path.join(folder, "few.yaml"), os.path.join(folder, "few.sock")
+    write(file, FIRST)
+    former = resource.getrlimit(resource.RLIMIT_NOFILE)
+    resource.setrlimit(resource.RLIMIT_NOFILE, (44, former[1]))
+    server = Server(file, path, "--poll", "0.05")
+    resource.setrlimit(resource.RLIMIT_NOFILE, former)
+    mirrors = [socket.socket(socket.AF_UNIX) for _ in range(50)]
+    for mirror in mirrors:
+        mirror.settimeout(PATIENCE)
+        mirror.connect(path)
+    for mirror in mirrors[:12]:
+        checks.true("a mirror is served", mirror.recv(1))
+    write(file, FIRST.replace("1800", "1700"))
+    server.until(server.out, "reloaded ")
+    checks.equal("files that are open", len(os.listdir(f"/proc/{server.process.pid}/fd")) < 44, True)
+    for mirror in mirrors:
+        mirror.close()
+    checks.equal("the next mirror", mirrored(path)["config"]["intf"]["lo"]["raLifetime"], 1700)
+    server.end()
+
+
+def check_whoever_talks(folder):
+    """Who sends something is no mirror, and is let go."""
+    file, path = os.path.join(folder, "talk.yaml"), os.path.join(folder, "talk.sock")
+    write(file, FIRST)
+    server = Server(file, path)
+    with socket.socket(socket.AF_UNIX) as connection:
+        connection.settimeout(PATIENCE)
+        connection.connect(path)
+        checks.true("it is served", connection.recv(1))
+        connection.sendall(b"hello")
+        try:
+            while connection.recv(65536):
+                pass
+            ended = True
+        except ConnectionResetError:
+            ended = True
+        except TimeoutError:
+            ended = False
+        checks.true("it is let go", ended)
+    checks.equal("the next mirror", mirrored(path)["config"], shown(file))
+    server.end()
+
+
 with tempfile.TemporaryDirectory() as temporary:
     for check in (check_trees, check_captured_files, check_reload, check_link_to_the_file, check_restart,
-                  check_refusals, check_output_that_ends, check_server_whose_output_ends):
+                  check_refusals, check_output_that_ends, check_server_whose_output_ends, check_time_to_come, check_few_descriptors,
+                  check_whoever_talks):
         check(temporary)
 checks.exit()

@@ -72,6 +72,16 @@ TEST_F(ProcFilesTest, ThatCannotBeReadAreLeftOut) {
   EXPECT_THAT(namesOf(status->cfgProcFileData()), testing::ElementsAre("mtu"));
 }
 
+TEST_F(ProcFilesTest, StayWhenTheirDirectoryCannotBeRead) {
+  folder.write("conf/eth0/mtu", "1500\n");
+  files.capture(*status);
+  std::filesystem::remove_all(folder / "conf/eth0");
+  std::filesystem::create_symlink("eth0", folder / "conf/eth0");  // ELOOP, for root as for anybody
+  files.capture(*status);
+  ASSERT_TRUE(status->cfgProcFileData());
+  EXPECT_THAT(namesOf(status->cfgProcFileData()), testing::ElementsAre("mtu"));
+}
+
 struct NoInterfaceRow {
   char const* name;
   char const* intf;

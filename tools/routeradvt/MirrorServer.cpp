@@ -4,6 +4,9 @@
 #include <asio/post.hpp>
 #include <asio/write.hpp>
 
+#include <sys/resource.h>
+
+#include <algorithm>
 #include <array>
 #include <chrono>
 
@@ -24,7 +27,7 @@ class MirrorServer::Session : public std::enable_shared_from_this<Session> {
         if (auto const self = weak.lock()) self->write();
       });
     });
-    readToTheEnd();
+    endWhenReadable();
     write();
   }
 
@@ -51,21 +54,17 @@ class MirrorServer::Session : public std::enable_shared_from_this<Session> {
     });
   }
 
-  /// A mirror sends nothing; that there is nothing more to read says that it has gone.
-  void readToTheEnd() {
-    socket_.async_read_some(asio::buffer(ignored_), [self = shared_from_this()](std::error_code error, std::size_t) {
-      if (error)
-        self->server_.end(self);
-      else
-        self->readToTheEnd();
-    });
+  /// A mirror sends nothing: whatever there is to read, it has gone, or is none.
+  void endWhenReadable() {
+    socket_.async_read_some(asio::buffer(ignored_),
+                            [self = shared_from_this()](std::error_code, std::size_t) { self->server_.end(self); });
   }
 
   MirrorServer& server_;
   Protocol::socket socket_;
   Fwk::ChangeStream::Writer writer_;
   Fwk::Octets chunk_;
-  std::array<Fwk::U8, 64> ignored_{};
+  std::array<Fwk::U8, 1> ignored_{};
   bool writing_ = false;
 };
 
@@ -80,8 +79,15 @@ MirrorServer::~MirrorServer() {
   for (auto const& session : sessions_) session->close();
 }
 
+std::size_t MirrorServer::sessionsThatFit() {
+  rlimit limit{};
+  if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return mostSessions;
+  return std::clamp<std::size_t>(limit.rlim_cur, otherDescriptors + 1, otherDescriptors + mostSessions) -
+         otherDescriptors;
+}
+
 void MirrorServer::accept() {
-  if (accepting_ || sessions_.size() >= mostSessions) return;
+  if (accepting_ || sessions_.size() >= sessionsMax_) return;
   accepting_ = true;
   acceptor_.async_accept([this](std::error_code error, Protocol::socket socket) {
     accepting_ = false;

@@ -25,6 +25,10 @@ class MirrorServer {
   class Session;
   // More wait in the socket's queue until others leave.
   static constexpr std::size_t mostSessions = 256;
+  // Files and directories are read, too.
+  static constexpr std::size_t otherDescriptors = 32;
+
+  static std::size_t sessionsThatFit();
 
   void accept();
   void handleAccept(std::error_code const& error, asio::local::stream_protocol::socket socket);
@@ -34,6 +38,7 @@ class MirrorServer {
   asio::local::stream_protocol::acceptor acceptor_;
   asio::steady_timer retry_;
   bool accepting_ = false;
+  std::size_t const sessionsMax_ = sessionsThatFit();
   std::set<std::shared_ptr<Session>> sessions_;
 };
 

@@ -31,18 +31,23 @@ std::optional<std::string> readFile(std::filesystem::path const& path) {
   return std::nullopt;
 }
 
-/// By name; nothing when there is no such directory.
-std::optional<Files> readDirectory(std::filesystem::path const& directory) {
+struct Directory {
+  bool present = false;
+  std::optional<Files> files;  ///< by name; none when it could not be read, such as for want of a file descriptor
+};
+
+Directory readDirectory(std::filesystem::path const& directory) {
   std::error_code error;
   Files files;
   std::filesystem::directory_iterator at(directory, error);
-  if (error) return std::nullopt;
-  for (; at != std::filesystem::directory_iterator(); at.increment(error)) {
-    if (error) return std::nullopt;
-    if (!at->is_regular_file(error)) continue;
-    if (auto contents = readFile(at->path())) files.emplace(at->path().filename(), std::move(*contents));
+  while (!error && at != std::filesystem::directory_iterator()) {
+    std::error_code ofFile;
+    if (at->is_regular_file(ofFile))
+      if (auto contents = readFile(at->path())) files.emplace(at->path().filename(), std::move(*contents));
+    at.increment(error);
   }
-  return files;
+  if (error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory) return {};
+  return {true, error ? std::nullopt : std::optional(std::move(files))};
 }
 
 void store(ProcFileDirDataSet& set, Files const& files) {
@@ -64,19 +69,19 @@ bool mayBeInterface(std::string_view name) {
 void ProcFiles::capture(RouterAdvt::IntfStatus& status) const {
   std::string const name = status.intfId().toString();
   auto const filesOf = [&](std::string const& directory) {
-    return mayBeInterface(name) ? readDirectory(directory) : std::nullopt;
+    return mayBeInterface(name) ? readDirectory(directory) : Directory();
   };
   std::string const cfg = root_ + "/conf/" + name, nbr = root_ + "/neigh/" + name;
   auto const setName = [](std::string const& directory) {
     return RouterAdvt::Name(std::string_view(directory).substr(0, RouterAdvt::Name::maxSize));
   };
-  if (auto const files = filesOf(cfg))
+  if (auto const [present, files] = filesOf(cfg); files)
     store(*status.cfgProcFileDataIs(setName(cfg)), *files);
-  else
+  else if (!present)
     status.cfgProcFileDataDel();
-  if (auto const files = filesOf(nbr))
+  if (auto const [present, files] = filesOf(nbr); files)
     store(*status.nbrProcFileDataIs(setName(nbr)), *files);
-  else
+  else if (!present)
     status.nbrProcFileDataDel();
 }
 
