@@ -133,7 +133,7 @@ class ROUTER_PLATFORM_EXPORT Reader {
   explicit Reader(std::vector<Ptr<Entity>> roots, ReaderOptions const& options = {});
   explicit Reader(Ptr<Entity> root, ReaderOptions const& options = {});
   /// A mirror that is made when the stream names its roots: see `registeredRoot`. A root that is there is kept when the
-  /// next stream's has the same type and key.
+  /// next stream's has the same type and key; one beyond those of the next stream is let go.
   explicit Reader(RootFactory factory, ReaderOptions const& options = {});
   Reader(Reader&&) noexcept;
   Reader& operator=(Reader&&) noexcept;

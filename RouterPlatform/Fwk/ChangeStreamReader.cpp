@@ -216,6 +216,7 @@ class Reader::Impl {
 
   void end() {
     require(inSnapshot_ && frames_.empty(), "the end of no snapshot");
+    if (factory_) roots_.resize(static_cast<std::size_t>(rootsNamed_));
     inSnapshot_ = false;
     hasSnapshot_ = true;
   }

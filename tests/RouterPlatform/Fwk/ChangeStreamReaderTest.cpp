@@ -319,6 +319,20 @@ TEST(ChangeStreamReader, ALostDrainIsNoticedByTheNext) {
   EXPECT_EQ(reader.error().kind, ReadErrorKind::gap);
 }
 
+TEST(ChangeStreamReader, AMadeRootThatTheNextStreamDoesNotHaveIsLetGo) {
+  Reader reader([](std::string_view, std::string_view) { return Ptr<Fwk::Entity>(Fwk::create<Rack>("rack")); });
+  for (std::size_t const count : {2U, 1U}) {
+    std::vector<Ptr<Fwk::Entity>> roots;
+    while (roots.size() < count) roots.emplace_back(Fwk::create<Rack>("rack"));
+    Writer writer{Fwk::ChangeStream::Source(roots)};
+    Octets octets;
+    writer.drain(octets);
+    reader.attach();
+    EXPECT_TRUE(reader.feed(octets)) << reader.error().text;
+    EXPECT_EQ(reader.roots().size(), count);
+  }
+}
+
 TEST(ChangeStreamReader, RecordsOfAnUnknownKindArePassedOver) {
   HandWritten stream;
   stream.snapshot().record(static_cast<RecordKind>(200), {1, 2, 3}).record(K::mark);
