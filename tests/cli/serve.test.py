@@ -200,7 +200,9 @@ def check_refusals(folder):
     check_failure("a path too long to follow", run("mirror", "x" * 200, "--follow"), "too long")
     check_failure("garbage", served_by(nowhere, lambda c: c.sendall(b"x" * 1000)), "what comes from there cannot be read")
     check_failure("a short answer", served_by(nowhere, lambda c: c.sendall(b"")), "the server has ended")
-    check_failure("silence", served_by(nowhere, lambda c: c.recv(1)), "have not come within 10 seconds")
+    check_failure("silence", served_by(nowhere, lambda c: c.recv(1)), "nothing has come for 10 seconds; it may have as many mirrors as it serves")
+    check_failure("no socket to mirror", run("mirror", EXAMPLE), "there is something that is no socket")
+    check_failure("no socket to follow", run("mirror", folder, "--follow"), "there is something that is no socket")
 
     file, other = os.path.join(folder, "refused.yaml"), os.path.join(folder, "no-socket")
     write(file, "config: {hopLimt: 3}\n")
@@ -315,9 +317,60 @@ def check_whoever_talks(folder):
     server.end()
 
 
+def check_hangup(folder):
+    """Hanging up ends a server, unless it was started to ignore that, as nohup(1) does."""
+    file, path = os.path.join(folder, "hangup.yaml"), os.path.join(folder, "hangup.sock")
+    write(file, FIRST)
+    checks.equal("hanging up", Server(file, path).end(signal.SIGHUP), 0)
+    signal.signal(signal.SIGHUP, signal.SIG_IGN)
+    server, follower = Server(file, path), Follower(path)
+    signal.signal(signal.SIGHUP, signal.SIG_DFL)
+    follower.event()
+    for running in (server, follower):
+        running.process.send_signal(signal.SIGHUP)
+    write(file, FIRST.replace("1800", "1700"))
+    checks.equal("both go on", follower.event()["value"], 1700)
+    checks.equal("the mirror's end", follower.end(), 0)
+    checks.equal("the server's end", server.end(), 0)
+
+
+def stream_of(path):
+    """What a server sends at first."""
+    with socket.socket(socket.AF_UNIX) as connection:
+        connection.settimeout(PATIENCE)
+        connection.connect(path)
+        octets = b""
+        while not octets.endswith(b"\x0d\x00"):  # the mark behind a complete snapshot
+            octets += connection.recv(65536)
+        return octets
+
+
+def check_streams(folder):
+    """Streams that a server would send only if something went wrong, or if it were another program's."""
+    file, path, other = (os.path.join(folder, name) for name in ("stream.yaml", "stream.sock", "other.sock"))
+    write(file, FIRST)
+    server = Server(file, path, "--poll", "1000")
+    octets = stream_of(path)
+    server.end()
+    unknown = octets.replace(b"RouterAdvt::Config", b"RouterAdvt::Konfig").replace(b"RouterAdvt::Status", b"RouterAdvt::Stadus")
+    check_failure("unknown trees", served_by(other, lambda c: c.sendall(unknown)), "serves no tree that this program knows")
+    with socket.socket(socket.AF_UNIX) as listener:
+        listener.bind(other)
+        listener.listen()
+        follower = Follower(other)
+        for what in ("attached", "attached"):
+            with listener.accept()[0] as connection:
+                connection.sendall(octets)
+                checks.equal("with the stream", follower.event()["event"], what)
+                connection.sendall(b"\x02\x01\x7f")  # a batch that is not the next one
+                checks.equal("with a gap", follower.event(), {"event": "detached"})
+        checks.contains("told", follower.until(follower.err, "missing"), "something of the changes is missing; waiting")
+        checks.equal("its end", follower.end(), 0)
+
+
 with tempfile.TemporaryDirectory() as temporary:
     for check in (check_trees, check_captured_files, check_reload, check_link_to_the_file, check_restart,
                   check_refusals, check_output_that_ends, check_server_whose_output_ends, check_time_to_come, check_few_descriptors,
-                  check_whoever_talks):
+                  check_whoever_talks, check_hangup, check_streams):
         check(temporary)
 checks.exit()

@@ -2,6 +2,8 @@
 #include <tools/routeradvt/Command.h>
 #include <tools/routeradvt/SocketPath.h>
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/socket.h>
 
 #include <cerrno>
@@ -80,6 +82,14 @@ TEST_F(SocketPathTest, AnotherOneInItsPlaceIsNotRemoved) {
     folder.write("socket", "another");
   }
   EXPECT_TRUE(std::filesystem::exists(path));
+}
+
+TEST_F(SocketPathTest, ALockThatAnotherHoldsIsWaitedForAWhileOnly) {
+  FileDescriptor const lock(open(folder.operator/("").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  ASSERT_EQ(flock(lock.get(), LOCK_EX), 0);
+  EXPECT_EQ(failureOf(path), path + ": another process has locked its directory for 2 seconds");
+  flock(lock.get(), LOCK_UN);
+  EXPECT_EQ(failureOf(path), "none");
 }
 
 TEST_F(SocketPathTest, HasToFitAnAddress) {

@@ -105,7 +105,7 @@ class Reporter final : public RouterWatch::Observer {
 FileDescriptor stopDescriptor() {
   sigset_t signals;
   sigemptyset(&signals);
-  for (int const signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&signals, signal);
+  for (int const signal : stopSignals()) sigaddset(&signals, signal);
   return FileDescriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
 }
 

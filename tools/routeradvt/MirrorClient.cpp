@@ -14,7 +14,8 @@ namespace Tool {
 namespace {
 
 /// Why there is no connection, if that may pass; else empty.
-std::string passingReason(int error) {
+std::string passingReason(std::string const& path, int error) {
+  if (error == ECONNREFUSED && !isSocket(path)) return "";
   if (error == EAGAIN) return "the server has no room for one more mirror";
   return error == ENOENT || error == ECONNREFUSED ? "nobody listens there" : "";
 }
@@ -33,7 +34,8 @@ MirrorClient::MirrorClient(asio::io_context& context, std::string path, Observer
 void MirrorClient::attach() {
   int error = 0;
   FileDescriptor connection = connectTo(path_, error);
-  if (std::string const reason = passingReason(error); !reason.empty()) return missing(reason);
+  if (std::string const reason = passingReason(path_, error); !reason.empty()) return missing(reason);
+  if (error == ECONNREFUSED) throw Failure(printable(path_) + ": there is something that is no socket");
   if (error != 0) throw Failure(printable(path_) + ": " + std::strerror(error));
   socket_.assign(asio::local::stream_protocol(), connection.release());
   reader_.attach();
@@ -50,11 +52,20 @@ void MirrorClient::read() {
 }
 
 void MirrorClient::take(std::size_t size) {
-  if (!reader_.feed(std::span(octets_).first(size)))
-    throw Failure(printable(path_) + ": what comes from there cannot be read: " + printable(reader_.error().text) +
-                  " (octet " + std::to_string(reader_.error().offset) + ')');
+  observer_.onOctets();
+  if (!reader_.feed(std::span(octets_).first(size))) return unreadable();
   if (reader_.synchronized()) observer_.onSynchronized(reader_.roots());
   read();
+}
+
+void MirrorClient::unreadable() {
+  using Fwk::ChangeStream::ReadErrorKind;
+  ReadErrorKind const kind = reader_.error().kind;
+  if (kind != ReadErrorKind::gap && kind != ReadErrorKind::lost)
+    throw Failure(printable(path_) + ": what comes from there cannot be read: " + printable(reader_.error().text) +
+                  " (octet " + std::to_string(reader_.error().offset) + ')');
+  socket_.close();
+  missing("something of the changes is missing");
 }
 
 void MirrorClient::missing(std::string const& why) {

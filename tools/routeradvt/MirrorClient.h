@@ -22,6 +22,8 @@ class MirrorClient {
     virtual void onAttached() = 0;
     /// Nobody listens, or whoever did has ended. A try follows, and another one, until somebody does.
     virtual void onMissing(std::string const& why) = 0;
+    /// Something has come, complete or not.
+    virtual void onOctets() = 0;
     /// The mirror has come to what the server has.
     virtual void onSynchronized(std::vector<Fwk::Ptr<Fwk::Entity>> const& roots) = 0;
 
@@ -39,6 +41,8 @@ class MirrorClient {
   void attach();
   void read();
   void take(std::size_t size);
+  /// What a new stream mends is asked for; anything else is a failure.
+  void unreadable();
   void missing(std::string const& why);
 
   std::string path_;

@@ -1,13 +1,13 @@
 #include <tools/routeradvt/Command.h>
 #include <tools/routeradvt/Diagnostic.h>
 #include <tools/routeradvt/MirrorClient.h>
+#include <tools/routeradvt/StopSignals.h>
 #include <tools/routeradvt/TreeReport.h>
 
 #include <CLI/CLI.hpp>
 #include <asio/signal_set.hpp>
 
-#include <csignal>
-
+#include <algorithm>
 #include <ostream>
 
 namespace Tool {
@@ -16,6 +16,11 @@ namespace {
 
 using namespace std::chrono_literals;
 using Roots = std::vector<Fwk::Ptr<Fwk::Entity>>;
+
+void failIfNoneIsKnown(std::string const& path, Roots const& roots) {
+  if (std::ranges::none_of(roots, [](auto const& root) { return static_cast<bool>(root); }))
+    throw Failure(printable(path) + ": serves no tree that this program knows");
+}
 
 /// Prints the trees once they are there.
 class Once final : public MirrorClient::Observer {
@@ -27,7 +32,9 @@ class Once final : public MirrorClient::Observer {
 
   void onAttached() override {}
   void onMissing(std::string const& why) override { throw Failure(printable(path_) + ": " + why); }
+  void onOctets() override { wait(); }
   void onSynchronized(Roots const& roots) override {
+    failIfNoneIsKnown(path_, roots);
     if (json_)
       out_ << treesJson(roots).dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
     else
@@ -39,7 +46,8 @@ class Once final : public MirrorClient::Observer {
   void wait() {
     patience_.expires_after(10s);
     patience_.async_wait([this](std::error_code aborted) {
-      if (!aborted) throw Failure(printable(path_) + ": the trees have not come within 10 seconds");
+      if (!aborted)
+        throw Failure(printable(path_) + ": nothing has come for 10 seconds; it may have as many mirrors as it serves");
     });
   }
 
@@ -65,7 +73,9 @@ class Following final : public MirrorClient::Observer {
     flush();
     detached_ = !shown_.empty();
   }
+  void onOctets() override {}
   void onSynchronized(Roots const& roots) override {
+    failIfNoneIsKnown(path_, roots);
     if (roots != shown_) {
       show(roots);
     } else {
@@ -116,7 +126,8 @@ class MirrorCommand final : public Command {
   void run(Console& console) override {
     asio::io_context context(1);
     if (follow_) {
-      asio::signal_set signals(context, SIGINT, SIGTERM, SIGHUP);
+      asio::signal_set signals(context);
+      for (int const signal : stopSignals()) signals.add(signal);
       signals.async_wait([&](std::error_code, int) { context.stop(); });
       Following following(path_, console, json_);
       MirrorClient const client(context, path_, following);

@@ -2,6 +2,7 @@
 #include <tools/routeradvt/FileWatch.h>
 #include <tools/routeradvt/MirrorServer.h>
 #include <tools/routeradvt/ServedModel.h>
+#include <tools/routeradvt/StopSignals.h>
 
 #include <CLI/CLI.hpp>
 #include <asio/posix/stream_descriptor.hpp>
@@ -34,9 +35,10 @@ class Service {
         changed_(context),
         settled_(context),
         nextCapture_(context),
-        signals_(context, SIGINT, SIGTERM, SIGHUP) {
+        signals_(context) {
     std::signal(SIGPIPE, SIG_IGN);  // whoever read what is told may go; those who mirror stay
     if (watch_.descriptor() >= 0) changed_.assign(dup(watch_.descriptor()));
+    for (int const signal : stopSignals()) signals_.add(signal);
     signals_.async_wait([&](std::error_code, int) { context_.stop(); });
     awaitChange();
     reload();  // what changed before the watch began

@@ -9,9 +9,11 @@
 #include <sys/un.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <optional>
+#include <thread>
 
 namespace Tool {
 
@@ -35,7 +37,10 @@ FileDescriptor lockDirectoryOf(std::string const& path) {
   auto const directory = std::filesystem::path(path).parent_path();
   FileDescriptor lock(open(directory.empty() ? "." : directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (lock.get() < 0) fail(path, std::string("its directory cannot be opened: ") + std::strerror(errno));
-  flock(lock.get(), LOCK_EX);
+  for (int tries = 0; flock(lock.get(), LOCK_EX | LOCK_NB) != 0; ++tries) {
+    if (tries == 100) fail(path, "another process has locked its directory for 2 seconds");
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  }
   return lock;
 }
 
@@ -54,6 +59,11 @@ void clear(std::string const& path) {
 }
 
 }  // namespace
+
+bool isSocket(std::string const& path) {
+  struct stat found {};
+  return stat(path.c_str(), &found) != 0 || S_ISSOCK(found.st_mode);
+}
 
 FileDescriptor connectTo(std::string const& path, int& error) {
   auto const address = addressOf(path);

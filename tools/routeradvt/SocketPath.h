@@ -32,6 +32,9 @@ class SocketPath {
   ino_t inode_ = 0;
 };
 
+/// Whether there is a socket at `path`, or a link to one, or nothing.
+bool isSocket(std::string const& path);
+
 /// A connection to the socket at `path`, nonblocking. Without one: a negative descriptor, and why in `error`, an errno.
 FileDescriptor connectTo(std::string const& path, int& error);
 

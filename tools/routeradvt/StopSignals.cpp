@@ -5,9 +5,18 @@
 
 namespace Tool {
 
+std::vector<int> stopSignals() {
+  std::vector<int> signals;
+  for (int const signal : {SIGINT, SIGTERM, SIGHUP}) {
+    struct sigaction present {};
+    if (sigaction(signal, nullptr, &present) == 0 && present.sa_handler != SIG_IGN) signals.push_back(signal);
+  }
+  return signals;
+}
+
 StopSignals::StopSignals() {
   sigemptyset(&signals_);
-  for (int const signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&signals_, signal);
+  for (int const signal : stopSignals()) sigaddset(&signals_, signal);
   sigprocmask(SIG_BLOCK, &signals_, &former_);
 }
 

@@ -3,8 +3,13 @@
 #include <csignal>
 
 #include <chrono>
+#include <vector>
 
 namespace Tool {
+
+/// The signals that are to end the program: Ctrl-C and its like, but for those that it was started to ignore, as
+/// nohup(1) does.
+std::vector<int> stopSignals();
 
 /// Ctrl-C and its like, held back while this lives and asked for instead: a command ends where it is ready to.
 class StopSignals {
