@@ -17,8 +17,8 @@ using Net::Ip6PktInfo;
 ///
 /// Nothing outside the message's octets is read, whatever lengths it has. Header fields that a short message lacks are
 /// 0. A Prefix Information or MTU option with a field behind the end of the message gives nothing and is passed over by
-/// its length, as other options are. The time is linear in the size of the message, and bounded. Up to 4 prefixes take no
-/// allocation. Keeps no state: any thread that owns the packet may call this. A descriptor without a packet is a
+/// its length, as other options are. The time is linear in the size of the message, and bounded. Up to 4 prefixes take
+/// no allocation. Keeps no state: any thread that owns the packet may call this. A descriptor without a packet is a
 /// programming error.
 ROUTER_ADVT_EXPORT RaPacket makeRaPacketType(IntfId intfId, Ptr<Ip6PktInfo> const& pktInfo);
 

@@ -120,8 +120,8 @@ void ChangeLog::clear() noexcept {
   while (!empty()) dropFirst();
 }
 
-/// Looked for from the end, so that it costs as much as there is behind; a drain that comes to its bound leaves some of that
-/// for the next one, which looks again.
+/// Looked for from the end, so that it costs as much as there is behind; a drain that comes to its bound leaves some of
+/// that for the next one, which looks again.
 U32 ChangeLog::firstBehind(U64 sequence) const noexcept {
   U32 found = none;
   for (U32 at = last_; at != none && changes_[at].sequence > sequence; at = changes_[at].previous) found = at;
