@@ -57,8 +57,9 @@ class Input {
   template <class T>
   T number() {
     T value{};
-    std::memcpy(&value, octets_.data(), std::min(sizeof value, octets_.size()));
-    octets_.remove_prefix(std::min(sizeof value, octets_.size()));
+    std::size_t const size = std::min(sizeof value, octets_.size());
+    if (size > 0) std::memcpy(&value, octets_.data(), size);
+    octets_.remove_prefix(size);
     return value;
   }
   bool flag() { return number<U8>() % 2 == 1; }
