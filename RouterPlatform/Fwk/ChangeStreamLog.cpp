@@ -116,10 +116,6 @@ void ChangeLog::dropFirst() noexcept {
   free_ = at;
 }
 
-void ChangeLog::clear() noexcept {
-  while (!empty()) dropFirst();
-}
-
 /// Looked for from the end, so that it costs as much as there is behind; a drain that comes to its bound leaves some of
 /// that for the next one, which looks again.
 U32 ChangeLog::firstBehind(U64 sequence) const noexcept {

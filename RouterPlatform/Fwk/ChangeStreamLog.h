@@ -48,7 +48,6 @@ class ChangeLog {
   bool fullFor(std::span<U8 const> key) const noexcept { return octets_ + cost(key.size()) > maxOctets_; }
   /// Forgets the first one. There is one.
   void dropFirst() noexcept;
-  void clear() noexcept;
 
   bool empty() const noexcept { return first_ == none; }
   std::size_t size() const noexcept { return size_; }
