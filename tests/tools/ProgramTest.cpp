@@ -94,7 +94,7 @@ TEST(Program, TellsItsVersion) {
 struct UsageRow {
   char const* name;
   std::vector<std::string> arguments;
-  char const* error;
+  std::string error;
   friend void PrintTo(UsageRow const& row, std::ostream* os) { *os << row.name; }
 };
 class ProgramUsage : public testing::TestWithParam<UsageRow> {};
@@ -173,6 +173,35 @@ UsageRow const usageRows[] = {
      {"listen", "z", "--count", "99999999999999999999"},
      "--count: \"99999999999999999999\" is out of range; a whole number from 1 on is meant"},
     {"ListenForNan", {"listen", "z", "--for", "nan"}, "--for: \"nan\" is not a number from 0 to 1000000000"},
+    {"ListenForNothing", {"listen", "z", "--for", ""}, "--for: \"\" is not a number from 0 to 1000000000"},
+    {"PollNan",
+     {"serve", "x", "--socket", "y", "--poll", "nan"},
+     "--poll: \"nan\" is not a number from 0.01 to 1000000"},
+    {"PollInfinite", {"serve", "x", "--socket", "y", "--poll", "inf"}, "--poll: \"inf\" is not a number"},
+    {"PollOfNoTime",
+     {"serve", "x", "--socket", "y", "--poll", "0"},
+     "--poll: \"0\" is out of range; a number from 0.01"},
+    {"PollBackwards", {"serve", "x", "--socket", "y", "--poll", "-5"}, "--poll: \"-5\" is out of range"},
+    {"PollTooLong", {"serve", "x", "--socket", "y", "--poll", "1e300"}, "--poll: \"1e300\" is out of range"},
+    {"PollEmpty", {"serve", "x", "--socket", "y", "--poll", ""}, "--poll: \"\" is not a number"},
+    {"MtuEmpty", {"build", "x", "y", "--mtu", ""}, "--mtu: \"\" is not a whole number"},
+    {"CountEmpty", {"listen", "z", "--count", ""}, "--count: \"\" is not a whole number"},
+    {"CountNan", {"listen", "z", "--count", "nan"}, "--count: \"nan\" is not a whole number"},
+    {"IntervalBackwards", {"send", "x", "y", "--via", "z", "--interval", "-1"}, "--interval: \"-1\" is out of range"},
+    {"IntervalEmpty", {"send", "x", "y", "--via", "z", "--interval", ""}, "--interval: \"\" is not a number"},
+    {"ServeTheEmptyName", {"serve", "", "--socket", "y"}, "FILE: the empty name stands for no file"},
+    {"ServeOnTheEmptyName", {"serve", "x", "--socket", ""}, "--socket: the empty name stands for no socket"},
+    {"MirrorTheEmptyName", {"mirror", ""}, "PATH: the empty name stands for no socket"},
+    {"ShowTheEmptyInterface", {"show", "x", ""}, "INTF: the empty name stands for no interface"},
+    {"BuildTheEmptyInterface", {"build", "x", ""}, "INTF: the empty name stands for no interface"},
+    {"ListenOnTheEmptyInterface", {"listen", ""}, "DEV: the empty name stands for no interface"},
+    {"SendOnTheEmptyInterface", {"send", "x", "y", "--via", ""}, "--via: the empty name stands for no interface"},
+    {"NeighborsOfTheEmptyInterface", {"neighbors", "--intf", ""}, "--intf: the empty name stands for no interface"},
+    {"NeighborsOfALongInterface",
+     {"neighbors", "--intf", std::string(32, 'x')},
+     "--intf: \"" + std::string(32, 'x') + "\" is not an interface name of at most 31 octets"},
+    {"NeighborsOfTheEmptyOwner", {"neighbors", "--owner", ""}, "--owner: the empty name stands for no user"},
+    {"TheEmptyType", {"types", ""}, "NAME: the empty name stands for no type"},
     {"ListenBackwards", {"listen", "z", "--for", "-1"}, "--for: \"-1\" is out of range; a number from 0"},
 };
 INSTANTIATE_TEST_SUITE_P(Row, ProgramUsage, testing::ValuesIn(usageRows));

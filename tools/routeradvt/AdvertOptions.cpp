@@ -31,7 +31,7 @@ void addAddressOptions(CLI::App& app, AdvertOptions& options, std::string const&
 
 void addOutputOptions(CLI::App& app, AdvertOptions& options) {
   app.add_flag("--hex", options.hex, "print the frame as one line of hex")->group("Output");
-  namesAFile(app.add_option("--write", options.write, "write the frame to a capture file, which Wireshark opens"))
+  namesA("file", app.add_option("--write", options.write, "write the frame to a capture file, which Wireshark opens"))
       ->type_name("FILE.pcap")
       ->group("Output");
   auto const take = [&options](std::string const& levels) {
@@ -52,8 +52,8 @@ void addOutputOptions(CLI::App& app, AdvertOptions& options) {
 }  // namespace
 
 void AdvertOptions::addTo(CLI::App& app, std::string const& device) {
-  namesAFile(app.add_option("FILE", file, "configuration file; - is standard input"))->required();
-  app.add_option("INTF", intf, "interface, by its name in the section config")->required();
+  namesA("file", app.add_option("FILE", file, "configuration file; - is standard input"))->required();
+  namesA("interface", app.add_option("INTF", intf, "interface, by its name in the section config"))->required();
   addAddressOptions(app, *this, device);
   app.add_flag("--no-lifetime", noLifetime, "advertise Router Lifetime 0: not a default router");
   app.add_flag("--death", death, "the final advertisement, by which hosts forget the router at once");

@@ -8,6 +8,7 @@
 #include <tools/routeradvt/RaValidity.h>
 #include <tools/routeradvt/RouterWatch.h>
 #include <tools/routeradvt/StopSignals.h>
+#include <tools/routeradvt/ValueOption.h>
 
 #include <CLI/CLI.hpp>
 
@@ -113,7 +114,7 @@ class ListenCommand final : public Command {
  public:
   CLI::App& addTo(CLI::App& program) override {
     CLI::App& app = *program.add_subcommand("listen", "report the advertisements that arrive on an interface");
-    app.add_option("DEV", device_, "interface of this machine")->required();
+    namesA("interface", app.add_option("DEV", device_, "interface of this machine"))->required();
     addNumberOption(app, "--count", wanted_, {1, {}}, "N", "end after that many valid advertisements");
     addNumberOption(app, "--for", seconds_, {0.0, 1e9}, "SECONDS", "end after that time");
     app.add_flag("--json", json_, "one JSON object an event, a line each");

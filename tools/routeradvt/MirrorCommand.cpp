@@ -3,6 +3,7 @@
 #include <tools/routeradvt/MirrorClient.h>
 #include <tools/routeradvt/StopSignals.h>
 #include <tools/routeradvt/TreeReport.h>
+#include <tools/routeradvt/ValueOption.h>
 
 #include <CLI/CLI.hpp>
 #include <asio/signal_set.hpp>
@@ -112,7 +113,7 @@ class MirrorCommand final : public Command {
  public:
   CLI::App& addTo(CLI::App& program) override {
     CLI::App& app = *program.add_subcommand("mirror", "show the trees that 'serve' holds, and how they change");
-    app.add_option("PATH", path_, "Unix socket that 'serve' listens on")->required();
+    namesA("socket", app.add_option("PATH", path_, "Unix socket that 'serve' listens on"))->required();
     app.add_flag("--follow", follow_, "go on, and show every change as it comes");
     app.add_flag("--json", json_, "one JSON object; with --follow one an event, a line each");
     app.footer(

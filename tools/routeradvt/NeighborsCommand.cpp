@@ -1,5 +1,6 @@
 #include <tools/routeradvt/Command.h>
 #include <tools/routeradvt/NeighborReport.h>
+#include <tools/routeradvt/ValueOption.h>
 
 #include <CLI/CLI.hpp>
 
@@ -28,23 +29,22 @@ class NeighborsCommand final : public Command {
     CLI::App& app = *program.add_subcommand("neighbors", "show which routers were heard, and when");
     app.add_flag("--watch", watch_, "go on, and show the table again whenever it changes");
     app.add_flag("--json", json_, "one JSON object; with --watch one a change, a line each");
-    app.add_option("--intf", intf_, "only this interface")->type_name("NAME");
+    addValueOption(app, "--intf", intf_, "NAME", "only this interface");
     app.add_option("--sort", sort_, "by interface (intf) or by the latest advertisement (age)")
         ->type_name("KEY")
         ->check(CLI::IsMember({"intf", "age"}).description(""));
-    app.add_option("--owner", owner_, "whose the table may be, besides root's and your own")->type_name("USER");
+    namesA("user", app.add_option("--owner", owner_, "whose the table may be, besides root's and your own"))
+        ->type_name("USER");
     app.footer(
         "Reads the table that the router advertisement agent keeps in shared memory, or 'listen' while it\n"
         "runs: interface, router, and the age of the last advertisement. Says so when no such program is\n"
         "alive. --watch follows the table from one program to the next; Ctrl-C ends it.\n\n"
         "  routeradvt neighbors\n"
         "  routeradvt neighbors --watch --intf Ethernet1 --sort age");
-    app.group("Commands");
     return app;
   }
 
   void run(Console& console) override {
-    if (!Net::IntfId::fits(intf_)) throw UsageError("no interface has a name as long as " + intf_);
     RouterNeighborRaReader reader({ownerId(), {}});
     if (SharedTable::Error const error = reader.attach(); error && !watch_) {
       if (error.code != Errc::noTable) throw Failure("the table cannot be read: " + error.text);
@@ -60,12 +60,12 @@ class NeighborsCommand final : public Command {
   std::optional<uid_t> ownerId() const {
     if (owner_.empty()) return std::nullopt;
     if (passwd const* const user = getpwnam(owner_.c_str())) return user->pw_uid;
-    throw UsageError("there is no user " + owner_);
+    throw UsageError("there is no user " + inQuotes(owner_));
   }
 
   void show(RouterNeighborRaReader const& reader, std::ostream& out) const {
     NeighborReport::Order const order = sort_ == "age" ? NeighborReport::Order::age : NeighborReport::Order::intf;
-    NeighborReport const report = readNeighbors(reader, Net::IntfId(intf_), order, now());
+    NeighborReport const report = readNeighbors(reader, intf_.value_or(Net::IntfId()), order, now());
     if (json_)
       out << jsonText(neighborsJson(report), watch_ ? -1 : 2) << '\n';
     else
@@ -88,7 +88,7 @@ class NeighborsCommand final : public Command {
 
   bool watch_ = false;
   bool json_ = false;
-  std::string intf_;
+  std::optional<Net::IntfId> intf_;
   std::string sort_ = "intf";
   std::string owner_;
 };

@@ -6,6 +6,7 @@
 #include <tools/routeradvt/Octets.h>
 #include <tools/routeradvt/PacketSocket.h>
 #include <tools/routeradvt/StopSignals.h>
+#include <tools/routeradvt/ValueOption.h>
 
 #include <CLI/CLI.hpp>
 
@@ -34,9 +35,10 @@ class SendCommand final : public Command {
   CLI::App& addTo(CLI::App& program) override {
     CLI::App& app = *program.add_subcommand("send", "send advertisements on an interface of this machine");
     options_.addTo(app, "DEV");
-    app.add_option("--via", device_,
-                   "interface to send on; where neither options nor file say, it gives\nthe source MAC, the addresses "
-                   "and the MTU")
+    namesA("interface",
+           app.add_option("--via", device_,
+                          "interface to send on; where neither options nor file say, it gives\nthe source MAC, the "
+                          "addresses and the MTU"))
         ->type_name("DEV")
         ->required()
         ->group("Sending");

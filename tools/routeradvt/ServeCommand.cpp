@@ -1,8 +1,10 @@
 #include <tools/routeradvt/Command.h>
 #include <tools/routeradvt/FileWatch.h>
 #include <tools/routeradvt/MirrorServer.h>
+#include <tools/routeradvt/NumberOption.h>
 #include <tools/routeradvt/ServedModel.h>
 #include <tools/routeradvt/StopSignals.h>
+#include <tools/routeradvt/ValueOption.h>
 
 #include <CLI/CLI.hpp>
 #include <asio/posix/stream_descriptor.hpp>
@@ -13,6 +15,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <optional>
 #include <ostream>
 
 namespace Tool {
@@ -20,6 +23,8 @@ namespace Tool {
 namespace {
 
 using namespace std::chrono_literals;
+
+constexpr double pollDefault = 5;  // seconds
 
 /// What goes on while `serve` runs: the file is watched, the kernel's files are captured again and again.
 class Service {
@@ -112,11 +117,12 @@ class ServeCommand final : public Command {
  public:
   CLI::App& addTo(CLI::App& program) override {
     CLI::App& app = *program.add_subcommand("serve", "hold a configuration file as live trees that others mirror");
-    app.add_option("FILE", fileName_, "configuration file")->required();
-    app.add_option("--socket", socketPath_, "Unix socket to listen on")->required()->type_name("PATH");
-    app.add_option("--poll", poll_, "time between two looks at the kernel's files; default 5")
-        ->type_name("SECONDS")
-        ->check(CLI::Range(0.01, 1e6).description(""));
+    namesA("file", app.add_option("FILE", fileName_, "configuration file"))->required();
+    namesA("socket", app.add_option("--socket", socketPath_, "Unix socket to listen on"))
+        ->required()
+        ->type_name("PATH");
+    addNumberOption(app, "--poll", poll_, {0.01, 1e6}, "SECONDS",
+                    "time between two looks at the kernel's files; else 5 seconds");
     app.footer(
         "Serves two trees: the configuration, and a status with the files that the kernel has in\n"
         "/proc/sys/net/ipv6/conf and /proc/sys/net/ipv6/neigh on each interface that is configured and that\n"
@@ -133,7 +139,8 @@ class ServeCommand final : public Command {
     asio::io_context context(1);
     SocketPath path(socketPath_);
     MirrorServer server(context, path, model.roots());
-    auto const poll = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::duration<double>(poll_));
+    auto const poll = std::chrono::duration_cast<std::chrono::milliseconds>(
+        std::chrono::duration<double>(poll_.value_or(pollDefault)));
     Service service(context, fileName_, model, poll, console);
     console.out << "serving " << fileName_ << " on " << socketPath_ << std::endl;
     context.run();
@@ -142,7 +149,7 @@ class ServeCommand final : public Command {
  private:
   std::string fileName_;
   std::string socketPath_;
-  double poll_ = 5;
+  std::optional<double> poll_;
 };
 
 }  // namespace

@@ -22,8 +22,8 @@ class ShowCommand final : public Command {
  public:
   CLI::App& addTo(CLI::App& program) override {
     CLI::App& app = *program.add_subcommand("show", "show what a configuration file means, and what of it is odd");
-    namesAFile(app.add_option("FILE", fileName_, "configuration file; - is standard input"))->required();
-    app.add_option("INTF", intf_, "only this interface");
+    namesA("file", app.add_option("FILE", fileName_, "configuration file; - is standard input"))->required();
+    namesA("interface", app.add_option("INTF", intf_, "only this interface"));
     app.add_flag("--json", json_, "one JSON object");
     app.footer(
         "Everything that can be configured is shown, defaults too. 'effective' is what the model makes of a "

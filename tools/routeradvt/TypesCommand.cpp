@@ -3,6 +3,7 @@
 #include <tools/routeradvt/Diagnostic.h>
 #include <tools/routeradvt/NearestName.h>
 #include <tools/routeradvt/Table.h>
+#include <tools/routeradvt/ValueOption.h>
 
 #include <CLI/CLI.hpp>
 
@@ -57,7 +58,7 @@ class TypesCommand final : public Command {
  public:
   CLI::App& addTo(CLI::App& program) override {
     CLI::App& app = *program.add_subcommand("types", "list the model's types, or the attributes of one");
-    app.add_option("NAME", name_, "type, with or without its namespace");
+    namesA("type", app.add_option("NAME", name_, "type, with or without its namespace"));
     app.footer("  routeradvt types\n  routeradvt types IntfConfig");
     return app;
   }

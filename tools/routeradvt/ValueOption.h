@@ -30,10 +30,10 @@ CLI::Option* addValueOption(CLI::App& app, std::string const& name, std::optiona
   return app.add_option_function<std::string>(name, take, description)->type_name(valueName);
 }
 
-/// Of an option that names a file: the empty name is a usage error.
-inline CLI::Option* namesAFile(CLI::Option* option) {
-  return option->check([](std::string const& name) {
-    return name.empty() ? std::string("the empty name stands for no file") : std::string();
+/// Of an option that names something, such as a file: the empty name is a usage error.
+inline CLI::Option* namesA(std::string const& thing, CLI::Option* option) {
+  return option->check([thing](std::string const& name) {
+    return name.empty() ? "the empty name stands for no " + thing : std::string();
   });
 }
 
