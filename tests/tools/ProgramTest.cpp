@@ -294,6 +294,19 @@ TEST(BuildCommand, WarnsAboutWhatIsNotSentAsWritten) {
                                  HasSubstr(":6:34: warning: config/intf[E1]/prefixes[2001:db8::/64]/profile: ")));
 }
 
+TEST(BuildCommand, WarnsOfASourceThatIsNotLinkLocal) {
+  TemporaryFile const file(smallFile);
+  EXPECT_THAT(run({"build", file.name(), "E1", "--src", "2001:db8::1"}).err,
+              StartsWith("warning: --src: 2001:db8::1 is not link-local; receivers drop the advertisement (RFC 4861 "
+                         "6.1.2)\n"));
+}
+
+TEST(BuildCommand, WarnsAboutTheLink) {
+  TemporaryFile const file("config: {intf: {E1: {}}}\nlinks: {E1: {mac: \"02:00:00:00:00:01\", mtu: 1000}}\n");
+  EXPECT_EQ(run({"build", file.name(), "E1", "--hex"}).err,
+            file.name() + ":2:45: warning: links[E1]/mtu: IPv6 needs links of at least 1280 octets (RFC 8200 5)\n");
+}
+
 TEST(BuildCommand, AnUnknownInterfaceComesWithTheNearest) {
   TemporaryFile const file(smallFile);
   Outcome const outcome = run({"build", file.name(), "E3"});

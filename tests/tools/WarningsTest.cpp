@@ -45,6 +45,9 @@ TEST_P(IntfWarning, IsToldWithItsPlace) {
 Row const rows[] = {
     {"LifetimeAbove16Bits", "raLifetime: 70000",
      "f:3:1: config/intf[E]/raLifetime: 70000 s is more than the field's 16 bits hold; 4464 is sent"},
+    {"LifetimeBelowTheInterval", "raLifetime: 199",
+     "f:3:1: config/intf[E]/raLifetime: 199 s is less than raIntervalMaxMsec, 200000 ms; hosts forget the router "
+     "between two advertisements (RFC 4861 6.2.1)"},
     {"HopLimitAbove255", "hopLimit: 1000", "f:3:1: config/intf[E]/hopLimit: 1000 is above 255; 255 is sent"},
     {"MinAboveMaxInterval", "raIntervalMinMsec: 200001",
      "f:3:1: config/intf[E]/raIntervalMinMsec: 200001 ms is above raIntervalMaxMsec, 200000 ms"},
@@ -56,6 +59,19 @@ Row const rows[] = {
     {"HostBits", "prefixes: {2001:db8::1/64: {}}",
      "f:3:12: config/intf[E]/prefixes[2001:db8::1/64]: bits behind the prefix are set, and sent; receivers ignore "
      "them"},
+    {"LinkLocalPrefix", "prefixes: {fe80::/64: {}}",
+     "f:3:12: config/intf[E]/prefixes[fe80::/64]: is link-local; receivers ignore it (RFC 4861 4.6.2)"},
+    {"MulticastPrefix", "prefixes: {ff02::/64: {}}",
+     "f:3:12: config/intf[E]/prefixes[ff02::/64]: is multicast; receivers ignore it, no interface has such an address"},
+    {"PrefixOfAnotherLengthToMakeAddressesOf", "prefixes: {2001:db8::/48: {}}",
+     "f:3:12: config/intf[E]/prefixes[2001:db8::/48]: has 48 bits; hosts make addresses of prefixes of 64 bits only "
+     "(RFC 4862 5.5.3), and with noAutoConfig: true they are not told to"},
+    {"MulticastServer", "dnsServers: {ff02::fb: {}}",
+     "f:3:14: config/intf[E]/dnsServers[ff02::fb]: is multicast; no DNS server answers there"},
+    {"UnspecifiedServer", "dnsServers: {\"::\": {}}",
+     "f:3:14: config/intf[E]/dnsServers[::]: is the unspecified address; no DNS server answers there"},
+    {"LoopbackServer", "dnsServers: {\"::1\": {}}",
+     "f:3:14: config/intf[E]/dnsServers[::1]: is the loopback address; every host would ask itself"},
     {"Suppressed", "raSuppress: true",
      "f:3:1: config/intf[E]/raSuppress: nothing is advertised there on its own; what is built or sent by hand is not "
      "held back"},
@@ -82,6 +98,36 @@ TEST(IntfWarnings, NoneAtTheBounds) {
               IsEmpty());
 }
 
+TEST(IntfWarnings, NoneForALifetimeOfZeroOrOfTheInterval) {
+  EXPECT_THAT(warningsOf(fileWith("raLifetime: 0")), IsEmpty());
+  EXPECT_THAT(warningsOf(fileWith("raLifetime: 200")), IsEmpty());
+}
+
+TEST(IntfWarnings, NoneForAPrefixOfAnotherLengthThatIsNotForAddresses) {
+  EXPECT_THAT(warningsOf(fileWith("prefixes: {2001:db8::/48: {noAutoConfig: true}}")), IsEmpty());
+}
+
+TEST(IntfWarnings, NoneForWhatAPrefixThatIsNotAdvertisedIs) {
+  EXPECT_THAT(warningsOf(fileWith("prefixes: {fe80::/64: {noAdvertise: true}, 2001:db8::/48: {noAdvertise: true}}")),
+              IsEmpty());
+}
+
+TEST(IntfWarnings, NoneForALinkLocalServer) {
+  EXPECT_THAT(warningsOf(fileWith("dnsServers: {fe80::53: {}}")), IsEmpty());
+}
+
+TEST(IntfWarnings, AMulticastAddressOfTheLinkIsToldWithItsPlace) {
+  EXPECT_THAT(warningsOf(fileWith("", "links: {E: {addresses: [\"fe80::1/64\", \"ff02::1/64\"]}}")),
+              ElementsAre("f:5:39: links[E]/addresses[1]: ff02::1/64 is multicast; no interface has such an address"));
+}
+
+TEST(IntfWarnings, PrefixesOfTheVirtualRouterThatReceiversIgnoreAreTold) {
+  EXPECT_THAT(
+      warningsOf(fileWith("", "links: {E: {virtualRouter: [\"2001:db8::/64\", \"fe80::/64\", \"ff02::/64\"]}}")),
+      ElementsAre("f:5:46: links[E]/virtualRouter[1]: fe80::/64 is link-local; receivers ignore it (RFC 4861 4.6.2)",
+                  HasSubstr("links[E]/virtualRouter[2]: ff02::/64 is multicast; ")));
+}
+
 TEST(IntfWarnings, AMissingProfileComesWithTheNearestOne) {
   EXPECT_THAT(
       warningsOf("config:\n  prefixProfiles: {guest: {}}\n  intf: {E: {prefixes: {\"::/64\": {profile: gest}}}}"),
@@ -101,6 +147,14 @@ TEST(IntfWarnings, NoneForAProfileThatAgreesWithWhatIsSent) {
   EXPECT_THAT(
       warningsOf("config:\n  prefixProfiles: {guest: {}}\n  intf: {E: {prefixes: {\"::/64\": {profile: guest}}}}"),
       IsEmpty());
+}
+
+TEST(FileWarnings, ThoseOfAnInterfaceAndItsLinkAreItsOwn) {
+  ConfigFile const file = readConfigText("f",
+                                         "config: {intf: {E: {dnsServersLifetime: 5}, E2: {dnsServersLifetime: 5}}}\n"
+                                         "links: {E: {mtu: 1000}, E2: {mtu: 1000}}");
+  EXPECT_THAT(linesOf(fileWarningsOf(file, *file.config->intf("E"))),
+              ElementsAre(HasSubstr("config/intf[E]/dnsServersLifetime: "), HasSubstr("links[E]/mtu: ")));
 }
 
 std::vector<std::string> virtualRouterWarningsOf(std::string const& rest, bool useVirtualRouter) {

@@ -25,7 +25,7 @@ EthAddr sourceMac(ConfigFile const& file, AdvertOptions const& options, LinkConf
   if (options.srcMac) return *options.srcMac;
   if (link && link->mac) return *link->mac;
   if (device && device->mac) return *device->mac;
-  if (link) fail(file, "links[" + options.intf + ']', "there is no mac; give one here, or --src-mac");
+  if (link) fail(file, linkPath(link->intfId), "there is no mac; give one here, or --src-mac");
   std::vector<std::string> names;
   for (LinkConfig const& other : file.links) names.push_back(other.intfId.toString());
   fail(file, names.empty() ? "config/intf[" + options.intf + ']' : "links",

@@ -6,13 +6,16 @@
 namespace Tool {
 
 void printAdvertWarnings(Console& console, ConfigFile const& file, Advert const& advert) {
-  std::vector<Diagnostic> warnings = intfWarnings(file, *advert.config);
-  for (Diagnostic& warning : virtualRouterWarnings(file, advert)) warnings.push_back(std::move(warning));
-  for (Diagnostic& warning : fitWarnings(file, advert)) warnings.push_back(std::move(warning));
-  // What was found when the file was read is of interest as far as it is about this interface.
-  std::string const path = advert.config->fullName() + '/';
-  for (Diagnostic const& warning : file.warnings)
-    if (warning.path.starts_with(path)) warnings.push_back(warning);
+  if (!advert.srcAddr.isLinkLocal())
+    console.err << "warning: --src: " << advert.srcAddr.toString()
+                << " is not link-local; receivers drop the advertisement (RFC 4861 6.1.2)\n";
+  std::vector<Diagnostic> warnings = fileWarningsOf(file, *advert.config);
+  auto const append = [&](std::vector<Diagnostic> const& more) {
+    warnings.insert(warnings.end(), more.begin(), more.end());
+  };
+  append(intfWarnings(file, *advert.config));
+  append(virtualRouterWarnings(file, advert));
+  append(fitWarnings(file, advert));
   sortByPlace(warnings);
   for (Diagnostic const& warning : warnings) console.err << diagnosticLine(file.name, warning, "warning: ") << '\n';
 }

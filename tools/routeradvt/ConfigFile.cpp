@@ -96,7 +96,7 @@ class FileReader {
     std::vector<std::string> names;
     for (auto const& [intfId, intf] : file_.config->intf()) names.push_back(intfId.toString());
     std::string const name = link.intfId.toString();
-    reader_.warning(link.place, "links[" + name + ']',
+    reader_.warning(link.place, linkPath(link.intfId),
                     "nothing is advertised there: config/intf has no such interface" +
                         nearestNameHint(name, {names.begin(), names.end()}));
   }

@@ -140,7 +140,7 @@ std::string memberText(AttributeRecord const& attr, Fwk::MemberRef const& member
 
 std::string linkText(LinkConfig const& link) {
   Lines lines;
-  lines.heading(0, "links[" + printable(link.intfId.view()) + ']');
+  lines.heading(0, printable(linkPath(link.intfId)));
   lines.line(1, "mac", link.mac ? link.mac->toString() : "none", "");
   lines.line(1, "mtu", std::to_string(link.mtu.value_or(LinkConfig::mtuDefault)), link.mtu ? "" : "default");
   lines.line(1, "nsRetransmitInterval", std::to_string(link.nsRetransmitInterval),

@@ -124,16 +124,16 @@ class FitCheck {
   void checkPrefixes() {
     std::string const reason = listener_.leftOut("prefix");
     if (reason.empty()) return;
-    std::string const linkPath = "links[" + advert_.config->intfId().toString() + ']';
+    std::string const link = linkPath(advert_.config->intfId());
     if (advert_.useVirtualRouter) {
       for (auto const& prefix : advert_.virtualRouter->prefix())
         if (!contents_.prefixes.contains(prefix) && !isWithheld(prefix))
-          add(linkPath + "/virtualRouter", prefix.toString() + " does not fit and is left out: " + reason);
+          add(link + "/virtualRouter", prefix.toString() + " does not fit and is left out: " + reason);
     } else if (advert_.config->prefixesToAdvertise()) {
       for (auto const& [key, prefix] : advert_.config->prefixes())
         if (!prefix->noAdvertise() && !contents_.prefixes.contains(key)) addLeftOut(*prefix, reason);
     } else {
-      add(linkPath + "/addresses", "not all of their prefixes fit: " + reason);
+      add(link + "/addresses", "not all of their prefixes fit: " + reason);
     }
   }
 

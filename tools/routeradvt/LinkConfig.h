@@ -32,4 +32,7 @@ struct LinkConfig {
   }
 };
 
+/// Where the file has the link of that interface.
+inline std::string linkPath(Net::IntfId const& intfId) { return "links[" + intfId.toString() + ']'; }
+
 }  // namespace Tool

@@ -32,6 +32,7 @@ std::vector<Ip6AddrWithMask> readAddresses(YamlReader& reader, YamlValue const& 
   reader.forEachElement(value, expected, [&](YamlValue const& element) {
     auto const address = readValue<Ip6AddrWithMask>(reader, element);
     if (!address) return;
+    reader.notePlace(element.path, element.place);
     if (auto const [first, isNew] = seen.emplace(*address, element.place); isNew)
       result.push_back(*address);
     else

@@ -67,7 +67,7 @@ class ShowCommand final : public Command {
   }
 
   std::vector<Diagnostic> warnings() const {
-    std::vector<Diagnostic> found = shown_ ? warningsOfFileBelow(shown_->fullName() + '/') : configWarnings(file_);
+    std::vector<Diagnostic> found = shown_ ? fileWarningsOf(file_, *shown_) : configWarnings(file_);
     auto const append = [&](std::vector<Diagnostic> more) {
       for (Diagnostic& warning : more) found.push_back(std::move(warning));
     };
@@ -77,13 +77,6 @@ class ShowCommand final : public Command {
       append(fitWarningsOf(intfId));
     }
     sortByPlace(found);
-    return found;
-  }
-
-  std::vector<Diagnostic> warningsOfFileBelow(std::string const& path) const {
-    std::vector<Diagnostic> found;
-    for (Diagnostic const& warning : file_.warnings)
-      if (warning.path.starts_with(path)) found.push_back(warning);
     return found;
   }
 

@@ -16,13 +16,13 @@ using RouterAdvt::PrefixConfigEntry;
 
 constexpr std::size_t longestLabel = 63;  // RFC 1035 2.3.4
 
-/// Collects what is found about one entity.
+/// Collects what is found about one entity, or link.
 class Findings {
  public:
-  Findings(ConfigFile const& file, std::vector<Diagnostic>& found, Fwk::Entity const& entity)
-      : file_(file), found_(found), path_(entity.fullName()) {}
+  Findings(ConfigFile const& file, std::vector<Diagnostic>& found, std::string path)
+      : file_(file), found_(found), path_(std::move(path)) {}
 
-  /// About an attribute; an empty one: about the entity.
+  /// About an attribute; an empty one: about the whole.
   void add(std::string const& attr, std::string text) {
     std::string path = attr.empty() ? path_ : path_ + '/' + attr;
     Place const place = file_.placeOf(path);
@@ -45,6 +45,10 @@ void checkHeaderFields(Findings& findings, IntfConfig const& intf) {
   if (lifetime > 0xffff)
     findings.add("raLifetime", std::to_string(lifetime) + " s is more than the field's 16 bits hold; " +
                                    std::to_string(lifetime & 0xffff) + " is sent");
+  else if (lifetime > 0 && Fwk::U64{1000} * lifetime < intf.raIntervalMaxMsec())
+    findings.add("raLifetime", std::to_string(lifetime) + " s is less than raIntervalMaxMsec, " +
+                                   std::to_string(intf.raIntervalMaxMsec()) +
+                                   " ms; hosts forget the router between two advertisements (RFC 4861 6.2.1)");
   if (intf.hopLimit() > IntfConfig::hopLimitMax())
     findings.add("hopLimit", std::to_string(intf.hopLimit()) + " is above " +
                                  std::to_string(IntfConfig::hopLimitMax()) + "; " +
@@ -101,43 +105,94 @@ void checkSuffix(Findings& findings, std::string_view suffix) {
   }
 }
 
+/// Why hosts make nothing of an advertised prefix; empty: they do.
+std::string prefixOddity(Net::Ip6AddrWithMask const& prefix) {
+  if (prefix.address().isLinkLocal()) return "is link-local; receivers ignore it (RFC 4861 4.6.2)";
+  if (prefix.address().isMulticast()) return "is multicast; receivers ignore it, no interface has such an address";
+  return {};
+}
+
+void checkAdvertisedPrefix(Findings& findings, PrefixConfigEntry const& prefix) {
+  Net::Ip6AddrWithMask const& key = prefix.key();
+  if (key.subnet() != key) findings.add("", "bits behind the prefix are set, and sent; receivers ignore them");
+  if (std::string oddity = prefixOddity(key); !oddity.empty()) return findings.add("", std::move(oddity));
+  if (!prefix.noAutoConfig() && key.maskLen() != 64)
+    findings.add("", "has " + std::to_string(key.maskLen()) +
+                         " bits; hosts make addresses of prefixes of 64 bits only (RFC 4862 5.5.3), and with "
+                         "noAutoConfig: true they are not told to");
+}
+
 void checkPrefixes(ConfigFile const& file, std::vector<Diagnostic>& found, IntfConfig const& intf) {
   for (auto const& [key, prefix] : intf.prefixes()) {
-    Findings findings(file, found, *prefix);
-    if (key.subnet() != key) findings.add("", "bits behind the prefix are set, and sent; receivers ignore them");
+    Findings findings(file, found, prefix->fullName());
+    if (!prefix->noAdvertise()) checkAdvertisedPrefix(findings, *prefix);
     checkLifetimes(findings, *prefix);
     checkProfile(findings, *file.config, *prefix);
   }
+}
+
+void checkServer(Findings& findings, Net::Ip6Addr const& server) {
+  if (server.isMulticast()) findings.add("", "is multicast; no DNS server answers there");
+  if (server.isUnspecified()) findings.add("", "is the unspecified address; no DNS server answers there");
+  if (server.isLoopback()) findings.add("", "is the loopback address; every host would ask itself");
+}
+
+void checkLink(Findings& findings, LinkConfig const& link) {
+  auto const nameOf = [](char const* list, std::size_t i) { return list + ('[' + std::to_string(i) + ']'); };
+  for (std::size_t i = 0; i < link.addresses.size(); ++i)
+    if (link.addresses[i].address().isMulticast())
+      findings.add(nameOf("addresses", i),
+                   link.addresses[i].toString() + " is multicast; no interface has such an address");
+  if (!link.virtualRouter) return;
+  for (std::size_t i = 0; i < link.virtualRouter->size(); ++i)
+    if (std::string const oddity = prefixOddity((*link.virtualRouter)[i]); !oddity.empty())
+      findings.add(nameOf("virtualRouter", i), (*link.virtualRouter)[i].toString() + ' ' + oddity);
 }
 
 }  // namespace
 
 std::vector<Diagnostic> intfWarnings(ConfigFile const& file, IntfConfig const& intf) {
   std::vector<Diagnostic> found;
-  Findings findings(file, found, intf);
+  Findings findings(file, found, intf.fullName());
   checkHeaderFields(findings, intf);
   checkPrefixes(file, found, intf);
   for (auto const& [suffix, entry] : intf.dnsSuffixes()) {
-    Findings suffixFindings(file, found, *entry);
+    Findings suffixFindings(file, found, entry->fullName());
     checkSuffix(suffixFindings, suffix);
+  }
+  for (auto const& [server, entry] : intf.dnsServers()) {
+    Findings serverFindings(file, found, entry->fullName());
+    checkServer(serverFindings, server);
+  }
+  if (LinkConfig const* const link = file.link(intf.intfId())) {
+    Findings linkFindings(file, found, linkPath(link->intfId));
+    checkLink(linkFindings, *link);
   }
   sortByPlace(found);
   return found;
 }
 
+std::vector<Diagnostic> fileWarningsOf(ConfigFile const& file, IntfConfig const& intf) {
+  std::string const config = intf.fullName() + '/', link = linkPath(intf.intfId()) + '/';
+  std::vector<Diagnostic> found;
+  for (Diagnostic const& warning : file.warnings)
+    if (warning.path.starts_with(config) || warning.path.starts_with(link)) found.push_back(warning);
+  return found;
+}
+
 std::vector<Diagnostic> virtualRouterWarnings(ConfigFile const& file, Advert const& advert) {
   if (!advert.useVirtualRouter || advert.virtualRouter) return {};
-  std::string path = "links[" + advert.config->intfId().toString() + ']';
+  std::string path = linkPath(advert.config->intfId());
   Place const place = file.placeOf(path);
   return {{place, std::move(path), "there is no virtualRouter here: no prefix is sent, and Router Lifetime 0"}};
 }
 
 std::vector<Diagnostic> configWarnings(ConfigFile const& file) {
   std::vector<Diagnostic> found = file.warnings;
-  Findings findings(file, found, *file.config);
+  Findings findings(file, found, file.config->fullName());
   if (findings.given("hopLimit")) findings.add("hopLimit", "is not sent; each interface has a hopLimit of its own");
   for (auto const& [name, profile] : file.config->prefixProfiles()) {
-    Findings profileFindings(file, found, *profile);
+    Findings profileFindings(file, found, profile->fullName());
     checkLifetimes(profileFindings, *profile);
   }
   sortByPlace(found);

@@ -11,8 +11,11 @@ namespace Tool {
 /// file itself was warned about.
 std::vector<Diagnostic> configWarnings(ConfigFile const& file);
 
-/// The same for one interface.
+/// The same for one interface and its link, without what the file itself was warned about.
 std::vector<Diagnostic> intfWarnings(ConfigFile const& file, RouterAdvt::IntfConfig const& intf);
+
+/// What the file itself was warned about, as far as it is about that interface or its link.
+std::vector<Diagnostic> fileWarningsOf(ConfigFile const& file, RouterAdvt::IntfConfig const& intf);
 
 /// What an advertisement on behalf of a virtual router lacks when there is none.
 std::vector<Diagnostic> virtualRouterWarnings(ConfigFile const& file, Advert const& advert);
