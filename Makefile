@@ -67,7 +67,7 @@ install:
 docs check-docs:
 	@scripts/setup docs
 	@mkdir -p build/docs
-	doxygen docs/Doxyfile
+	{ cat docs/Doxyfile; echo EXCLUDE = $$(cat */internal-headers.txt); } | doxygen -
 	@echo "the reference is build/docs/html/index.html"
 
 deb:

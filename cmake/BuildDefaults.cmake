@@ -67,3 +67,15 @@ function(find_layer_sources variable)
   endif()
   set(${variable} ${sources} PARENT_SCOPE)
 endfunction()
+
+# The headers below the current folder that are installed: all but those that internal-headers.txt names, which only sources
+# and tests include.
+function(find_public_headers variable)
+  file(GLOB_RECURSE headers CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.h)
+  set(list ${CMAKE_CURRENT_SOURCE_DIR}/internal-headers.txt)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})
+  file(STRINGS ${list} internal)
+  list(TRANSFORM internal PREPEND ${PROJECT_SOURCE_DIR}/)
+  list(REMOVE_ITEM headers ${internal})
+  set(${variable} ${headers} PARENT_SCOPE)
+endfunction()

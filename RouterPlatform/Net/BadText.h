@@ -1,12 +1,10 @@
 #pragma once
 
-#include <RouterPlatform/Export.h>
-
 #include <string_view>
 
 namespace Net::detail {
 
 /// Throws std::invalid_argument that says which type the text does not read as.
-[[noreturn]] ROUTER_PLATFORM_EXPORT void throwBadText(char const* typeName, std::string_view text);
+[[noreturn]] void throwBadText(char const* typeName, std::string_view text);
 
 }  // namespace Net::detail

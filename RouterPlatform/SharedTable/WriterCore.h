@@ -22,7 +22,7 @@ class StoreLog {
 ///
 /// What it must be able to trust - sizes, counts, which slots are free - it keeps in the process; what it reads back
 /// from the memory it checks.
-class ROUTER_PLATFORM_EXPORT WriterCore {
+class WriterCore {
  public:
   /// No table: to be moved to.
   WriterCore() = default;
