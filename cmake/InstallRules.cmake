@@ -4,18 +4,22 @@ include(CMakePackageConfigHelpers)
 # Components are what the Debian packages are made of.
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME Runtime)
 
-install(
-  TARGETS RouterPlatform Ipv6RouterAdvt
-  EXPORT Ipv6RouterAdvtTargets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Runtime NAMELINK_COMPONENT Development
-  FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT Development)
-
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Ipv6RouterAdvt)
-install(
-  EXPORT Ipv6RouterAdvtTargets
-  NAMESPACE Ipv6RouterAdvt::
-  DESTINATION ${package_dir}
-  COMPONENT Development)
+foreach(library IN ITEMS RouterPlatform Ipv6RouterAdvt)
+  # What find_package calls the library: Platform, RouterAdvt.
+  get_target_property(component ${library} EXPORT_NAME)
+  install(
+    TARGETS ${library}
+    EXPORT ${component}Targets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Runtime NAMELINK_COMPONENT Development
+    FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT Development)
+  install(
+    EXPORT ${component}Targets
+    NAMESPACE Ipv6RouterAdvt::
+    DESTINATION ${package_dir}
+    COMPONENT Development)
+endforeach()
+
 configure_package_config_file(
   ${PROJECT_SOURCE_DIR}/cmake/Ipv6RouterAdvtConfig.cmake.in ${PROJECT_BINARY_DIR}/cmake/Ipv6RouterAdvtConfig.cmake
   INSTALL_DESTINATION ${package_dir})
