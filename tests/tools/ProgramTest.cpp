@@ -210,12 +210,18 @@ TEST(SendCommand, HelpSaysWhatTheDeviceGives) {
   EXPECT_THAT(run({"send", "--help"}).out,
               AllOf(ContainsRegex("--src ADDR .*link-local address, else that of DEV, else the one\n"),
                     ContainsRegex("--src-mac MAC .*; else the link's mac, else that of DEV\n"),
-                    ContainsRegex("--mtu OCTETS .*; else the link's, else that of DEV\n"),
-                    HasSubstr("else 1; with --interval, until Ctrl-C\n")));
+                    ContainsRegex("--mtu OCTETS .*; else the link's, else that of DEV \\(86 or more\\)\n"),
+                    HasSubstr("else 1; with --interval, until Ctrl-C (0 or more)\n")));
 }
 
 TEST(BuildCommand, HelpKnowsNoDevice) {
-  EXPECT_THAT(run({"build", "--help"}).out, AllOf(testing::Not(HasSubstr("DEV")), HasSubstr("else 1500\n")));
+  EXPECT_THAT(run({"build", "--help"}).out,
+              AllOf(testing::Not(HasSubstr("DEV")), HasSubstr("else 1500 (86 or more)\n")));
+}
+
+TEST(ProgramHelp, SaysWhatANumberMayBe) {
+  EXPECT_THAT(run({"listen", "--help"}).out,
+              AllOf(HasSubstr("advertisements (1 or more)\n"), HasSubstr("end after that time (0 to 1000000000)\n")));
 }
 
 TEST(Program, AFileThatCannotBeReadFails) {

@@ -7,6 +7,21 @@
 
 namespace Tool {
 
+/// What the value of an option is called; empty: it takes none, or is named by its place.
+inline std::string valueName(CLI::Option const& option) {
+  if (option.get_positional() || option.get_type_size() == 0) return {};
+  return option.get_type_name().substr(0, option.get_type_name().find(':'));
+}
+
+/// What an option does, what holds without it, and what its value may be.
+inline std::string optionText(CLI::Option const& option) {
+  std::string text = option.get_description();
+  if (!option.get_default_str().empty()) text += "; else " + option.get_default_str();
+  std::string const type = option.get_type_name();
+  if (auto const colon = type.find(':'); colon != std::string::npos) text += " (" + type.substr(colon + 1) + ')';
+  return text;
+}
+
 /// Help as people read it: what goes with an option, and not how the parser sees it.
 class HelpFormatter : public CLI::Formatter {
  public:
@@ -20,8 +35,10 @@ class HelpFormatter : public CLI::Formatter {
     return CLI::detail::find_and_replace(CLI::Formatter::make_help(app, std::move(name), mode), "\n\n\n", "\n\n");
   }
   std::string make_option_opts(CLI::Option const* option) const override {
-    return option->get_positional() || option->get_type_size() == 0 ? std::string() : ' ' + option->get_type_name();
+    std::string const name = valueName(*option);
+    return name.empty() ? name : ' ' + name;
   }
+  std::string make_option_desc(CLI::Option const* option) const override { return optionText(*option); }
 };
 
 }  // namespace Tool

@@ -32,6 +32,7 @@ class NeighborsCommand final : public Command {
     addValueOption(app, "--intf", intf_, "NAME", "only this interface");
     app.add_option("--sort", sort_, "by interface (intf) or by the latest advertisement (age)")
         ->type_name("KEY")
+        ->default_str("intf")
         ->check(CLI::IsMember({"intf", "age"}).description(""));
     namesA("user", app.add_option("--owner", owner_, "whose the table may be, besides root's and your own"))
         ->type_name("USER");

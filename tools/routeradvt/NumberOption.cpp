@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <limits>
 #include <type_traits>
 
 namespace Tool {
@@ -43,8 +44,17 @@ T parseNumber(std::string const& option, std::string const& text, Bounds<T> cons
   return number;
 }
 
+template <class T>
+std::string rangeText(Bounds<T> const& bounds) {
+  bool const isBounded = bounds.max && *bounds.max < std::numeric_limits<T>::max();
+  return textOf(bounds.min) + (isBounded ? " to " + textOf(*bounds.max) : " or more");
+}
+
 template Fwk::S32 parseNumber(std::string const&, std::string const&, Bounds<Fwk::S32> const&);
 template Fwk::U64 parseNumber(std::string const&, std::string const&, Bounds<Fwk::U64> const&);
 template double parseNumber(std::string const&, std::string const&, Bounds<double> const&);
+template std::string rangeText(Bounds<Fwk::S32> const&);
+template std::string rangeText(Bounds<Fwk::U64> const&);
+template std::string rangeText(Bounds<double> const&);
 
 }  // namespace Tool

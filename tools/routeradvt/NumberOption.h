@@ -24,12 +24,21 @@ extern template Fwk::S32 parseNumber(std::string const&, std::string const&, Bou
 extern template Fwk::U64 parseNumber(std::string const&, std::string const&, Bounds<Fwk::U64> const&);
 extern template double parseNumber(std::string const&, std::string const&, Bounds<double> const&);
 
+/// The numbers within bounds, for the help.
+template <class T>
+std::string rangeText(Bounds<T> const& bounds);
+extern template std::string rangeText(Bounds<Fwk::S32> const&);
+extern template std::string rangeText(Bounds<Fwk::U64> const&);
+extern template std::string rangeText(Bounds<double> const&);
+
 /// An option whose value is a number; a text that is none, or one out of bounds, is a usage error.
 template <class T>
 CLI::Option* addNumberOption(CLI::App& app, std::string const& name, std::optional<T>& value, Bounds<T> const& bounds,
                              std::string const& valueName, std::string const& description) {
   auto const take = [&value, name, bounds](std::string const& text) { value = parseNumber(name, text, bounds); };
-  return app.add_option_function<std::string>(name, take, description)->type_name(valueName);
+  return app.add_option_function<std::string>(name, take, description)
+      ->type_name(valueName)
+      ->check(CLI::Validator(rangeText(bounds)));
 }
 
 }  // namespace Tool
