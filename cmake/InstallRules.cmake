@@ -42,9 +42,11 @@ foreach(module IN ITEMS RouterPlatform Ipv6RouterAdvt)
     COMPONENT Development)
 endforeach()
 
-foreach(section IN ITEMS 1 3 5 7 8)
-  file(GLOB pages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/man/*.${section})
-  if(pages)
-    install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section} COMPONENT Tools)
-  endif()
-endforeach()
+if(TARGET routeradvt_manual)
+  install(
+    DIRECTORY ${PROJECT_BINARY_DIR}/man/
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
+    COMPONENT Tools
+    FILES_MATCHING
+    PATTERN *.1)
+endif()

@@ -21,7 +21,7 @@ class BuildCommand final : public Command {
     app.footer(
         "Without --hex and --write the frame is printed field by field, with the offset of each.\n\n"
         "  routeradvt build office.yaml Ethernet1\n"
-        "  routeradvt build office.yaml Ethernet1 --write ra.pcap && wireshark ra.pcap\n"
+        "  routeradvt build office.yaml Ethernet1 --write ra.pcap\n"
         "  routeradvt build office.yaml Ethernet1 --death --hex");
     return app;
   }

@@ -115,17 +115,24 @@ std::string unknownCommand(CLI::App const& program, std::vector<std::string> con
 
 }  // namespace
 
-ExitStatus runProgram(std::vector<std::string> arguments, Console console) {
-  CLI::App program("Builds, sends and inspects IPv6 Router Advertisements (RFC 4861, RFC 4191, RFC 8106).",
-                   programName);
-  configure(program);
-  std::vector<std::pair<CLI::App*, std::unique_ptr<Command>>> commands;
+CommandLine makeCommandLine() {
+  CommandLine line{
+      std::make_shared<CLI::App>(
+          "Builds, sends and inspects IPv6 Router Advertisements (RFC 4861, RFC 4191, RFC 8106).", programName),
+      {}};
+  configure(*line.program);
   for (auto& command : makeCommands()) {
-    CLI::App& app = command->addTo(program);
+    CLI::App& app = command->addTo(*line.program);
     app.group("Commands");
     app.set_help_flag("-h,--help", "print this help");
-    commands.emplace_back(&app, std::move(command));
+    line.commands.emplace_back(&app, std::move(command));
   }
+  return line;
+}
+
+ExitStatus runProgram(std::vector<std::string> arguments, Console console) {
+  CommandLine const line = makeCommandLine();
+  CLI::App& program = *line.program;
   spellOutHelp(arguments);
   if (std::string const text = unknownCommand(program, arguments); !text.empty()) return wrongUsage(console, {}, text);
   try {
@@ -139,7 +146,7 @@ ExitStatus runProgram(std::vector<std::string> arguments, Console console) {
     CLI::App const& app = parsed.empty() ? program : *parsed.front();
     return wrongUsage(console, parsed.empty() ? std::string() : app.get_name(), usageText(program, app, e));
   }
-  for (auto const& [app, command] : commands)
+  for (auto const& [app, command] : line.commands)
     if (app->parsed()) return run(app->get_name(), *command, console);
   return ExitStatus::usage;  // not reached: a subcommand is required
 }
