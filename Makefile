@@ -25,7 +25,7 @@ help:
 ## make check          everything CI runs: test, and the stages below, in their order
 ## make bench          build and run the benchmarks, and print a table with what is aimed at
 ## make docs           the reference of the public headers, in build/docs/html
-## make deb            build Debian packages: libraries, -dev, command line
+## make deb            build Debian packages in build/packages: libraries, -dev, command line
 ## make install        install to PREFIX (/usr/local), below DESTDIR if given
 ##
 ## make setup          install what check needs (scripts/setup build: what a build needs)
@@ -72,16 +72,17 @@ docs check-docs:
 
 deb:
 	@scripts/setup deb
-	$(call build,release,RouterPlatform Ipv6RouterAdvt routeradvt)
-	cpack --config build/release/CPackConfig.cmake -B build/deb
-	@rm -rf build/deb/_CPack_Packages
-	@ls build/deb/*.deb
+	$(call build,deb)
+	@rm -rf build/packages
+	@cpack --config build/deb/CPackConfig.cmake -B build/packages >build/cpack.log 2>&1 || { cat build/cpack.log; exit 1; }
+	@rm -rf build/packages/_CPack_Packages
+	@ls build/packages/*.deb
 
 ## The stages of make check, each of which runs on its own:
 ## check-format        every source is formatted
 ## check-docs          the reference of the public headers is made without a warning
 ## check-install       what is installed can be built against, by CMake and by pkg-config
-## check-deb           the Debian packages, installed and used in a clean root
+## check-deb           the Debian packages, looked at, installed and used in a clean root
 ## check-bench         the benchmarks run
 ## check-clang         the tests, built by clang
 ## check-lint          clang-tidy, and every public header on its own
@@ -104,8 +105,8 @@ check-install:
 
 check-deb:
 	@scripts/setup check
-	$(call build,release)
-	scripts/check-deb build/release
+	$(call build,deb)
+	scripts/check-deb build/deb
 
 check-bench:
 	@scripts/setup check

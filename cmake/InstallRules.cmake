@@ -1,4 +1,4 @@
-# Libraries, headers, CMake package, pkg-config files and manual pages. The tools install themselves.
+# Libraries, headers, CMake package, pkg-config files, guide and manual pages. The tools install themselves.
 include(CMakePackageConfigHelpers)
 
 # Components are what the Debian packages are made of.
@@ -41,6 +41,10 @@ foreach(module IN ITEMS RouterPlatform Ipv6RouterAdvt)
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
     COMPONENT Development)
 endforeach()
+
+install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR}
+        COMPONENT Development)
+install(FILES ${PROJECT_SOURCE_DIR}/docs/guide.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT Development)
 
 if(TARGET routeradvt_manual)
   install(
