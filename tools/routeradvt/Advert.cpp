@@ -2,6 +2,7 @@
 #include <tools/routeradvt/Advert.h>
 #include <tools/routeradvt/Command.h>
 #include <tools/routeradvt/NearestName.h>
+#include <tools/routeradvt/Text.h>
 
 #include <algorithm>
 

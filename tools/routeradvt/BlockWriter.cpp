@@ -1,5 +1,6 @@
 #include <RouterPlatform/Net/Ip6Addr.h>
 #include <tools/routeradvt/BlockWriter.h>
+#include <tools/routeradvt/Text.h>
 
 #include <array>
 #include <utility>
@@ -49,15 +50,5 @@ std::string hexText(Fwk::U64 value, int digits) {
 }
 
 std::string addressText(std::span<Fwk::U8 const, 16> octets) { return Net::Ip6Addr::fromBytes(octets).toString(); }
-
-std::string toHex(std::span<Fwk::U8 const> octets) {
-  std::string text;
-  text.reserve(2 * octets.size());
-  for (Fwk::U8 const octet : octets) {
-    text += "0123456789abcdef"[octet >> 4];
-    text += "0123456789abcdef"[octet & 15];
-  }
-  return text;
-}
 
 }  // namespace Tool

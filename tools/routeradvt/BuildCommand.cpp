@@ -1,9 +1,9 @@
 #include <tools/routeradvt/Advert.h>
-#include <tools/routeradvt/AdvertOutput.h>
-#include <tools/routeradvt/CaptureFile.h>
+#include <tools/routeradvt/CaptureWriter.h>
 #include <tools/routeradvt/Command.h>
-#include <tools/routeradvt/FramePrinter.h>
-#include <tools/routeradvt/Octets.h>
+#include <tools/routeradvt/FrameDescriber.h>
+#include <tools/routeradvt/Text.h>
+#include <tools/routeradvt/Warnings.h>
 
 #include <CLI/CLI.hpp>
 
@@ -29,10 +29,10 @@ class BuildCommand final : public Command {
   void run(Console& console) override {
     ConfigFile const file = loadConfigFileOrFail(options_.file);
     Advert const advert = makeAdvert(file, options_);
-    printAdvertWarnings(console, file, advert);
+    printAdvertWarnings(console.err, file, advert);
     traceLevelsAre(options_.trace);
     auto const packet = advert.build();
-    if (!options_.write.empty()) CaptureFile(options_.write).add(packet->octets());
+    if (!options_.write.empty()) CaptureWriter(options_.write).add(packet->octets());
     if (options_.hex)
       console.out << toHex(packet->octets()) << '\n';
     else if (options_.write.empty())

@@ -1,7 +1,7 @@
 #include <tools/routeradvt/CaptureReader.h>
 #include <tools/routeradvt/Command.h>
-#include <tools/routeradvt/Diagnostic.h>
-#include <tools/routeradvt/FramePrinter.h>
+#include <tools/routeradvt/FrameDescriber.h>
+#include <tools/routeradvt/Text.h>
 
 #include <pcap/pcap.h>
 

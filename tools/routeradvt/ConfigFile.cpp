@@ -1,21 +1,16 @@
 #include <Ipv6RouterAdvt/RouterAdvt/Factories.h>
 #include <tools/routeradvt/Command.h>
 #include <tools/routeradvt/ConfigFile.h>
-#include <tools/routeradvt/FileDescriptor.h>
 #include <tools/routeradvt/LinkReader.h>
 #include <tools/routeradvt/ModelReader.h>
 #include <tools/routeradvt/NearestName.h>
+#include <tools/routeradvt/Text.h>
 #include <tools/routeradvt/YamlReader.h>
 
 #include <yaml-cpp/depthguard.h>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <cstring>
 
 namespace Tool {
 
@@ -106,21 +101,6 @@ class FileReader {
   bool hasConfig_ = false;
 };
 
-FileText cannot(char const* what) { return {{}, std::string("cannot be ") + what + ": " + std::strerror(errno)}; }
-
-FileText readToTheEnd(int file) {
-  FileText result;
-  std::array<char, 65536> chunk;
-  while (true) {
-    ssize_t const count = read(file, chunk.data(), chunk.size());
-    if (count == 0) return result;
-    if (count > 0)
-      result.text.append(chunk.data(), static_cast<std::size_t>(count));
-    else if (errno != EINTR)
-      return cannot("read");
-  }
-}
-
 }  // namespace
 
 LinkConfig const* ConfigFile::link(Net::IntfId const& intfId) const {
@@ -136,20 +116,6 @@ Place ConfigFile::placeOf(std::string path) const {
     path.resize(separator == std::string::npos ? 0 : separator);
   }
   return {};
-}
-
-FileText readFileText(std::string const& fileName) {
-  if (fileName == "-") return readToTheEnd(STDIN_FILENO);
-  FileDescriptor const file(open(fileName.c_str(), O_RDONLY | O_CLOEXEC));
-  return file.get() < 0 ? cannot("opened") : readToTheEnd(file.get());
-}
-
-FileText readRegularFileText(std::string const& fileName) {
-  // To open a FIFO would otherwise wait for a writer.
-  FileDescriptor const file(open(fileName.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-  struct stat found {};
-  if (file.get() < 0 || fstat(file.get(), &found) != 0) return cannot("opened");
-  return S_ISREG(found.st_mode) ? readToTheEnd(file.get()) : FileText{{}, "is no regular file"};
 }
 
 ConfigFile readConfigText(std::string name, std::string const& text) {

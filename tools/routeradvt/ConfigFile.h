@@ -2,6 +2,7 @@
 
 #include <Ipv6RouterAdvt/RouterAdvt/Config.h>
 #include <tools/routeradvt/Diagnostic.h>
+#include <tools/routeradvt/FileText.h>
 #include <tools/routeradvt/LinkConfig.h>
 
 #include <map>
@@ -35,16 +36,6 @@ struct ConfigFile {
   /// Place of the path, or of the nearest one above it that the file names.
   Place placeOf(std::string path) const;
 };
-
-/// The octets of a file, or why there are none.
-struct FileText {
-  std::string text;
-  std::string error;  ///< empty: it was read
-};
-/// `-`: standard input.
-FileText readFileText(std::string const& fileName);
-/// Of a regular file; anything else is an error, and is not waited for.
-FileText readRegularFileText(std::string const& fileName);
 
 /// Reads a file; `-`: standard input. Never throws for what the file holds.
 ConfigFile loadConfigFile(std::string const& fileName);

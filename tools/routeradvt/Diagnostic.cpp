@@ -1,4 +1,5 @@
 #include <tools/routeradvt/Diagnostic.h>
+#include <tools/routeradvt/Text.h>
 
 #include <algorithm>
 
@@ -16,28 +17,6 @@ std::string diagnosticLine(std::string_view file, Diagnostic const& diagnostic, 
 
 void sortByPlace(std::vector<Diagnostic>& diagnostics) {
   std::ranges::stable_sort(diagnostics, {}, &Diagnostic::place);
-}
-
-std::string printable(std::string_view text) {
-  static constexpr char digits[] = "0123456789abcdef";
-  std::string result;
-  for (char const c : text) {
-    auto const octet = static_cast<unsigned char>(c);
-    if (octet < 0x20 || octet == 0x7f) {
-      result += "\\x";
-      result += digits[octet >> 4];
-      result += digits[octet & 15];
-    } else {
-      result += c;
-    }
-  }
-  return result;
-}
-
-std::string inQuotes(std::string_view text) {
-  constexpr std::size_t longest = 80;
-  bool const cut = text.size() > longest;
-  return '"' + printable(text.substr(0, longest)) + (cut ? "...\"" : "\"");
 }
 
 }  // namespace Tool

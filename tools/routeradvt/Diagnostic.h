@@ -28,10 +28,4 @@ std::string diagnosticLine(std::string_view file, Diagnostic const& diagnostic, 
 /// In the order of the file; those of one place stay in the order in which they were found.
 void sortByPlace(std::vector<Diagnostic>& diagnostics);
 
-/// The text as one line of printable characters: control characters become \xNN.
-std::string printable(std::string_view text);
-
-/// The same in double quotes, long texts cut.
-std::string inQuotes(std::string_view text);
-
 }  // namespace Tool

@@ -1,7 +1,7 @@
 #include <RouterPlatform/Fwk/Reflection.h>
-#include <tools/routeradvt/Diagnostic.h>
 #include <tools/routeradvt/EffectiveValue.h>
 #include <tools/routeradvt/EntityPrinter.h>
+#include <tools/routeradvt/Text.h>
 
 #include <algorithm>
 
@@ -16,11 +16,6 @@ using Fwk::Ptr;
 
 constexpr std::size_t valueColumn = 46;
 constexpr std::size_t remarkColumn = 64;
-
-std::string padded(std::string text, std::size_t width) {
-  if (text.size() < width) text.append(width - text.size(), ' ');
-  return text;
-}
 
 class Lines {
  public:

@@ -1,8 +1,7 @@
 #include <RouterPlatform/Packet/Icmp6HdrOptions.h>
 #include <RouterPlatform/Trace/Trace.h>
 #include <tools/routeradvt/DnsNames.h>
-#include <tools/routeradvt/FramePrinter.h>
-#include <tools/routeradvt/OptionPrinter.h>
+#include <tools/routeradvt/RaMessage.h>
 #include <tools/routeradvt/Warnings.h>
 
 #include <algorithm>
@@ -64,11 +63,10 @@ void takeUrl(Contents& contents, Octets const& octets) {
 }
 
 Contents contentsOf(std::span<Fwk::U8 const> frame) {
-  constexpr std::size_t optionsAt = 16;
   Contents contents;
-  auto const message = routerAdvtOf(frame);
+  auto const message = raMessageOf(frame);
   if (!message) return contents;
-  for (auto const& [type, octets] : completeOptions(message->from(optionsAt))) {
+  for (auto const& [type, octets] : completeOptions(message->from(raHeaderSize))) {
     if (auto const prefix = octets.header<Net::Icmp6HdrPrefixInfoOption>();
         prefix && type == Net::Icmp6HdrPrefixInfoOption::typeValue)
       contents.prefixes.emplace(Net::Ip6Addr::fromBytes(prefix->prefix), prefix->prefixLength);

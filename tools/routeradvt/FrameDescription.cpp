@@ -1,4 +1,5 @@
 #include <tools/routeradvt/FrameDescription.h>
+#include <tools/routeradvt/Text.h>
 
 #include <algorithm>
 
@@ -13,25 +14,17 @@ std::string right(std::string const& text, std::size_t width) {
   return std::string(width - std::min(width, text.size()), ' ') + text;
 }
 
-std::string left(std::string const& text, std::size_t width) {
-  return text + std::string(width - std::min(width, text.size()), ' ');
-}
-
 void appendBlock(std::string& out, FrameBlock const& block) {
   out += block.title;
   out += block.size == 0 ? "\n" : " (" + std::to_string(block.size) + " octets)\n";
   for (FrameField const& field : block.fields) {
     std::string const offset = field.name.empty() ? std::string() : std::to_string(field.offset);
-    out += right(offset, offsetWidth) + "  " + left(field.name, nameWidth) + "  " + field.value + '\n';
+    out += right(offset, offsetWidth) + "  " + padded(field.name, nameWidth) + "  " + field.value + '\n';
   }
   for (std::string const& oddity : block.oddities) out += right("!", offsetWidth) + "  " + oddity + '\n';
 }
 
 }  // namespace
-
-bool FrameDescription::hasOddities() const {
-  return std::ranges::any_of(blocks, [](FrameBlock const& block) { return !block.oddities.empty(); });
-}
 
 std::string toText(FrameDescription const& description) {
   std::string out;

@@ -25,10 +25,7 @@ struct FrameBlock {
 
 /// What octets say, block by block in their order.
 struct FrameDescription {
-  std::size_t size = 0;  ///< octets
   std::vector<FrameBlock> blocks;
-
-  bool hasOddities() const;
 };
 
 /// For people: a line a field, with its offset, a block apart from the next by an empty line; oddities behind `!`.

@@ -1,6 +1,7 @@
 #include <RouterPlatform/Fwk/TextCodec.h>
 #include <tools/routeradvt/LinkReader.h>
 #include <tools/routeradvt/NearestName.h>
+#include <tools/routeradvt/Text.h>
 #include <tools/routeradvt/ValueTypes.h>
 
 namespace Tool {

@@ -1,6 +1,6 @@
 #include <tools/routeradvt/Command.h>
-#include <tools/routeradvt/Diagnostic.h>
 #include <tools/routeradvt/LinkWatch.h>
+#include <tools/routeradvt/Text.h>
 
 #include <linux/netlink.h>
 #include <linux/rtnetlink.h>

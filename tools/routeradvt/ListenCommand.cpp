@@ -1,21 +1,18 @@
 #include <Ipv6RouterAdvt/RouterAdvtUtils/RaParser.h>
-#include <RouterPlatform/Fwk/Attributes.h>
 #include <tools/routeradvt/Command.h>
 #include <tools/routeradvt/LinkWatch.h>
+#include <tools/routeradvt/ListenReport.h>
 #include <tools/routeradvt/NeighborTable.h>
 #include <tools/routeradvt/NumberOption.h>
 #include <tools/routeradvt/RaSocket.h>
 #include <tools/routeradvt/RaValidity.h>
-#include <tools/routeradvt/RouterWatch.h>
 #include <tools/routeradvt/StopSignals.h>
 #include <tools/routeradvt/ValueOption.h>
 
 #include <CLI/CLI.hpp>
 
 #include <poll.h>
-#include <sys/signalfd.h>
 
-#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cmath>
@@ -27,88 +24,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 using Net::Ip6Addr;
-
-struct Counts {
-  Fwk::U64 heard = 0;    ///< valid ones
-  Fwk::U64 notKept = 0;  ///< of these, those of a router too many
-  Fwk::U64 dropped = 0;
-  Fwk::U64 lost = 0;  ///< those that the kernel had no room for
-};
-
-/// Says what happens, in words or as JSON, a line or a few an event.
-class Reporter final : public RouterWatch::Observer {
- public:
-  Reporter(std::ostream& out, bool json) : out_(out), json_(json) {}
-
-  void listening(std::string const& device) {
-    if (!json_) say("listening on " + device + " for Router Advertisements\n");
-  }
-
-  void onRouter(Ip6Addr const& router) override { event("router", router, "is heard"); }
-  void onRouterGone(Ip6Addr const& router) override { event("routerGone", router, "has withdrawn"); }
-
-  void onChange(RouterAdvt::RaPacket const& packet, std::vector<RecordChange> const& changes) override {
-    std::string const router = packet.srcIp6Addr().toString();
-    if (json_)
-      return say(Json{{"event", "change"},
-                      {"router", router},
-                      {"changes", changesJson(changes)},
-                      {"record", recordJson(Fwk::objectRef(packet))}});
-    bool const isFirst =
-        std::ranges::all_of(changes, [](RecordChange const& change) { return change.before.is_null(); });
-    say("router " + router +
-        (isFirst ? " advertises\n" + recordText(Fwk::objectRef(packet))
-                 : " advertises a change\n" + changesText(changes)));
-  }
-
-  void onTooManyRouters() override {
-    constexpr Fwk::U32 most = RouterWatch::routersMax;
-    if (json_) return say(Json{{"event", "tooManyRouters"}, {"routers", most}});
-    say("more than " + std::to_string(most) + " routers: those beyond are only counted\n");
-  }
-
-  void dropped(Ip6Addr const& source, std::string const& reason) {
-    if (json_) return say(Json{{"event", "dropped"}, {"source", source.toString()}, {"reason", reason}});
-    say("dropped an advertisement from " + source.toString() + ": " + reason + '\n');
-  }
-
-  void summary(Counts const& counts, Fwk::U32 routers, Clock::duration time) {
-    double const seconds = std::round(std::chrono::duration<double>(time).count() * 10) / 10;
-    Json const shown(seconds);
-    if (json_)
-      return say(Json{{"event", "summary"},
-                      {"advertisements", counts.heard},
-                      {"dropped", counts.dropped},
-                      {"notKept", counts.notKept},
-                      {"lost", counts.lost},
-                      {"routers", routers},
-                      {"seconds", shown}});
-    say(std::to_string(counts.heard) + (counts.heard == 1 ? " advertisement, " : " advertisements, ") +
-        (counts.notKept > 0 ? std::to_string(counts.notKept) + " of routers too many, " : "") +
-        std::to_string(counts.dropped) + " dropped, " +
-        (counts.lost > 0 ? std::to_string(counts.lost) + " lost as they came too fast, " : "") +
-        std::to_string(routers) + (routers == 1 ? " router" : " routers") + " at the end, in " + shown.dump() + " s\n");
-  }
-
- private:
-  void event(char const* name, Ip6Addr const& router, char const* words) {
-    if (json_) return say(Json{{"event", name}, {"router", router.toString()}});
-    say("router " + router.toString() + ' ' + words + '\n');
-  }
-  void say(Json const& json) { say(jsonText(json) + '\n'); }
-  void say(std::string const& text) { out_ << text << std::flush; }
-
-  std::ostream& out_;
-  bool json_;
-};
-
-/// Becomes readable when a signal is pending that is to end the program. Such are held back meanwhile.
-FileDescriptor stopDescriptor() {
-  sigset_t signals;
-  sigemptyset(&signals);
-  for (int const signal : stopSignals()) sigaddset(&signals, signal);
-  return FileDescriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
-}
 
 class ListenCommand final : public Command {
  public:
@@ -131,22 +46,22 @@ class ListenCommand final : public Command {
   void run(Console& console) override {
     NetworkInterface const device = lookUpInterface(device_);
     StopSignals signals;
-    FileDescriptor const stop = stopDescriptor();
+    FileDescriptor const stop = signals.descriptor();
     RaSocket socket(device);
     LinkWatch const link(device);
-    Reporter reporter(console.out, json_);
-    RouterWatch watch(Net::IntfId(device.name), reporter);
+    ListenReport report(console.out, json_);
+    RouterWatch watch(Net::IntfId(device.name), report);
     NeighborTable table;
     if (!table.problem().empty()) console.err << "the table of neighbours is not kept: " << table.problem() << '\n';
     auto const start = Clock::now();
-    reporter.listening(device.name);
+    report.listening(device.name);
     auto const summary = [&] {
       counts_.lost = socket.lost();
-      reporter.summary(counts_, watch.routers().linkLocalAddr().size(), Clock::now() - start);
+      report.summary(counts_, watch.routers().linkLocalAddr().size(), Clock::now() - start);
     };
     try {
       while (!isEnough() && waitFor({socket.descriptor(), link.descriptor()}, stop, start)) {
-        takeSome(socket, watch, reporter, table);
+        takeSome(socket, watch, report, table);
         link.check();
       }
       signals.waitUntil(Clock::now());  // takes what is pending: it is dealt with
@@ -175,20 +90,20 @@ class ListenCommand final : public Command {
   }
 
   /// Takes what has come, up to a limit: a flood does not keep it from ending.
-  void takeSome(RaSocket& socket, RouterWatch& watch, Reporter& reporter, NeighborTable& table) {
+  void takeSome(RaSocket& socket, RouterWatch& watch, ListenReport& report, NeighborTable& table) {
     for (int left = 64; left > 0 && !isEnough(); --left) {
       auto const received = socket.receive();
       if (!received) return;
-      take(*received, watch, reporter, table);
+      take(*received, watch, report, table);
     }
   }
 
-  void take(RaSocket::Received const& received, RouterWatch& watch, Reporter& reporter, NeighborTable& table) {
+  void take(RaSocket::Received const& received, RouterWatch& watch, ListenReport& report, NeighborTable& table) {
     auto const& [source, message] = received;
-    if (!message) return drop(reporter, source, reasonText(message.reason));
-    if (std::string const reason = raInvalidity(message.info); !reason.empty()) return drop(reporter, source, reason);
+    if (!message) return drop(report, source, reasonText(message.reason));
+    if (std::string const reason = raInvalidity(message.info); !reason.empty()) return drop(report, source, reason);
     RouterAdvt::RaPacket const packet = RouterAdvt::makeRaPacketType(Net::IntfId(device_), message.info);
-    if (!packet) return drop(reporter, source, "an option has length 0");
+    if (!packet) return drop(report, source, "an option has length 0");
     ++counts_.heard;
     if (watch.hear(packet))
       table.hear(packet.intfId(), source);
@@ -196,16 +111,16 @@ class ListenCommand final : public Command {
       ++counts_.notKept;
   }
 
-  void drop(Reporter& reporter, Ip6Addr const& source, std::string const& reason) {
+  void drop(ListenReport& report, Ip6Addr const& source, std::string const& reason) {
     ++counts_.dropped;
-    reporter.dropped(source, reason);
+    report.dropped(source, reason);
   }
 
   std::string device_;
   std::optional<Fwk::U64> wanted_;
   std::optional<double> seconds_;
   bool json_ = false;
-  Counts counts_;
+  ListenCounts counts_;
 };
 
 }  // namespace

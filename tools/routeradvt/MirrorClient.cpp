@@ -1,7 +1,7 @@
 #include <tools/routeradvt/Command.h>
-#include <tools/routeradvt/Diagnostic.h>
 #include <tools/routeradvt/MirrorClient.h>
 #include <tools/routeradvt/SocketPath.h>
+#include <tools/routeradvt/Text.h>
 
 #include <asio/buffer.hpp>
 #include <asio/post.hpp>

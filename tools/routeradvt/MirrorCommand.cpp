@@ -1,7 +1,7 @@
 #include <tools/routeradvt/Command.h>
-#include <tools/routeradvt/Diagnostic.h>
 #include <tools/routeradvt/MirrorClient.h>
 #include <tools/routeradvt/StopSignals.h>
+#include <tools/routeradvt/Text.h>
 #include <tools/routeradvt/TreeReport.h>
 #include <tools/routeradvt/ValueOption.h>
 
@@ -37,7 +37,7 @@ class Once final : public MirrorClient::Observer {
   void onSynchronized(Roots const& roots) override {
     failIfNoneIsKnown(path_, roots);
     if (json_)
-      out_ << treesJson(roots).dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+      out_ << jsonText(treesJson(roots), 2) << '\n';
     else
       out_ << treesText(roots);
     context_.stop();
@@ -94,7 +94,7 @@ class Following final : public MirrorClient::Observer {
     json_ ? say(Json{{"event", "attached"}, {"trees", treesJson(roots)}}) : say(treesText(roots));
   }
   void tell(std::string const& what) { console_.err << printable(path_) << ": " << what << std::endl; }
-  void say(Json const& json) { say(json.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n'); }
+  void say(Json const& json) { say(jsonText(json) + '\n'); }
   void say(std::string const& text) { console_.out << text; }
   void flush() {
     if (!console_.out.flush()) throw Failure("the output could not be written");

@@ -1,6 +1,7 @@
 #include <RouterPlatform/Fwk/Reflection.h>
 #include <tools/routeradvt/ModelReader.h>
 #include <tools/routeradvt/NearestName.h>
+#include <tools/routeradvt/Text.h>
 #include <tools/routeradvt/ValueTypes.h>
 
 #include <algorithm>

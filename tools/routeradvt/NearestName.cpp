@@ -1,5 +1,5 @@
-#include <tools/routeradvt/Diagnostic.h>
 #include <tools/routeradvt/NearestName.h>
+#include <tools/routeradvt/Text.h>
 
 #include <algorithm>
 #include <cctype>

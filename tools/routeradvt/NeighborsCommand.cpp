@@ -1,5 +1,6 @@
 #include <tools/routeradvt/Command.h>
 #include <tools/routeradvt/NeighborReport.h>
+#include <tools/routeradvt/Text.h>
 #include <tools/routeradvt/ValueOption.h>
 
 #include <CLI/CLI.hpp>

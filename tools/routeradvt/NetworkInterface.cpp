@@ -1,8 +1,8 @@
 #include <tools/routeradvt/Command.h>
-#include <tools/routeradvt/Diagnostic.h>
 #include <tools/routeradvt/FileDescriptor.h>
 #include <tools/routeradvt/NearestName.h>
 #include <tools/routeradvt/NetworkInterface.h>
+#include <tools/routeradvt/Text.h>
 
 #include <ifaddrs.h>
 #include <net/if.h>

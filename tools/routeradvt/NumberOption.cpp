@@ -1,5 +1,5 @@
-#include <tools/routeradvt/Diagnostic.h>
 #include <tools/routeradvt/NumberOption.h>
+#include <tools/routeradvt/Text.h>
 
 #include <array>
 #include <charconv>

@@ -7,7 +7,6 @@
 #include <cstring>
 #include <optional>
 #include <span>
-#include <string>
 #include <type_traits>
 
 namespace Tool {
@@ -44,8 +43,5 @@ class Octets {
   std::span<Fwk::U8 const> octets_;
   std::size_t offset_;
 };
-
-/// Lowercase hex without anything between.
-std::string toHex(std::span<Fwk::U8 const> octets);
 
 }  // namespace Tool

@@ -1,9 +1,9 @@
 #include <Ipv6RouterAdvt/RouterAdvt.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils.h>
 #include <RouterPlatform/Fwk/Attributes.h>
-#include <RouterPlatform/Packet/Icmp6RouterAdvertisementHdr.h>
 #include <tools/routeradvt/CaptureReader.h>
 #include <tools/routeradvt/Command.h>
+#include <tools/routeradvt/RaMessage.h>
 #include <tools/routeradvt/RecordView.h>
 #include <tools/routeradvt/ValueOption.h>
 
@@ -15,8 +15,6 @@
 namespace Tool {
 
 namespace {
-
-constexpr std::size_t advtHeaderSize = sizeof(Net::Icmp6Hdr) + sizeof(Net::Icmp6RouterAdvertisementHdr);
 
 /// What a packet turned out to be.
 struct Reading {
@@ -76,7 +74,7 @@ std::string wordsOf(CaptureReader const& reader, CapturedPacket const& packet, R
   if (!reading.rejected) text += recordText(Fwk::objectRef(reading.record));
   Net::Pkt& pkt = *reading.info->packet();
   auto const messageAt = reinterpret_cast<Fwk::U8 const*>(pkt.icmp6Hdr()) - pkt.data();
-  return text + optionsText(reader.describe(packet), static_cast<std::size_t>(messageAt) + advtHeaderSize);
+  return text + optionsText(reader.describe(packet), static_cast<std::size_t>(messageAt) + raHeaderSize);
 }
 
 class ParseCommand final : public Command {

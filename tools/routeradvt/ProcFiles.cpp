@@ -1,9 +1,6 @@
-#include <tools/routeradvt/FileDescriptor.h>
+#include <tools/routeradvt/FileText.h>
 #include <tools/routeradvt/ProcFiles.h>
 
-#include <fcntl.h>
-
-#include <array>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -18,19 +15,6 @@ using Files = std::map<std::string, std::string>;
 // Such files have a line or a few; what is longer is none of them.
 constexpr std::size_t greatestFile = 65536;
 
-std::optional<std::string> readFile(std::filesystem::path const& path) {
-  FileDescriptor const file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-  std::string contents;
-  std::array<char, 4096> chunk;
-  while (contents.size() <= greatestFile) {
-    ssize_t const count = read(file.get(), chunk.data(), chunk.size());
-    if (count < 0) return std::nullopt;
-    if (count == 0) return contents;
-    contents.append(chunk.data(), static_cast<std::size_t>(count));
-  }
-  return std::nullopt;
-}
-
 struct Directory {
   bool present = false;
   std::optional<Files> files;  ///< by name; none when it could not be read, such as for want of a file descriptor
@@ -41,9 +25,8 @@ Directory readDirectory(std::filesystem::path const& directory) {
   Files files;
   std::filesystem::directory_iterator at(directory, error);
   while (!error && at != std::filesystem::directory_iterator()) {
-    std::error_code ofFile;
-    if (at->is_regular_file(ofFile))
-      if (auto contents = readFile(at->path())) files.emplace(at->path().filename(), std::move(*contents));
+    if (FileText read = readRegularFileText(at->path(), greatestFile); read.error.empty())
+      files.emplace(at->path().filename(), std::move(read.text));
     at.increment(error);
   }
   if (error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory) return {};

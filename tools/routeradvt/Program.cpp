@@ -1,7 +1,7 @@
-#include <tools/routeradvt/Diagnostic.h>
 #include <tools/routeradvt/HelpFormatter.h>
 #include <tools/routeradvt/NearestName.h>
 #include <tools/routeradvt/Program.h>
+#include <tools/routeradvt/Text.h>
 
 #include <CLI/CLI.hpp>
 

@@ -1,17 +1,17 @@
 #include <Ipv6RouterAdvt/RouterAdvtUtils/Icmp6ChecksumValid.h>
-#include <RouterPlatform/Packet/Icmp6RouterAdvertisementHdr.h>
+#include <tools/routeradvt/RaMessage.h>
 #include <tools/routeradvt/RaValidity.h>
 
 namespace Tool {
 
 std::string raInvalidity(Fwk::Ptr<Net::Ip6PktInfo> const& info) {
-  constexpr Fwk::U64 sizeMin = sizeof(Net::Icmp6Hdr) + sizeof(Net::Icmp6RouterAdvertisementHdr);
   Net::Pkt& pkt = *info->packet();
   if (!info->sourceAddr().isLinkLocal()) return "its source is not a link-local address";
   if (info->hopLimit() != 255) return "its hop limit is " + std::to_string(info->hopLimit()) + ", not 255";
   if (!RouterAdvt::icmp6ChecksumValid(info)) return "its checksum is wrong";
   if (pkt.icmp6Hdr()->code != 0) return "its code is " + std::to_string(pkt.icmp6Hdr()->code) + ", not 0";
-  if (pkt.icmp6MsgLen() < sizeMin) return "it has " + std::to_string(pkt.icmp6MsgLen()) + " octets; 16 are the least";
+  if (pkt.icmp6MsgLen() < raHeaderSize)
+    return "it has " + std::to_string(pkt.icmp6MsgLen()) + " octets; 16 are the least";
   return {};
 }
 

@@ -1,5 +1,5 @@
-#include <tools/routeradvt/Diagnostic.h>
 #include <tools/routeradvt/RecordView.h>
+#include <tools/routeradvt/Text.h>
 
 #include <algorithm>
 #include <unordered_map>
@@ -38,11 +38,6 @@ std::string valueText(Json const& value) {
   return printable(value.is_string() ? value.get<std::string>() : jsonText(value));
 }
 
-std::string paddedTo(std::size_t width, std::string text) {
-  if (text.size() < width) text.append(width - text.size(), ' ');
-  return text;
-}
-
 template <class Items>
 std::size_t pathWidth(Items const& items) {
   std::size_t width = 0;
@@ -77,7 +72,7 @@ std::string recordText(Fwk::ConstObjectRef record) {
   std::size_t const width = pathWidth(values);
   std::string text;
   for (RecordValue const& value : values)
-    text += "  " + paddedTo(width, printable(value.path)) + "  " + valueText(value.value) + '\n';
+    text += "  " + padded(printable(value.path), width) + "  " + valueText(value.value) + '\n';
   return text;
 }
 
@@ -103,7 +98,7 @@ std::string changesText(std::vector<RecordChange> const& changes) {
   std::size_t const width = pathWidth(changes);
   std::string text;
   for (RecordChange const& change : changes)
-    text += "  " + paddedTo(width, printable(change.path)) + "  " + valueText(change.before) + " -> " +
+    text += "  " + padded(printable(change.path), width) + "  " + valueText(change.before) + " -> " +
             valueText(change.after) + '\n';
   return text;
 }

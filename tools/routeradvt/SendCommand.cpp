@@ -1,12 +1,12 @@
 #include <tools/routeradvt/Advert.h>
-#include <tools/routeradvt/AdvertOutput.h>
-#include <tools/routeradvt/CaptureFile.h>
+#include <tools/routeradvt/CaptureWriter.h>
 #include <tools/routeradvt/Command.h>
 #include <tools/routeradvt/NumberOption.h>
-#include <tools/routeradvt/Octets.h>
 #include <tools/routeradvt/PacketSocket.h>
 #include <tools/routeradvt/StopSignals.h>
+#include <tools/routeradvt/Text.h>
 #include <tools/routeradvt/ValueOption.h>
+#include <tools/routeradvt/Warnings.h>
 
 #include <CLI/CLI.hpp>
 
@@ -60,11 +60,11 @@ class SendCommand final : public Command {
     findIntf(file, options_.intf);
     NetworkInterface const device = lookUpEthernetInterface(device_);
     Advert const advert = makeAdvert(file, options_, &device);
-    printAdvertWarnings(console, file, advert);
+    printAdvertWarnings(console.err, file, advert);
     traceLevelsAre(options_.trace);
     auto const packet = advert.build();
     PacketSocket socket(device);
-    if (!options_.write.empty()) capture_ = std::make_unique<CaptureFile>(options_.write);
+    if (!options_.write.empty()) capture_ = std::make_unique<CaptureWriter>(options_.write);
     StopSignals signals;  // held back before anything says that it has begun
     if (options_.hex) console.out << toHex(packet->octets()) << '\n';
     console.out << "sending " << packet->size() << " octets from " << advert.srcAddr.toString() << " ("
@@ -108,7 +108,7 @@ class SendCommand final : public Command {
   std::string device_;
   std::optional<Fwk::U64> count_;  // 0: until it is told to stop
   std::optional<double> seconds_;
-  std::unique_ptr<CaptureFile> capture_;
+  std::unique_ptr<CaptureWriter> capture_;
 };
 
 }  // namespace

@@ -1,6 +1,6 @@
 #include <tools/routeradvt/Command.h>
-#include <tools/routeradvt/Diagnostic.h>
 #include <tools/routeradvt/SocketPath.h>
+#include <tools/routeradvt/Text.h>
 
 #include <fcntl.h>
 #include <sys/file.h>

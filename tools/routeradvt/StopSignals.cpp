@@ -1,5 +1,7 @@
 #include <tools/routeradvt/StopSignals.h>
 
+#include <sys/signalfd.h>
+
 #include <algorithm>
 #include <cerrno>
 
@@ -31,6 +33,10 @@ bool StopSignals::waitUntil(std::chrono::steady_clock::time_point time) {
     if (sigtimedwait(&signals_, nullptr, &timeout) > 0) return true;
     if (errno == EAGAIN) return false;  // the time has come; EINTR: another signal did, which is none of ours
   }
+}
+
+FileDescriptor StopSignals::descriptor() const {
+  return FileDescriptor(signalfd(-1, &signals_, SFD_CLOEXEC | SFD_NONBLOCK));
 }
 
 }  // namespace Tool

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <tools/routeradvt/FileDescriptor.h>
+
 #include <csignal>
 
 #include <chrono>
@@ -21,6 +23,8 @@ class StopSignals {
 
   /// Waits for that time, which may be past; true: it is to stop.
   bool waitUntil(std::chrono::steady_clock::time_point time);
+  /// For poll(2): readable when one of them is pending.
+  FileDescriptor descriptor() const;
 
  private:
   sigset_t signals_;

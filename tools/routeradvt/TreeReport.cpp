@@ -1,6 +1,6 @@
 #include <RouterPlatform/Fwk/Attributes.h>
-#include <tools/routeradvt/Diagnostic.h>
 #include <tools/routeradvt/EntityPrinter.h>
+#include <tools/routeradvt/Text.h>
 #include <tools/routeradvt/TreeReport.h>
 
 namespace Tool {

@@ -1,8 +1,8 @@
 #include <RouterPlatform/Fwk/TypeRegistry.h>
 #include <tools/routeradvt/Command.h>
-#include <tools/routeradvt/Diagnostic.h>
 #include <tools/routeradvt/NearestName.h>
 #include <tools/routeradvt/Table.h>
+#include <tools/routeradvt/Text.h>
 #include <tools/routeradvt/ValueOption.h>
 
 #include <CLI/CLI.hpp>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <RouterPlatform/Fwk/TextCodec.h>
-#include <tools/routeradvt/Diagnostic.h>
+#include <tools/routeradvt/Text.h>
 #include <tools/routeradvt/ValueTypes.h>
 
 #include <CLI/CLI.hpp>

@@ -1,7 +1,7 @@
 #include <RouterPlatform/Fwk/Name.h>
 #include <RouterPlatform/Net/Icmp6RouterAdvtRouterPreferenceType.h>
 #include <RouterPlatform/Net/IntfId.h>
-#include <tools/routeradvt/Diagnostic.h>
+#include <tools/routeradvt/Text.h>
 #include <tools/routeradvt/ValueTypes.h>
 
 #include <algorithm>

@@ -2,9 +2,11 @@
 #include <RouterPlatform/Fwk/Reflection.h>
 #include <tools/routeradvt/EffectiveValue.h>
 #include <tools/routeradvt/NearestName.h>
+#include <tools/routeradvt/Text.h>
 #include <tools/routeradvt/Warnings.h>
 
 #include <algorithm>
+#include <ostream>
 
 namespace Tool {
 
@@ -197,6 +199,21 @@ std::vector<Diagnostic> configWarnings(ConfigFile const& file) {
   }
   sortByPlace(found);
   return found;
+}
+
+void printAdvertWarnings(std::ostream& err, ConfigFile const& file, Advert const& advert) {
+  if (!advert.srcAddr.isLinkLocal())
+    err << "warning: --src: " << advert.srcAddr.toString()
+        << " is not link-local; receivers drop the advertisement (RFC 4861 6.1.2)\n";
+  std::vector<Diagnostic> warnings = fileWarningsOf(file, *advert.config);
+  auto const append = [&](std::vector<Diagnostic> const& more) {
+    warnings.insert(warnings.end(), more.begin(), more.end());
+  };
+  append(intfWarnings(file, *advert.config));
+  append(virtualRouterWarnings(file, advert));
+  append(fitWarnings(file, advert));
+  sortByPlace(warnings);
+  for (Diagnostic const& warning : warnings) err << diagnosticLine(file.name, warning, "warning: ") << '\n';
 }
 
 }  // namespace Tool

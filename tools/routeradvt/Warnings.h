@@ -3,6 +3,7 @@
 #include <tools/routeradvt/Advert.h>
 #include <tools/routeradvt/ConfigFile.h>
 
+#include <iosfwd>
 #include <vector>
 
 namespace Tool {
@@ -22,5 +23,8 @@ std::vector<Diagnostic> virtualRouterWarnings(ConfigFile const& file, Advert con
 
 /// What does not fit into that advertisement, and why: found out by building it.
 std::vector<Diagnostic> fitWarnings(ConfigFile const& file, Advert const& advert);
+
+/// Prints all that is to be said before that advertisement is built.
+void printAdvertWarnings(std::ostream& err, ConfigFile const& file, Advert const& advert);
 
 }  // namespace Tool

@@ -1,3 +1,4 @@
+#include <tools/routeradvt/Text.h>
 #include <tools/routeradvt/YamlReader.h>
 
 #include <map>

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <RouterPlatform/Net/Ip6Addr.h>
+#include <RouterPlatform/Fwk/BaseTypes.h>
 #include <tools/routeradvt/FrameDescription.h>
-#include <tools/routeradvt/Octets.h>
 
-#include <optional>
+#include <span>
 
 /// What a Router Advertisement says, in words, and whatever is odd about it. Any octets are taken: what is no
 /// advertisement, or no complete one, is described as far as it goes and shown as hex from there on.
@@ -15,9 +14,5 @@ FrameDescription describeEthernetFrame(std::span<Fwk::U8 const> frame);
 
 /// A packet that begins with its IPv6 header.
 FrameDescription describeIp6Packet(std::span<Fwk::U8 const> packet);
-
-/// The ICMPv6 message of an Ethernet frame that carries one right behind its IPv6 header, as the builder makes them;
-/// nothing for any other frame. For a look at its options: those begin 16 octets into it.
-std::optional<Octets> routerAdvtOf(std::span<Fwk::U8 const> frame);
 
 }  // namespace Tool

@@ -1,11 +1,10 @@
 #include <RouterPlatform/Net/EthAddr.h>
 #include <RouterPlatform/Packet/EthernetHdr.h>
-#include <RouterPlatform/Packet/Icmp6Hdr.h>
-#include <RouterPlatform/Packet/Icmp6RouterAdvertisementHdr.h>
 #include <RouterPlatform/Packet/Ip6Hdr.h>
 #include <tools/routeradvt/BlockWriter.h>
-#include <tools/routeradvt/FramePrinter.h>
-#include <tools/routeradvt/OptionPrinter.h>
+#include <tools/routeradvt/FrameDescriber.h>
+#include <tools/routeradvt/OptionDescriber.h>
+#include <tools/routeradvt/RaMessage.h>
 
 #include <algorithm>
 
@@ -125,13 +124,12 @@ std::string checksumText(BlockWriter& block, Octets const& message, Net::Icmp6Hd
 }
 
 void describeIcmp6(FrameDescription& description, Octets message, Ip6Envelope const& envelope) {
-  constexpr std::size_t headerSize = sizeof(Net::Icmp6Hdr) + sizeof(Net::Icmp6RouterAdvertisementHdr);
   auto const icmp6 = message.header<Net::Icmp6Hdr>();
   if (!icmp6) return describeHex(description, "ICMPv6 message", message, "it is shorter than an ICMPv6 header");
   bool const isAdvt = icmp6->type == Net::Icmp6Hdr::routerAdvertisement;
   {
     BlockWriter block(description, isAdvt ? "Router Advertisement, RFC 4861 4.2" : "ICMPv6 message, RFC 4443 2.1",
-                      message.from(0, isAdvt ? headerSize : message.size()));
+                      message.from(0, isAdvt ? raHeaderSize : message.size()));
     block.field(0, "type", std::to_string(icmp6->type) + (isAdvt ? " (Router Advertisement)" : ""));
     block.field(1, "code", std::to_string(icmp6->code));
     block.field(2, "checksum", checksumText(block, message, *icmp6, envelope));
@@ -144,7 +142,7 @@ void describeIcmp6(FrameDescription& description, Octets message, Ip6Envelope co
     }
     describeRouterAdvtHeader(block, *ra);
   }
-  describeOptions(description, message.from(headerSize));
+  describeOptions(description, message.from(raHeaderSize));
 }
 
 /// Passes over the extension headers that a message may stand behind.
@@ -221,28 +219,14 @@ void describeFrame(FrameDescription& description, Octets frame) {
 
 FrameDescription describeEthernetFrame(std::span<U8 const> frame) {
   FrameDescription description;
-  description.size = frame.size();
   describeFrame(description, Octets(frame));
   return description;
 }
 
 FrameDescription describeIp6Packet(std::span<U8 const> packet) {
   FrameDescription description;
-  description.size = packet.size();
   describeIp6(description, Octets(packet));
   return description;
-}
-
-std::optional<Octets> routerAdvtOf(std::span<U8 const> frame) {
-  constexpr std::size_t messageAt = sizeof(Net::EthernetHdr) + sizeof(Net::Ip6Hdr);
-  Octets const octets(frame);
-  auto const ethernet = octets.header<Net::EthernetHdr>();
-  auto const ip6 = octets.header<Net::Ip6Hdr>(sizeof(Net::EthernetHdr));
-  auto const icmp6 = octets.header<Net::Icmp6Hdr>(messageAt);
-  if (!icmp6 || ethernet->etherType != Net::EtherType::ip6 || ip6->nextHeader != Net::Ip6NextHeader::icmp6 ||
-      icmp6->type != Net::Icmp6Hdr::routerAdvertisement)
-    return std::nullopt;
-  return octets.from(messageAt, ip6->payloadLength);
 }
 
 }  // namespace Tool

@@ -1,6 +1,6 @@
-#include <tools/routeradvt/CaptureFile.h>
+#include <tools/routeradvt/CaptureWriter.h>
 #include <tools/routeradvt/Command.h>
-#include <tools/routeradvt/Diagnostic.h>
+#include <tools/routeradvt/Text.h>
 
 #include <pcap/pcap.h>
 #include <sys/time.h>
@@ -25,17 +25,17 @@ std::string withoutFileName(std::string const& fileName, std::string const& mess
 
 }  // namespace
 
-void CaptureFile::Close::operator()(pcap* handle) const { pcap_close(handle); }
-void CaptureFile::Close::operator()(pcap_dumper* dumper) const { pcap_dump_close(dumper); }
+void CaptureWriter::Close::operator()(pcap* handle) const { pcap_close(handle); }
+void CaptureWriter::Close::operator()(pcap_dumper* dumper) const { pcap_dump_close(dumper); }
 
-CaptureFile::CaptureFile(std::string const& fileName)
+CaptureWriter::CaptureWriter(std::string const& fileName)
     : fileName_(fileName), handle_(pcap_open_dead(DLT_EN10MB, largestFrame)) {
   if (!handle_) failToWrite(fileName, "no memory");
   dumper_.reset(pcap_dump_open(handle_.get(), fileName.c_str()));
   if (!dumper_) failToWrite(fileName, withoutFileName(fileName, pcap_geterr(handle_.get())));
 }
 
-void CaptureFile::add(std::span<Fwk::U8 const> frame) {
+void CaptureWriter::add(std::span<Fwk::U8 const> frame) {
   pcap_pkthdr header{};
   gettimeofday(&header.ts, nullptr);
   header.len = header.caplen = static_cast<bpf_u_int32>(frame.size());

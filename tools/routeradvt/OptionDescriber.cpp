@@ -1,9 +1,11 @@
 #include <RouterPlatform/Net/EthAddr.h>
+#include <RouterPlatform/Net/Ip6AddrWithMask.h>
 #include <RouterPlatform/Packet/Icmp6HdrOptions.h>
 #include <tools/routeradvt/BlockWriter.h>
-#include <tools/routeradvt/Diagnostic.h>
 #include <tools/routeradvt/DnsNames.h>
-#include <tools/routeradvt/OptionPrinter.h>
+#include <tools/routeradvt/OptionDescriber.h>
+#include <tools/routeradvt/RaMessage.h>
+#include <tools/routeradvt/Text.h>
 
 #include <algorithm>
 #include <array>
@@ -16,9 +18,6 @@ namespace {
 
 using Fwk::U8;
 using Net::Ip6AddrWithMask;
-
-/// Octets of an advertisement before its options, RFC 4861 4.2.
-constexpr std::size_t advtHeaderSize = 16;
 
 /// What a message has had so far, to tell what is there twice.
 struct SeenOptions {
@@ -260,17 +259,6 @@ std::string preferenceText(Net::Icmp6RouterAdvtRouterPreferenceType preference) 
   return text + " (" + std::to_string(static_cast<unsigned>(preference)) + ')';
 }
 
-std::vector<RaOption> completeOptions(Octets options) {
-  std::vector<RaOption> result;
-  while (options.size() >= 2) {
-    std::size_t const size = std::size_t{8} * options[1];
-    if (size == 0 || size > options.size()) break;
-    result.push_back({options[0], options.from(0, size)});
-    options = options.from(size);
-  }
-  return result;
-}
-
 void describeOptions(FrameDescription& description, Octets options) {
   SeenOptions seen;
   std::size_t done = 0;
@@ -278,7 +266,7 @@ void describeOptions(FrameDescription& description, Octets options) {
     describeOption(description, option.octets, seen);
     done += option.octets.size();
   }
-  if (done < options.size()) describeRest(description, options.from(done), advtHeaderSize + done);
+  if (done < options.size()) describeRest(description, options.from(done), raHeaderSize + done);
 }
 
 }  // namespace Tool

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <RouterPlatform/Net/Icmp6RouterAdvtRouterPreferenceType.h>
-#include <RouterPlatform/Net/Ip6AddrWithMask.h>
 #include <tools/routeradvt/FrameDescription.h>
 #include <tools/routeradvt/Octets.h>
 
@@ -10,15 +9,6 @@ namespace Tool {
 /// Describes the options of a Neighbor Discovery message, each as a block. Any octets: an option of length 0, and one
 /// that passes the end, are shown for what they are and end the list.
 void describeOptions(FrameDescription& description, Octets options);
-
-/// One option as it stands in a message: type, length and all.
-struct RaOption {
-  Fwk::U8 type;
-  Octets octets;
-};
-
-/// The complete options, up to the first that is none.
-std::vector<RaOption> completeOptions(Octets options);
 
 /// The preference in words, with what the two bits are: `high (1)`.
 std::string preferenceText(Net::Icmp6RouterAdvtRouterPreferenceType preference);

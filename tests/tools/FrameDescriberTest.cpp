@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <tools/routeradvt/FramePrinter.h>
+#include <tools/routeradvt/FrameDescriber.h>
 
 #include <ostream>
 
@@ -65,7 +65,7 @@ std::vector<std::string> lines(FrameBlock const& block) {
   return result;
 }
 
-TEST(FramePrinter, AFrameIsPrintedFieldByField) {
+TEST(FrameDescriber, AFrameIsPrintedFieldByField) {
   Bytes const frame = fromHex(ethernetHex + "6000000000703aff" + addressesHex +
                               "8600b7b5400007080000000000000000010102000000000105010000000005dc030440c000278d00"
                               "00093a800000000020010db8000100000000000000000000190300000000012c20010db800000000"
@@ -134,51 +134,51 @@ DNS Search List option, RFC 8106 5.2 (24 octets)
 )");
 }
 
-TEST(FramePrinter, OtherFlagsAreNamed) {
+TEST(FrameDescriber, OtherFlagsAreNamed) {
   Bytes const frame = joined(fromHex(ethernetHex), ip6Packet(fromHex("8600 0000 00 e8 0000 00000001 00000002")));
   EXPECT_THAT(textOf(frame), AllOf(HasSubstr("0xe8 managed, other, home agent"), HasSubstr("high (1)"),
                                    HasSubstr("0 (unspecified)"), HasSubstr("0 s (not a default router)"),
                                    HasSubstr("a preference with router lifetime 0; receivers ignore it")));
 }
 
-TEST(FramePrinter, TagsArePassed) {
+TEST(FrameDescriber, TagsArePassed) {
   Bytes const frame =
       joined(fromHex("333300000001 020000000001 88a8 2007 8100 a00f 86dd"), ip6Packet(fromHex(advertHex)));
   EXPECT_THAT(textOf(frame), AllOf(HasSubstr("vlan                    7"), HasSubstr("vlan                    15"),
                                    HasSubstr("priority                5"), HasSubstr("Router Advertisement")));
 }
 
-TEST(FramePrinter, ExtensionHeadersArePassed) {
+TEST(FrameDescriber, ExtensionHeadersArePassed) {
   Bytes const payload = joined(fromHex("3a00 050200000100"), fromHex(advertHex));
   Bytes const frame = joined(fromHex(ethernetHex), ip6Packet(payload, "ff", "00"));
   EXPECT_THAT(textOf(frame), AllOf(HasSubstr("Extension header, RFC 8200 4: 0 (hop-by-hop options) (8 octets)"),
                                    HasSubstr("0xb7b5"), HasSubstr("Router Advertisement, RFC 4861 4.2")));
 }
 
-TEST(FramePrinter, APacketWithoutEthernetIsPrintedToo) {
+TEST(FrameDescriber, APacketWithoutEthernetIsPrintedToo) {
   EXPECT_THAT(toText(describeIp6Packet(ip6Packet(fromHex(advertHex)))),
               AllOf(testing::StartsWith("IPv6 header"), HasSubstr("    40  type                    134")));
 }
 
-TEST(FramePrinter, PaddingBehindThePacketIsNoOption) {
+TEST(FrameDescriber, PaddingBehindThePacketIsNoOption) {
   Bytes const frame = joined(frameWith(""), Bytes(6, 0));
   EXPECT_EQ(lastBlock(describeEthernetFrame(frame)).title, "Octets behind the packet");
 }
 
-TEST(FramePrinter, ABadChecksumIsOdd) {
+TEST(FrameDescriber, ABadChecksumIsOdd) {
   FrameDescription const description = describeEthernetFrame(frameWith(""));
   EXPECT_THAT(lastBlock(description).oddities,
               ElementsAre(testing::MatchesRegex("the checksum should be 0x[0-9a-f]+; receivers drop the message")));
 }
 
-TEST(FramePrinter, TheOtherZeroIsABadChecksum) {
+TEST(FrameDescriber, TheOtherZeroIsABadChecksum) {
   Bytes const frame = joined(fromHex(ethernetHex), ip6Packet(fromHex("8600 ffff 40 00 0708 00003527 00000000")));
   EXPECT_THAT(textOf(frame), HasSubstr("0xffff (bad)"));
   EXPECT_THAT(lastBlock(describeEthernetFrame(frame)).oddities,
               ElementsAre("the checksum should be 0x0000; receivers drop the message"));
 }
 
-TEST(FramePrinter, WhatMakesReceiversDropTheMessageIsOdd) {
+TEST(FrameDescriber, WhatMakesReceiversDropTheMessageIsOdd) {
   Bytes frame = joined(fromHex(ethernetHex), ip6Packet(fromHex("8601 0000 40 00 0708 00000000 00000000"), "fe"));
   frame[22] = 0x20;
   EXPECT_THAT(lastBlock(describeEthernetFrame(frame)).oddities,
@@ -187,14 +187,14 @@ TEST(FramePrinter, WhatMakesReceiversDropTheMessageIsOdd) {
                     Contains("the code is not 0; receivers drop the message")));
 }
 
-TEST(FramePrinter, AMessageThatIsTooShortIsOdd) {
+TEST(FrameDescriber, AMessageThatIsTooShortIsOdd) {
   FrameDescription const description =
       describeEthernetFrame(joined(fromHex(ethernetHex), ip6Packet(fromHex("8600 0000 4000"))));
   EXPECT_THAT(lastBlock(description).oddities,
               Contains("an advertisement has at least 16 octets; receivers drop the message"));
 }
 
-TEST(FramePrinter, APacketThatIsCutShortHasNoChecksumToCheck) {
+TEST(FrameDescriber, APacketThatIsCutShortHasNoChecksumToCheck) {
   Bytes frame = frameWith("0101020000000001");
   frame.resize(frame.size() - 4);
   EXPECT_THAT(textOf(frame), AllOf(HasSubstr("0xb7b5 (not checked: octets are missing)"),
@@ -207,8 +207,8 @@ struct OddityRow {
   char const* oddity;
   friend void PrintTo(OddityRow const& row, std::ostream* os) { *os << row.name; }
 };
-class FramePrinterOddity : public testing::TestWithParam<OddityRow> {};
-TEST_P(FramePrinterOddity, IsTold) {
+class FrameDescriberOddity : public testing::TestWithParam<OddityRow> {};
+TEST_P(FrameDescriberOddity, IsTold) {
   EXPECT_THAT(optionBlock(GetParam().options).oddities, ElementsAre(GetParam().oddity));
 }
 
@@ -251,15 +251,15 @@ OddityRow const oddityRows[] = {
     {"BootPaddingThatIsNotThere", "fd01 0008 00000000", "the padding length is not possible"},
     {"BootReserved", "fd02 0007 00000001 6100000000000000", "reserved1 is 0x01; senders leave it 0"},
 };
-INSTANTIATE_TEST_SUITE_P(Option, FramePrinterOddity, testing::ValuesIn(oddityRows));
+INSTANTIATE_TEST_SUITE_P(Option, FrameDescriberOddity, testing::ValuesIn(oddityRows));
 
-TEST(FramePrinter, AnMtuOptionOfAnotherLengthIsSpelledOut) {
+TEST(FrameDescriber, AnMtuOptionOfAnotherLengthIsSpelledOut) {
   EXPECT_THAT(lines(optionBlock("0502 0000 000005dc 0102030405060708")),
               ElementsAre("70 type: 5 (MTU)", "71 length: 2 (16 octets)", "72 reserved: 0", "74 mtu: 1500 octets",
                           "78 rest: 0102030405060708"));
 }
 
-TEST(FramePrinter, APrefixOptionThatIsTooLongIsSpelledOut) {
+TEST(FrameDescriber, APrefixOptionThatIsTooLongIsSpelledOut) {
   FrameBlock const block =
       optionBlock("0305 4180 00000002 00000001 00000000 20010db8000100000000000000000000 0102030405060708");
   EXPECT_THAT(lines(block), ElementsAre("70 type: 3 (Prefix Information)", "71 length: 5 (40 octets)",
@@ -269,7 +269,7 @@ TEST(FramePrinter, APrefixOptionThatIsTooLongIsSpelledOut) {
   EXPECT_THAT(block.oddities, ElementsAre("an option of this type has length 4"));
 }
 
-TEST(FramePrinter, APrefixOptionThatIsTooShortIsSpelledOutAsFarAsItGoes) {
+TEST(FrameDescriber, APrefixOptionThatIsTooShortIsSpelledOutAsFarAsItGoes) {
   EXPECT_THAT(lines(optionBlock("0301 40c0 00000002")),
               ElementsAre("70 type: 3 (Prefix Information)", "71 length: 1 (8 octets)", "72 prefix length: 64 bits",
                           "73 flags: 0xc0 on-link, autonomous", "74 valid lifetime: 2 s"));
@@ -279,7 +279,7 @@ TEST(FramePrinter, APrefixOptionThatIsTooShortIsSpelledOutAsFarAsItGoes) {
                           "82 reserved2: 0", "86 prefix: 20010db800010000"));
 }
 
-TEST(FramePrinter, AnOffsetThatWrapsIsTold) {
+TEST(FrameDescriber, AnOffsetThatWrapsIsTold) {
   Bytes options;
   while (options.size() < 65512) options = joined(options, fromHex("0101020000000001"));
   Bytes const message = joined(joined(fromHex(advertHex), options), fromHex("01020200000000"));
@@ -289,39 +289,39 @@ TEST(FramePrinter, AnOffsetThatWrapsIsTold) {
                                           "offsets have 16 bits: the parser goes on at octet 8 of the message"));
 }
 
-TEST(FramePrinter, AnOffsetThatDoesNotWrapIsNot) {
+TEST(FrameDescriber, AnOffsetThatDoesNotWrapIsNot) {
   EXPECT_THAT(optionBlock("01ff 000000000000").oddities,
               ElementsAre("the option passes the end of the message: 8 octets are left"));
 }
 
-TEST(FramePrinter, ARouteInformationOptionIsSpelledOut) {
+TEST(FrameDescriber, ARouteInformationOptionIsSpelledOut) {
   EXPECT_THAT(lines(optionBlock("1802 4008 ffffffff 20010db800000000")),
               ElementsAre("70 type: 24 (Route Information)", "71 length: 2 (16 octets)", "72 prefix length: 64 bits",
                           "73 flags: 0x08", "73 route preference: high (1)", "74 route lifetime: infinity",
                           "78 prefix: 2001:db8::/64"));
 }
 
-TEST(FramePrinter, ANetworkBootOptionIsSpelledOut) {
+TEST(FrameDescriber, ANetworkBootOptionIsSpelledOut) {
   EXPECT_THAT(lines(optionBlock("fd03 0003 00000000 746674703a2f2f61 2f626f6f74 000000")),
               ElementsAre("70 type: 253 (Network Boot)", "71 length: 3 (24 octets)", "72 padding length: 3",
                           "74 zero: 0", "76 reserved1: 0", "78 boot file url: tftp://a/boot", "91 padding: 000000"));
 }
 
-TEST(FramePrinter, AnUnknownOptionIsShownAsHex) {
+TEST(FrameDescriber, AnUnknownOptionIsShownAsHex) {
   FrameBlock const block = optionBlock("c803 000102030405060708090a0b0c0d0e0f10111213 1415");
   EXPECT_THAT(lines(block), ElementsAre("70 type: 200", "71 length: 3 (24 octets)",
                                         "72 data: 000102030405060708090a0b0c0d0e0f", "88 : 101112131415"));
   EXPECT_THAT(block.oddities, IsEmpty());
 }
 
-TEST(FramePrinter, AKnownOptionWithoutADescriptionHasItsName) {
+TEST(FrameDescriber, AKnownOptionWithoutADescriptionHasItsName) {
   EXPECT_EQ(optionBlock("0701 0000 000005dc").title, "Advertisement Interval option, RFC 6275 7.3");
 }
 
-TEST(FramePrinter, AnOrdinaryFrameHasNoOddities) {
+TEST(FrameDescriber, AnOrdinaryFrameHasNoOddities) {
   Bytes const frame =
       fromHex(ethernetHex + "6000000000103aff" + addressesHex + "8600 3527 40 00 0708 00000000 00000000");
-  EXPECT_FALSE(describeEthernetFrame(frame).hasOddities()) << textOf(frame);
+  EXPECT_THAT(textOf(frame), Not(HasSubstr("!")));
 }
 
 /// Every octet that is there belongs to exactly one block, whatever the octets are.
@@ -343,13 +343,13 @@ Bytes const& frameWithEverything() {
   return frame;
 }
 
-TEST(FramePrinter, EveryTruncationIsDescribedToItsLastOctet) {
+TEST(FrameDescriber, EveryTruncationIsDescribedToItsLastOctet) {
   for (std::size_t size = 0; size <= frameWithEverything().size(); ++size)
     expectAllOctetsDescribed(
         Bytes(frameWithEverything().begin(), frameWithEverything().begin() + static_cast<std::ptrdiff_t>(size)));
 }
 
-TEST(FramePrinter, EveryOctetMayHaveEveryValue) {
+TEST(FrameDescriber, EveryOctetMayHaveEveryValue) {
   for (std::size_t at = 0; at < frameWithEverything().size(); ++at)
     for (int value = 0; value < 256; ++value) {
       Bytes frame = frameWithEverything();
@@ -358,7 +358,7 @@ TEST(FramePrinter, EveryOctetMayHaveEveryValue) {
     }
 }
 
-TEST(FramePrinter, ControlCharactersDoNotReachTheTerminal) {
+TEST(FrameDescriber, ControlCharactersDoNotReachTheTerminal) {
   EXPECT_THAT(
       textOf(frameWith("fd02 0000 00000000 1b5b33316d000a07 1f02 0000 0000012c 031b5b6d00000000")),
       AllOf(Not(HasSubstr("\x1b")), Not(HasSubstr("\a")), HasSubstr("\\x1b[31m\\x00\\x0a\\x07"), HasSubstr("\\027[m")));

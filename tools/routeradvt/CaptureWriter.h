@@ -12,10 +12,10 @@ struct pcap_dumper;
 namespace Tool {
 
 /// A capture file of Ethernet frames that is being written.
-class CaptureFile {
+class CaptureWriter {
  public:
   /// Makes the file, or empties it. Throws `Failure` when that cannot be.
-  explicit CaptureFile(std::string const& fileName);
+  explicit CaptureWriter(std::string const& fileName);
 
   /// Appends a frame, with the time of now, and sees to it that it is written. Throws `Failure`.
   void add(std::span<Fwk::U8 const> frame);
