@@ -50,6 +50,20 @@ with tempfile.TemporaryDirectory() as folder:
     checks.equal("capture magic", octets[:4], b"\xd4\xc3\xb2\xa1")
     checks.equal("capture link type", octets[20:24], b"\x01\0\0\0")
     checks.equal("captured frame", octets[40:].hex(), frame)
+    piped = subprocess.run([PROGRAM, "build", EXAMPLE, "Ethernet1", "--write", "-"], capture_output=True, timeout=30,
+                           check=False)
+    checks.equal("capture on standard output: exit status, errors", (piped.returncode, piped.stderr), (0, b""))
+    checks.equal("capture on standard output", piped.stdout[40:].hex(), frame)
+    check("capture and hex on standard output", run("build", EXAMPLE, "Ethernet1", "--write", "-", "--hex"), 2, out="",
+          err="both mean standard output")
+    check("send's capture on standard output", run("send", EXAMPLE, "Ethernet1", "--via", "lo", "--write", "-"), 2, out="",
+          err="--write: a file is meant")
+
+    # A stream that is closed is not the next file that is opened.
+    closed = run("build", EXAMPLE, "Ethernet1", "--hex", "--write", capture, preexec_fn=lambda: os.close(1))
+    check("closed standard output", closed, 1, out="", err="the output could not be written")
+    with open(capture, "rb") as file:
+        checks.equal("capture beside a closed standard output", file.read()[40:].hex(), frame)
 
 if os.path.exists("/dev/full"):
     for argument in ("types", "--help", "--version"):

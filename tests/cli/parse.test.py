@@ -186,15 +186,15 @@ def check_errors():
     for name, octets in {"no capture": b"hello, this is no capture file", "empty": b"", "header cut": pcap([])[:20]}.items():
         result = parse(octets)
         checks.equal(name + ": exit status, output", (result.returncode, result.stdout), (1, ""))
-        checks.contains(name, result.stderr, ".pcap: ")
+        checks.contains(name, result.stderr, ".pcap: is no capture file that can be read: ")
     other = parse(pcap([], LINUX_COOKED))
     checks.equal("other link type: exit status", other.returncode, 1)
     checks.contains("other link type", other.stderr, "link type LINUX_SLL; Ethernet and raw IP can be read")
     missing = run("parse", "nowhere.pcap")
     checks.equal("missing file: exit status", missing.returncode, 1)
-    checks.contains("missing file", missing.stderr, "nowhere.pcap: ")
+    checks.contains("missing file", missing.stderr, "nowhere.pcap: cannot be opened: No such file or directory\n")
     odd_name = run("parse", "no\x1bwhere.pcap")
-    checks.contains("missing file, its name printable", odd_name.stderr, "no\\x1bwhere.pcap: ")
+    checks.contains("missing file, its name printable", odd_name.stderr, "no\\x1bwhere.pcap: cannot be opened: ")
     with tempfile.TemporaryDirectory() as folder:
         directory = run("parse", folder)
         checks.equal("directory: exit status, output", (directory.returncode, directory.stdout), (1, ""))

@@ -19,14 +19,17 @@ class BuildCommand final : public Command {
     CLI::App& app = *program.add_subcommand("build", "build one advertisement, and print it or write it to a file");
     options_.addTo(app);
     app.footer(
-        "Without --hex and --write the frame is printed field by field, with the offset of each.\n\n"
+        "Without --hex and --write the frame is printed field by field, with the offset of each. Warnings,\n"
+        "on standard error, are about what is not sent as it is written, or is not heeded by receivers.\n\n"
         "  routeradvt build office.yaml Ethernet1\n"
         "  routeradvt build office.yaml Ethernet1 --write ra.pcap\n"
+        "  routeradvt build office.yaml Ethernet1 --write - | tcpdump -vr -\n"
         "  routeradvt build office.yaml Ethernet1 --death --hex");
     return app;
   }
 
   void run(Console& console) override {
+    if (options_.hex && options_.write == "-") throw UsageError("--hex and --write - both mean standard output");
     ConfigFile const file = loadConfigFileOrFail(options_.file);
     Advert const advert = makeAdvert(file, options_);
     printAdvertWarnings(console.err, file, advert);

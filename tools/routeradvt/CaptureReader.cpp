@@ -6,22 +6,18 @@
 #include <pcap/pcap.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 namespace Tool {
 
 namespace {
 
-pcap_t* openCapture(std::string const& fileName, char* error) {
-  return fileName == "-" ? pcap_fopen_offline(stdin, error) : pcap_open_offline(fileName.c_str(), error);
-}
-
-/// libpcap begins some of its messages with the name of the file, and others not. What there is in them of the file is
-/// not fit to be shown as it stands.
-std::string withFileName(std::string const& fileName, std::string_view message) {
-  std::string const name = fileName + ": ";
-  if (message.starts_with(name)) message.remove_prefix(name.size());
-  return printable(name) + printable(message);
+std::FILE* openFile(std::string const& fileName) {
+  if (fileName == "-") return stdin;
+  if (std::FILE* const file = std::fopen(fileName.c_str(), "rbe")) return file;
+  throw Failure(printable(fileName) + ": cannot be opened: " + std::strerror(errno));
 }
 
 }  // namespace
@@ -29,9 +25,13 @@ std::string withFileName(std::string const& fileName, std::string_view message) 
 void CaptureReader::Close::operator()(pcap* handle) const { pcap_close(handle); }
 
 CaptureReader::CaptureReader(std::string const& fileName) : fileName_(fileName == "-" ? "standard input" : fileName) {
+  std::FILE* const file = openFile(fileName);
   std::array<char, PCAP_ERRBUF_SIZE> error{};
-  handle_.reset(openCapture(fileName, error.data()));
-  if (!handle_) throw Failure(withFileName(fileName_, error.data()));
+  handle_.reset(pcap_fopen_offline(file, error.data()));
+  if (!handle_) {
+    if (file != stdin) std::fclose(file);
+    throw Failure(printable(fileName_) + ": is no capture file that can be read: " + printable(error.data()));
+  }
   int const linkType = pcap_datalink(handle_.get());
   isEthernet_ = linkType == DLT_EN10MB;
   if (isEthernet_ || linkType == DLT_RAW || linkType == DLT_IPV6) return;

@@ -31,10 +31,12 @@ class NeighborsCommand final : public Command {
     app.add_flag("--watch", watch_, "go on, and show the table again whenever it changes");
     app.add_flag("--json", json_, "one JSON object; with --watch one a change, a line each");
     addValueOption(app, "--intf", intf_, "NAME", "only this interface");
-    app.add_option("--sort", sort_, "by interface (intf) or by the latest advertisement (age)")
+    app.add_option("--sort", sort_, "by interface (intf), or the latest advertisement first (age)")
         ->type_name("KEY")
         ->default_str("intf")
-        ->check(CLI::IsMember({"intf", "age"}).description(""));
+        ->check([](std::string const& key) {
+          return key == "intf" || key == "age" ? std::string() : inQuotes(key) + " is neither intf nor age";
+        });
     namesA("user", app.add_option("--owner", owner_, "whose the table may be, besides root's and your own"))
         ->type_name("USER");
     app.footer(

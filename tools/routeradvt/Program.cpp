@@ -46,11 +46,14 @@ std::string optionHint(CLI::App const& app, std::string const& name) {
   return nearestNameHint(name, {names.begin(), names.end()});
 }
 
-/// About the first argument that looks like an option and is none; empty: there is no such argument.
-std::string unknownOption(CLI::App const& app) {
+/// About the first argument to `app` that looks like an option and is none; empty: there is no such argument.
+/// `command`: the one that was asked for, or `app` itself.
+std::string unknownOption(CLI::App const& app, CLI::App const& command) {
   for (std::string const& argument : app.remaining())
     if (argument.size() > 1 && argument.starts_with('-') && argument != "--") {
       std::string const name = argument.substr(0, argument.find('='));
+      if (&app != &command && command.get_option_no_throw(name))
+        return inQuotes(name) + " is an option of " + command.get_name() + ", and goes behind it";
       return "there is no option " + inQuotes(name) + optionHint(app, name);
     }
   return {};
@@ -60,12 +63,14 @@ std::string unknownOption(CLI::App const& app) {
 std::string usageText(CLI::App const& program, CLI::App const& app, CLI::ParseError const& error) {
   // It may be why something else is missing, so it comes first.
   for (CLI::App const* const holder : {&program, &app})
-    if (std::string text = unknownOption(*holder); !text.empty()) return text;
+    if (std::string text = unknownOption(*holder, app); !text.empty()) return text;
   std::string const text = error.what();
   auto const is = [&](CLI::ExitCodes code) { return error.get_exit_code() == static_cast<int>(code); };
   if (is(CLI::ExitCodes::ExtrasError))
     for (std::string const& argument : program.remaining(true))
       if (argument != "--") return inQuotes(argument) + " is one argument too many";
+  if (is(CLI::ExitCodes::ConversionError))  // only of a flag: the values of options are converted here
+    return text.substr(text.find(": ") + 2) + ": no value is meant";
   if (is(CLI::ExitCodes::ArgumentMismatch))
     return text.substr(0, text.find(':')) + ": one value is meant, and the option once";
   if (!is(CLI::ExitCodes::RequiredError) || &program != &app) return text;
@@ -94,7 +99,7 @@ void configure(CLI::App& program) {
   program.set_version_flag("--version", std::string(programName) + ' ' + ROUTERADVT_VERSION, "print the version");
   program.require_subcommand(1);
   program.footer(
-      "'routeradvt COMMAND --help' explains a command.\n"
+      "'routeradvt COMMAND --help' explains a command, 'man routeradvt' the configuration file too.\n"
       "Exit status: 0 success, 1 failed, 2 wrong usage.");
 }
 

@@ -4,6 +4,7 @@
 #include <tools/routeradvt/NumberOption.h>
 #include <tools/routeradvt/ServedModel.h>
 #include <tools/routeradvt/StopSignals.h>
+#include <tools/routeradvt/Text.h>
 #include <tools/routeradvt/ValueOption.h>
 
 #include <CLI/CLI.hpp>
@@ -73,10 +74,10 @@ class Service {
       case ServedModel::Reload::unchanged:
         return;
       case ServedModel::Reload::applied:
-        console_.out << "reloaded " << fileName_ << std::endl;
+        console_.out << "reloaded " << printable(fileName_) << std::endl;
         return capture();
       case ServedModel::Reload::refused:
-        console_.err << fileName_ << ": what is served stays as it was" << std::endl;
+        console_.err << printable(fileName_) << ": what is served stays as it was" << std::endl;
     }
   }
 
@@ -142,7 +143,7 @@ class ServeCommand final : public Command {
     auto const poll = std::chrono::duration_cast<std::chrono::milliseconds>(
         std::chrono::duration<double>(poll_.value_or(pollDefault)));
     Service service(context, fileName_, model, poll, console);
-    console.out << "serving " << fileName_ << " on " << socketPath_ << std::endl;
+    console.out << "serving " << printable(fileName_) << " on " << printable(socketPath_) << std::endl;
     context.run();
   }
 

@@ -26,8 +26,9 @@ class ShowCommand final : public Command {
     namesA("interface", app.add_option("INTF", intf_, "only this interface"));
     app.add_flag("--json", json_, "one JSON object");
     app.footer(
-        "Everything that can be configured is shown, defaults too. 'effective' is what the model makes of a "
-        "value,\nwith the prefix's profile applied. Warnings are about what is not sent as it is written.\n\n"
+        "Everything that can be configured is shown, defaults too. 'effective' is what the model makes of a\n"
+        "value, with the prefix's profile applied. Warnings are about what is not sent as it is written, or\n"
+        "is not heeded by receivers.\n\n"
         "  routeradvt show office.yaml\n"
         "  routeradvt show office.yaml Ethernet1");
     return app;

@@ -59,7 +59,11 @@ class TypesCommand final : public Command {
   CLI::App& addTo(CLI::App& program) override {
     CLI::App& app = *program.add_subcommand("types", "list the model's types, or the attributes of one");
     namesA("type", app.add_option("NAME", name_, "type, with or without its namespace"));
-    app.footer("  routeradvt types\n  routeradvt types IntfConfig");
+    app.footer(
+        "A configuration file sets what is 'settable', and the members of collections that are configured;\n"
+        "it begins with the type Config. Numbers are those under which the model reflects and notifies.\n\n"
+        "  routeradvt types\n"
+        "  routeradvt types IntfConfig");
     return app;
   }
 
