@@ -64,11 +64,14 @@ install:
 	$(call build,release,RouterPlatform Ipv6RouterAdvt routeradvt)
 	cmake --install build/release --prefix $(PREFIX)
 
-docs check-docs:
+docs:
 	@scripts/setup docs
 	@mkdir -p build/docs
 	{ cat docs/Doxyfile; echo EXCLUDE = $$(cat */internal-headers.txt); } | doxygen -
 	@echo "the reference is build/docs/html/index.html"
+
+check-docs: docs
+	scripts/check-docs
 
 deb:
 	@scripts/setup deb
@@ -80,7 +83,7 @@ deb:
 
 ## The stages of make check, each of which runs on its own:
 ## check-format        every source is formatted
-## check-docs          the reference of the public headers is made without a warning
+## check-docs          the reference of the public headers is made without a warning, and what documents name is there
 ## check-install       what is installed can be built against, by CMake and by pkg-config
 ## check-deb           the Debian packages, looked at, installed and used in a clean root
 ## check-bench         the benchmarks run

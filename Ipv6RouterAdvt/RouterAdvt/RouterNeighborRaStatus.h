@@ -101,8 +101,10 @@ class ROUTER_ADVT_EXPORT RouterNeighborRaStatus final : public Fwk::Entity {
   Stats::Counter& notified_;
 };
 
+/// The rows of the table, for reading; used while the entity lives, by its thread.
 class RouterNeighborRaStatus::Rows {
  public:
+  /// A row under its key, as a walk gives it.
   struct Entry {
     RouterNeighborRaKey key;
     RouterNeighborRa value;

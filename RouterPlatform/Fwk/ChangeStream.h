@@ -90,6 +90,7 @@ class ROUTER_PLATFORM_EXPORT Writer {
   std::unique_ptr<Impl> impl_;
 };
 
+/// What a stream that cannot be read on suffers from.
 enum class ReadErrorKind : U8 {
   none,
   malformed,     ///< not what a writer writes
@@ -110,6 +111,7 @@ struct ReadError {
 
 using AttributePredicate = std::function<bool(AttributeRecord const&)>;
 
+/// What a reader takes, and how it takes it.
 struct ReaderOptions {
   /// Octets of a record that are waited for; a writer's records are as large as the values in them.
   std::size_t maxRecordSize = std::size_t{16} << 20;

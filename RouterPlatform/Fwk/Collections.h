@@ -27,6 +27,7 @@ class EntityCollection {
  public:
   using Key = K;
   using Member = T;
+  /// A member, as a walk gives it.
   struct Entry {
     explicit Entry(Ptr<T> const& member) noexcept : key(member->key()), value(member) {}
     K const& key;  ///< the member's, so it lives as long as `value`
@@ -91,6 +92,7 @@ class EntityCollection {
   /// The members as plain references, for a reader during whose walk nothing changes: no counting, nothing registered.
   class Frozen {
    public:
+    /// Stands at a member; ends with the collection's next change.
     class Iterator {
      public:
       using iterator_category = std::forward_iterator_tag;

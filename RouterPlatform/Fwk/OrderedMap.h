@@ -14,6 +14,7 @@ inline constexpr U32 defaultIndexAbove = 8;
 template <class K, class V, U32 inlineRoom = 0, U32 indexAboveMembers = defaultIndexAbove>
 class OrderedMap {
  public:
+  /// A key with its value, as a walk gives them.
   struct Entry {
     K key;
     V value;

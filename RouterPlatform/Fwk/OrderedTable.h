@@ -24,6 +24,7 @@ struct OrderedSlot {
   static Element const& get(Type const& slot) noexcept { return *slot; }
   static void empty(Type& slot) noexcept { slot.reset(); }
 };
+/// Of a pointer, which has an empty value of its own.
 template <class T>
 struct OrderedSlot<Ptr<T>> {
   using Type = Ptr<T>;
@@ -50,6 +51,7 @@ struct OrderedRoom {
   Slot* slots() noexcept { return reinterpret_cast<Slot*>(octets); }
   alignas(Slot) std::byte octets[capacity * sizeof(Slot)];
 };
+/// No room.
 template <class Slot>
 struct OrderedRoom<Slot, 0> {
   Slot* slots() noexcept { return nullptr; }

@@ -112,6 +112,7 @@ bool takeWhole(std::span<U8 const> octets, T& value) {
   return StreamCodec<T>::take(in, value) && in.atEnd();
 }
 
+/// An octet, 0 or 1.
 template <>
 struct StreamCodec<bool> {
   static void put(OctetSink& out, bool value) { out.octet(value ? 1 : 0); }
@@ -177,6 +178,7 @@ struct StreamCodec<double> {
   }
 };
 
+/// A block with the octets of the text.
 template <>
 struct StreamCodec<String> {
   static void put(OctetSink& out, String const& value) {

@@ -44,6 +44,7 @@ struct TextCodec {
   }
 };
 
+/// `true` or `false`.
 template <>
 struct TextCodec<bool> {
   static constexpr char const* typeName = "bool";
@@ -86,6 +87,7 @@ struct TextCodec<T> {
   }
 };
 
+/// Printed as the shortest text that reads back to the number.
 template <>
 struct TextCodec<double> {
   static constexpr char const* typeName = "double";
@@ -101,6 +103,7 @@ struct TextCodec<double> {
   }
 };
 
+/// The text itself.
 template <>
 struct TextCodec<String> {
   static constexpr char const* typeName = "String";

@@ -84,6 +84,7 @@ struct ConstObjectRef {
   void const* object = nullptr;
   TypeRecord const* type = nullptr;
 };
+/// The same, of an object that may be changed.
 struct ObjectRef {
   void* object = nullptr;
   TypeRecord const* type = nullptr;

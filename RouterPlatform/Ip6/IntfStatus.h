@@ -22,8 +22,11 @@ class ROUTER_PLATFORM_EXPORT IntfStatus final : public Fwk::Entity {
 
   /// The interface's addresses with their mask lengths, link-local ones included, in the order in which they came.
   auto const& addr() const { return addr_; }
+  /// Whether the interface has the address, mask length included.
   bool addr(Net::Ip6AddrWithMask const& address) const { return addr_.member(address); }
+  /// Adds the address and notifies with it; nobody is notified when it is there already.
   void addrIs(Net::Ip6AddrWithMask const& address) { addr_.memberIs(address); }
+  /// Removes the address and notifies with it; returns whether it was there, without which nobody is notified.
   bool addrDel(Net::Ip6AddrWithMask const& address) { return addr_.memberDel(address); }
   void addrDelAll() { addr_.memberDelAll(); }
 

@@ -23,8 +23,11 @@ class ROUTER_PLATFORM_EXPORT VirtualRouterStatusV6 final : public Fwk::Entity {
 
   /// Prefixes to advertise, host bits as they are, in the order in which they came.
   auto const& prefix() const { return prefix_; }
+  /// Whether the prefix is there, host bits included.
   bool prefix(Net::Ip6AddrWithMask const& key) const { return prefix_.member(key); }
+  /// Adds the prefix and notifies with it; nobody is notified when it is there already.
   void prefixIs(Net::Ip6AddrWithMask const& key) { prefix_.memberIs(key); }
+  /// Removes the prefix and notifies with it; returns whether it was there, without which nobody is notified.
   bool prefixDel(Net::Ip6AddrWithMask const& key) { return prefix_.memberDel(key); }
   void prefixDelAll() { prefix_.memberDelAll(); }
 

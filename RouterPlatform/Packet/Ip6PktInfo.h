@@ -34,6 +34,7 @@ class ROUTER_PLATFORM_EXPORT Ip6PktInfo final : public Fwk::PtrInterface<Ip6PktI
     noPacket,         ///< the packet manager had no packet to give
   };
 
+  /// A descriptor, or why there is none.
   struct Result {
     Fwk::Ptr<Ip6PktInfo> info;  ///< null unless `reason` is `none`
     Reason reason = Reason::none;

@@ -21,6 +21,7 @@ enum class Errc : U8 {
   system         ///< a system call failed
 };
 
+/// What came of mounting or attaching a table: nothing, or what went wrong.
 struct [[nodiscard]] Error {
   Errc code = Errc::ok;
   int systemError = 0;  ///< errno of the call that failed, or 0

@@ -15,6 +15,7 @@
 
 namespace SharedTable {
 
+/// Whom a reader trusts, and where it looks.
 struct ReaderOptions {
   std::optional<uid_t> owner;  ///< who may own the table, besides root and this process's user
   std::string directory;       ///< empty: $SHARED_TABLE_DIR, or /dev/shm/router-shared-tables
@@ -48,6 +49,7 @@ class ROUTER_PLATFORM_EXPORT ReaderBase {
   /// Maps the table that has the name now, read-only. On an error, which says whether there is none, or it is not to be
   /// trusted, damaged, or of another layout, nothing is attached.
   Error attach();
+  /// Unmaps the table, if one is attached.
   void detach() noexcept;
   bool attached() const noexcept;
   /// Why the last attempt to attach failed, those of `wait` included; none if it did not.
@@ -67,6 +69,7 @@ class ROUTER_PLATFORM_EXPORT ReaderBase {
   /// and ends too when there is another reason than before why none can be attached.
   WaitResult wait(U64 seen, std::chrono::milliseconds timeout);
 
+  /// Of the table's file, whether there is one or not.
   std::string const& path() const noexcept { return path_; }
   View const& view() const noexcept;
 

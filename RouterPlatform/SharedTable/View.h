@@ -11,6 +11,7 @@
 
 namespace SharedTable {
 
+/// What became of a lookup.
 enum class LookupStatus : U8 {
   found,
   missing,

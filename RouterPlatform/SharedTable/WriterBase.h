@@ -18,6 +18,7 @@ namespace SharedTable {
 class WriterCore;
 class Publication;
 
+/// Whether other processes can read a writer's rows.
 enum class MountStatus : U8 {
   unmounted,  ///< the rows are this process's own
   mounted,    ///< the rows stand in a file that other processes read
@@ -27,6 +28,7 @@ ROUTER_PLATFORM_EXPORT void appendText(std::string& out, MountStatus status);
 ROUTER_PLATFORM_EXPORT bool parseText(std::string_view text, MountStatus& status) noexcept;
 constexpr char const* textTypeNameOf(MountStatus) noexcept { return "SharedTable::MountStatus"; }
 
+/// How large a table may become, and who may read it where.
 struct WriterOptions {
   Capacity capacity;
   mode_t mode = 0644;     ///< of the file; nobody but the owner gets to write it, whatever is asked for
@@ -65,6 +67,7 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
 
   /// Rows now.
   U32 count() const noexcept;
+  /// Rows that the table can hold: the `Capacity` it was made with.
   U32 maxRows() const noexcept;
   /// Changes since the table was mounted or unmounted last.
   U64 changeCount() const noexcept;
@@ -77,6 +80,7 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
   WriterCore& core() noexcept { return *core_; }
 
  protected:
+  /// `Writer::Callbacks`, with the key as octets.
   struct BaseCallbacks {
     std::function<void(void const* key)> rowChanged;
     std::function<void()> mountStatus;
