@@ -152,8 +152,9 @@ TEST_F(DamagedTable, AnIndexWithoutAnEndHoldsNobodyUp) {
 }
 
 TEST_F(DamagedTable, AnIndexWhoseEmptyBucketsComeAndGoIsNotTakenForOneWithoutAnEnd) {
-  // What a busy writer may make of the smallest index, only faster: one bucket is empty, and each change makes it
-  // another one, so that a look at all of them often meets none.
+  // What a busy writer may make of the smallest index, only faster: one bucket is empty, then another one is too, then
+  // only that one, so that a look at all of them often meets none. As a writer's, each change is of one bucket and
+  // counted.
   std::byte* const base = writer_.core().memory().base();
   auto const bucket = [&](U64 number) -> std::atomic<U64>& {
     return *reinterpret_cast<std::atomic<U64>*>(base + geometry().bucketOffset(0, number));
@@ -164,14 +165,17 @@ TEST_F(DamagedTable, AnIndexWhoseEmptyBucketsComeAndGoIsNotTakenForOneWithoutAnE
   bucket(0) = 0;
   std::atomic<bool> stop{false};
   std::thread mover([&] {
+    auto const change = [&](U64 number, U64 word) {
+      bucket(number).store(word, std::memory_order_release);
+      changeCount.fetch_add(1, std::memory_order_release);
+    };
     U64 empty = 0;
     for (U64 random = 1; !stop;) {
       random = random * 6364136223846793005U + 1442695040888963407U;
       U64 const next = random >> 60;
       if (next == empty) continue;
-      bucket(next).store(0, std::memory_order_release);
-      bucket(empty).store(tombstone, std::memory_order_release);
-      changeCount.fetch_add(1, std::memory_order_release);
+      change(next, 0);
+      change(empty, tombstone);
       empty = next;
     }
   });
