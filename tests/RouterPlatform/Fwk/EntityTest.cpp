@@ -112,10 +112,10 @@ TEST(EntityVtable, ACallThroughEachPlainSlotReachesItsOperation) {
 }
 
 TEST(EntityVtable, TheDestructorsStandInTheFifthAndSixthSlot) {
+  Witness::calls.clear();
   Witness::calls.reserve(8);  // so that only the object itself is allocated and released below
   std::size_t const before = liveAllocationCount();
   auto* const object = new Witness;
-  Witness::calls.clear();
   callPlain(object, 4);
   EXPECT_EQ(liveAllocationCount(), before + 1);  // destroyed, and its storage still there
   new (object) Witness;
