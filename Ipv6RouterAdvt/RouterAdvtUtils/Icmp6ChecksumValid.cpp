@@ -11,11 +11,8 @@ bool icmp6ChecksumValid(Ptr<Ip6PktInfo> const& pktInfo) {
            "bool RouterAdvt::icmp6ChecksumValid(const Ptr&)");
   Pkt& pkt = *pktInfo->packet();
   Icmp6Hdr& icmp6Hdr = *pkt.icmp6Hdr();
-  Net::Icmp6PseudoHdr const pseudoHdr{.sourceAddress = pktInfo->sourceAddr().octets(),
-                                      .destinationAddress = pktInfo->destAddr().octets(),
-                                      .upperLayerPacketLength = static_cast<U32>(pkt.icmp6MsgLen()),
-                                      .zero = {},
-                                      .nextHeader = Net::Ip6NextHeader::icmp6};
+  auto const pseudoHdr = Net::Icmp6PseudoHdr::of(pktInfo->sourceAddr().octets(), pktInfo->destAddr().octets(),
+                                                 static_cast<U32>(pkt.icmp6MsgLen()));
   IpChecksum const received(icmp6Hdr.checksum);
   icmp6Hdr.checksum = 0;
   IpChecksum const computed = icmp6Hdr.computedChecksum(pseudoHdr);

@@ -15,6 +15,16 @@ struct Icmp6PseudoHdr {
   NetU32 upperLayerPacketLength;  ///< octets of the message
   std::array<U8, 3> zero;
   NetU8 nextHeader;
+
+  /// That of an ICMPv6 message of `length` octets.
+  static Icmp6PseudoHdr of(std::array<U8, 16> const& source, std::array<U8, 16> const& destination,
+                           U32 length) noexcept {
+    return {.sourceAddress = source,
+            .destinationAddress = destination,
+            .upperLayerPacketLength = length,
+            .zero = {},
+            .nextHeader = Ip6NextHeader::icmp6};
+  }
 };
 static_assert(sizeof(Icmp6PseudoHdr) == 40 && alignof(Icmp6PseudoHdr) == 1);
 

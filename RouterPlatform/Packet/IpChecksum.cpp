@@ -24,24 +24,9 @@ struct LaneSums {
   }
 };
 
-struct WordSums {
-  U64& words;
-  U64& highHalves;
-
-  /// Adds `size` octets as a word; those that are missing to 8 count as zero.
-  template <std::size_t size>
-  void add(U8 const*& at) noexcept {
-    U64 word = 0;
-    std::memcpy(&word, at, size);
-    words += word;
-    highHalves += word >> 32;
-    at += size;
-  }
-};
-
 }  // namespace
 
-void IpChecksumAccumulator::add(void const* data, std::size_t size) noexcept {
+IpChecksumAccumulator::Sums IpChecksumAccumulator::sumsOf(void const* data, std::size_t size) noexcept {
   auto const* at = static_cast<U8 const*>(data);
   LaneSums even, odd;
   for (std::size_t blocks = size / 64; blocks > 0; --blocks, at += 64) {
@@ -61,14 +46,16 @@ void IpChecksumAccumulator::add(void const* data, std::size_t size) noexcept {
   }
   Lanes const words = even.words + odd.words;
   Lanes const highHalves = even.highHalves + odd.highHalves;
-  words_ += words[0] + words[1];
-  highHalves_ += highHalves[0] + highHalves[1];
+  Sums sums{words[0] + words[1], highHalves[0] + highHalves[1]};
 
-  WordSums rest{words_, highHalves_};
-  if (size & 8) rest.add<8>(at);
-  if (size & 4) rest.add<4>(at);
-  if (size & 2) rest.add<2>(at);
-  if (size & 1) rest.add<1>(at);
+  if (size & 8) sums.addWord<8>(at);
+  at += size & 8;
+  if (size & 4) sums.addWord<4>(at);
+  at += size & 4;
+  if (size & 2) sums.addWord<2>(at);
+  at += size & 2;
+  if (size & 1) sums.addWord<1>(at);
+  return sums;
 }
 
 }  // namespace Net

@@ -37,7 +37,7 @@ void Pkt::growFor(U64 headData) {
   start_ = start;
 }
 
-U8* Pkt::reserveUninitialized(U64 count) {
+U8* Pkt::reserveHeadDataUninitialized(U64 count) {
   ASSERT_AT(count <= maxSize && size_ <= maxSize - count, Trace::Location::here());
   if (headRoom() < count || tailRoom() < minTailRoom) growFor(count);
   start_ -= count;
@@ -49,7 +49,7 @@ U8* Pkt::reserveUninitialized(U64 count) {
 }
 
 U8* Pkt::reserveHeadData(U64 count) {
-  U8* const head = reserveUninitialized(count);
+  U8* const head = reserveHeadDataUninitialized(count);
   std::memset(head, 0, count);
   return head;
 }
@@ -68,21 +68,8 @@ void Pkt::trimTailData(Fwk::S64 count) {
 
 void Pkt::dataIs(std::span<U8 const> octets) {
   reset();
-  U8* const copy = reserveUninitialized(octets.size());
+  U8* const copy = reserveHeadDataUninitialized(octets.size());
   if (!octets.empty()) std::memcpy(copy, octets.data(), octets.size());
-}
-
-void Pkt::ip6HdrOffsetIs(U64 offset) {
-  checkInside(offset, sizeof(Ip6Hdr));
-  ip6Offset_ = offset;
-  ip6Located_ = true;
-}
-
-void Pkt::icmp6MsgIs(U64 offset, U64 length) {
-  ASSERT_AT(length >= sizeof(Icmp6Hdr), Trace::Location::here());
-  checkInside(offset, length);
-  icmp6Offset_ = offset;
-  icmp6Length_ = length;
 }
 
 void Pkt::forgetHeadersOutside() noexcept {
@@ -92,10 +79,6 @@ void Pkt::forgetHeadersOutside() noexcept {
     icmp6Length_ = size_ - icmp6Offset_;
   else
     icmp6Offset_ = icmp6Length_ = 0;
-}
-
-void Pkt::checkInside(U64 offset, U64 length) const noexcept {
-  ASSERT_AT(offset <= size_ && length <= size_ - offset, Trace::Location::here());
 }
 
 }  // namespace Net

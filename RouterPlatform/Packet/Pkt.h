@@ -5,6 +5,7 @@
 #include <RouterPlatform/Packet/Icmp6Hdr.h>
 #include <RouterPlatform/Packet/Ip6Hdr.h>
 #include <RouterPlatform/Packet/NetInt.h>
+#include <RouterPlatform/Trace/Assert.h>
 
 #include <memory>
 #include <span>
@@ -35,6 +36,8 @@ class ROUTER_PLATFORM_EXPORT Pkt final : public Fwk::PtrInterface<Pkt> {
   /// Puts `count` zero octets before the data and returns the new first one. At least `minTailRoom` octets behind the
   /// data are zero then. Moves to another buffer when this one lacks room: earlier pointers into it end.
   U8* reserveHeadData(U64 count);
+  /// The same for a caller who writes every octet that stays: those before the data are as the buffer held them.
+  U8* reserveHeadDataUninitialized(U64 count);
 
   /// Takes `count` octets off the end of the data. A negative count takes the first octets of the tail room in, as they
   /// are; more than the room holds, or more than there are, is a programming error. A message that loses octets is so
@@ -53,12 +56,21 @@ class ROUTER_PLATFORM_EXPORT Pkt final : public Fwk::PtrInterface<Pkt> {
   }
 
   /// Where the IPv6 header begins. It must lie inside the data.
-  void ip6HdrOffsetIs(U64 offset);
+  void ip6HdrOffsetIs(U64 offset) {
+    checkInside(offset, sizeof(Ip6Hdr));
+    ip6Offset_ = offset;
+    ip6Located_ = true;
+  }
   /// The IPv6 header, or null when none is located.
   Ip6Hdr* ip6Hdr() noexcept { return ip6Located_ ? reinterpret_cast<Ip6Hdr*>(data() + ip6Offset_) : nullptr; }
 
   /// Where the ICMPv6 message lies. All of it must lie inside the data, and it has a header at least.
-  void icmp6MsgIs(U64 offset, U64 length);
+  void icmp6MsgIs(U64 offset, U64 length) {
+    ASSERT_AT(length >= sizeof(Icmp6Hdr), Trace::Location::here());
+    checkInside(offset, length);
+    icmp6Offset_ = offset;
+    icmp6Length_ = length;
+  }
   /// The ICMPv6 message from its Type octet on. Never null: when none is located this is the start of the data, and the
   /// octets of a header are there, whatever they hold.
   Icmp6Hdr* icmp6Hdr() noexcept { return reinterpret_cast<Icmp6Hdr*>(data() + icmp6Offset_); }
@@ -74,10 +86,10 @@ class ROUTER_PLATFORM_EXPORT Pkt final : public Fwk::PtrInterface<Pkt> {
   ~Pkt() = default;
   void onZeroReferences() noexcept;
   void reset() noexcept;
-  void growFor(U64 headData);
-  U8* reserveUninitialized(U64 count);
-  void checkInside(U64 offset, U64 length) const noexcept;
-
+  [[gnu::cold]] void growFor(U64 headData);
+  void checkInside(U64 offset, U64 length) const noexcept {
+    ASSERT_AT(offset <= size_ && length <= size_ - offset, Trace::Location::here());
+  }
   void forgetHeadersOutside() noexcept;
 
   // Kept: start_ + size_ <= capacity_ and start_ + minTailRoom <= capacity_; located headers lie inside the data.

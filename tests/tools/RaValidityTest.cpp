@@ -36,11 +36,8 @@ std::string invalidityOf(Arrival const& arrival) {
   Net::Icmp6Hdr& header = *info->packet()->icmp6Hdr();
   header.checksum = 0;
   U16 const right = header
-                        .computedChecksum({.sourceAddress = info->sourceAddr().octets(),
-                                           .destinationAddress = raDest.octets(),
-                                           .upperLayerPacketLength = static_cast<Fwk::U32>(message.size()),
-                                           .zero = {},
-                                           .nextHeader = Net::Ip6NextHeader::icmp6})
+                        .computedChecksum(Net::Icmp6PseudoHdr::of(info->sourceAddr().octets(), raDest.octets(),
+                                                                  static_cast<Fwk::U32>(message.size())))
                         .field();
   header.checksum = static_cast<U16>(right ^ arrival.wrong);
   return raInvalidity(info);

@@ -107,12 +107,8 @@ std::string checksumText(BlockWriter& block, Octets const& message, Net::Icmp6Hd
   std::string const text = hexText(icmp6.checksum, 4);
   if (!envelope.complete) return text + " (not checked: octets are missing)";
   Net::IpChecksumAccumulator sum;
-  Net::Icmp6PseudoHdr pseudo{};
-  pseudo.sourceAddress = envelope.header.sourceAddress;
-  pseudo.destinationAddress = envelope.header.destinationAddress;
-  pseudo.upperLayerPacketLength = static_cast<U32>(message.size());
-  pseudo.nextHeader = Net::Ip6NextHeader::icmp6;
-  sum.add(&pseudo, sizeof pseudo);
+  sum.add(Net::Icmp6PseudoHdr::of(envelope.header.sourceAddress, envelope.header.destinationAddress,
+                                  static_cast<U32>(message.size())));
   Net::Icmp6Hdr zeroed = icmp6;
   zeroed.checksum = U16{0};
   sum.add(&zeroed, sizeof zeroed);

@@ -79,6 +79,14 @@ TEST(IpChecksum, PiecesAddUp) {
   EXPECT_EQ(sum.result().field(), checksumByDefinition(octets));
 }
 
+TEST(IpChecksum, AHeaderAddsItsOctets) {
+  std::array<U8, 24> header;
+  for (std::size_t i = 0; i < header.size(); ++i) header[i] = static_cast<U8>(i * 53);
+  IpChecksumAccumulator sum;
+  sum.add(header);
+  EXPECT_EQ(sum.result().field(), checksumOf(header.data(), header.size()));
+}
+
 TEST(IpChecksum, EqualsTheSameFieldOnly) {
   EXPECT_EQ(IpChecksum(NetU16(0x1234)), IpChecksum(NetU16(0x1234)));
   EXPECT_FALSE(IpChecksum(NetU16(0)) == IpChecksum(NetU16(0xffff)));
@@ -101,11 +109,7 @@ struct Solicitation {
 
 TEST(Icmp6Hdr, ComputesTheChecksumOverPseudoHeaderAndMessage) {
   Solicitation packet;
-  Icmp6PseudoHdr pseudo{};
-  pseudo.sourceAddress = packet.ip6.sourceAddress;
-  pseudo.destinationAddress = packet.ip6.destinationAddress;
-  pseudo.upperLayerPacketLength = 16;
-  pseudo.nextHeader = 58;
+  auto const pseudo = Icmp6PseudoHdr::of(packet.ip6.sourceAddress, packet.ip6.destinationAddress, 16);
   EXPECT_EQ(packet.icmp6().computedChecksum(pseudo).field(), Solicitation::checksum);
 }
 

@@ -24,6 +24,13 @@ class PktTest : public testing::Test {
     pkt->dataIs(octets);
     return pkt;
   }
+  /// The next packet gets a buffer full of 0xee.
+  void recycleDirty() {
+    auto const dirty = manager_.newPkt();
+    dirty->reserveHeadData(PktManager::newPktCapacity - Pkt::minTailRoom);
+    dirty->trimTailData(-16);
+    std::memset(dirty->data(), 0xee, dirty->size());
+  }
   static std::span<U8 const> tail(Pkt const& pkt) { return {pkt.data() + pkt.size(), Pkt::minTailRoom}; }
 
   PktManager manager_;
@@ -54,15 +61,20 @@ TEST_F(PktTest, KeepsZeroTailRoomBehindAReservation) {
 }
 
 TEST_F(PktTest, ZeroesWhatARecycledBufferHeld) {
-  {
-    auto const dirty = manager_.newPkt();
-    dirty->reserveHeadData(PktManager::newPktCapacity - Pkt::minTailRoom);
-    dirty->trimTailData(-16);
-    std::memset(dirty->data(), 0xee, dirty->size());
-  }
+  recycleDirty();
   auto const pkt = manager_.newPkt();
   pkt->reserveHeadData(500);
   EXPECT_THAT(pkt->octets(), Each(0));
+  EXPECT_THAT(tail(*pkt), Each(0));
+}
+
+TEST_F(PktTest, ReservesOctetsAsTheyAreWithZerosBehindThem) {
+  recycleDirty();
+  auto const pkt = manager_.newPkt();
+  U8* const head = pkt->reserveHeadDataUninitialized(500);
+  EXPECT_EQ(head, pkt->data());
+  EXPECT_EQ(pkt->size(), 500U);
+  EXPECT_THAT(pkt->octets(), Each(0xee));
   EXPECT_THAT(tail(*pkt), Each(0));
 }
 
