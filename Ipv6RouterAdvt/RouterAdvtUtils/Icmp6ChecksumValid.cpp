@@ -1,5 +1,5 @@
 #include <Ipv6RouterAdvt/RouterAdvtUtils/Icmp6ChecksumValid.h>
-#include <Ipv6RouterAdvt/RouterAdvtUtils/OptionWriter.h>
+#include <Ipv6RouterAdvt/RouterAdvtUtils/UtilsTrace.h>
 
 namespace RouterAdvt {
 

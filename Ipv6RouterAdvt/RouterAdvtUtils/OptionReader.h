@@ -1,19 +1,12 @@
 #pragma once
 
 #include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
+#include <RouterPlatform/Packet/HeaderAt.h>
 #include <RouterPlatform/Packet/Icmp6HdrOptions.h>
 
 #include <span>
 
 namespace RouterAdvt {
-
-/// The `Header` at `offset` of a message, or null when not all of it lies in the message.
-template <class Header>
-Header const* viewAt(std::span<U8 const> message, U64 offset) noexcept {
-  static_assert(alignof(Header) == 1 && std::is_trivially_copyable_v<Header>);
-  if (offset > message.size() || sizeof(Header) > message.size() - offset) return nullptr;
-  return reinterpret_cast<Header const*>(message.data() + offset);
-}
 
 /// Goes from option to option of a Router Advertisement, RFC 4861 4.6. Only type and length of an option have to lie in
 /// the message; its fields are read through `as`. Refers to the message.
@@ -31,7 +24,7 @@ class OptionReader {
 
   /// Goes to the next option; false: there is none. An option of length 0 is followed by itself.
   bool next() noexcept {
-    Net::Icmp6HdrOption const* const found = viewAt<Net::Icmp6HdrOption>(message_, nextOffset_);
+    Net::Icmp6HdrOption const* const found = Net::headerAt<Net::Icmp6HdrOption>(message_, nextOffset_);
     if (!found || count_ == optionsMax) return false;
     ++count_;
     option_ = found;
@@ -50,7 +43,7 @@ class OptionReader {
   /// The option's fields, whatever its length says; null when they pass the end of the message.
   template <class Option>
   Option const* as() const noexcept {
-    return viewAt<Option>(message_, offset_);
+    return Net::headerAt<Option>(message_, offset_);
   }
 
  private:

@@ -1,22 +1,13 @@
 #pragma once
 
 #include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
-#include <RouterPlatform/Trace/Trace.h>
+#include <Ipv6RouterAdvt/RouterAdvtUtils/UtilsTrace.h>
 
 #include <string_view>
 
 /// What the option writers share. A writer takes the frame's first octet and `msgLen`, the octets written so far, which
 /// it advances. The frame's buffer is zero-filled; it ends at `pktBufSize`, behind which there is tail room.
 namespace RouterAdvt {
-
-inline constexpr char const* utilsSource = "Ipv6RouterAdvt/RouterAdvtUtils";
-
-/// Messages of everything that builds and reads packets.
-extern Trace::Handle const utilsTrace;
-
-/// A message of the packet functions; its parts are evaluated only when the level is enabled.
-#define UTILS_TRACE(level, ...) \
-  TRACE_AT(::RouterAdvt::utilsTrace, level, ::Trace::Location::here(::RouterAdvt::utilsSource), __VA_ARGS__)
 
 /// Says that something was left out, with the two lengths that were compared.
 inline void traceCouldNotCopy(std::string_view what, U64 length, U64 pktBufSize,

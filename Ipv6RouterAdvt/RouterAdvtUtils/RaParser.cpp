@@ -1,6 +1,7 @@
 #include <Ipv6RouterAdvt/RouterAdvtUtils/OptionReader.h>
-#include <Ipv6RouterAdvt/RouterAdvtUtils/OptionWriter.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils/RaParser.h>
+#include <Ipv6RouterAdvt/RouterAdvtUtils/UtilsTrace.h>
+#include <RouterPlatform/Packet/HeaderAt.h>
 #include <RouterPlatform/Packet/Icmp6RouterAdvertisementHdr.h>
 
 #include <cstring>
@@ -36,7 +37,7 @@ Header paddedHeader(Octets octets) {
 }
 
 void readHeader(Octets octets, RaPacket& packet) {
-  auto const* const whole = viewAt<Header>(octets, 0);
+  auto const* const whole = Net::headerAt<Header>(octets, 0);
   Icmp6RouterAdvertisementHdr const advertisement = whole ? whole->advertisement : paddedHeader(octets).advertisement;
   packet.curHopLimitIs(advertisement.curHopLimit);
   packet.managedConfigFlagIs(advertisement.managedConfigFlag());

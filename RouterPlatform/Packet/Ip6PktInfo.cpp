@@ -2,6 +2,7 @@
 
 #include <RouterPlatform/Packet/EthernetHdr.h>
 #include <RouterPlatform/Packet/FreeList.h>
+#include <RouterPlatform/Packet/HeaderAt.h>
 
 #include <mutex>
 
@@ -11,14 +12,6 @@ using Reason = Ip6PktInfo::Reason;
 using Octets = std::span<U8 const>;
 
 namespace {
-
-/// The header at `offset`, or null when not all of it is there.
-template <class Header>
-Header const* headerAt(Octets octets, U64 offset) {
-  static_assert(alignof(Header) == 1);
-  if (offset > octets.size() || sizeof(Header) > octets.size() - offset) return nullptr;
-  return reinterpret_cast<Header const*>(octets.data() + offset);
-}
 
 bool isTag(U16 etherType) { return etherType == EtherType::customerTag || etherType == EtherType::serviceTag; }
 

@@ -1,4 +1,4 @@
-#include <Ipv6RouterAdvt/RouterAdvtUtils/OptionWriter.h>
+#include <Ipv6RouterAdvt/RouterAdvtUtils/UtilsTrace.h>
 
 namespace RouterAdvt {
 
