@@ -1,9 +1,11 @@
-// Whatever is configured, the advertisement that is built from it stays inside its packet: at most 9 octets behind the
-// buffer's size, and the tail room behind it untouched. Its IPv6 payload length and its checksum are those of its
-// octets, its options end exactly where it does, and building again gives the same.
+// Whatever is configured, and whatever the packet's buffer held, the advertisement that is built from it stays inside
+// its packet: at most 9 octets behind the buffer's size, zeros behind it, and the rest of the tail room untouched. Its
+// IPv6 payload length and its checksum are those of its octets, its options end exactly where it does, and building
+// again gives the same.
 
 #include <Ipv6RouterAdvt/RouterAdvt.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils.h>
+#include <RouterPlatform/Packet/PktManager.h>
 #include <fuzz/Fuzzer.h>
 #include <tests/Ipv6RouterAdvt/Support/Frame.h>
 
@@ -172,12 +174,26 @@ struct Advert {
   bool advertiseLifetime, useVirtualRouter, deathPacket;
 };
 
-void check(Advert const& advert, Pkt& pkt) {
+/// The advertisement, built where every octet of the buffer was `dirt`.
+Ptr<Pkt> pktInDirt(Advert const& advert, U8 dirt) {
+  {
+    auto const former = Net::globalPktManager().newPkt();  // its buffer comes back next
+    former->reserveHeadData(Net::PktManager::newPktCapacity - Pkt::minTailRoom);
+    former->trimTailData(-static_cast<Fwk::S64>(former->tailRoom()));
+    std::fill(former->octets().begin(), former->octets().end(), dirt);
+  }
+  return advert.pkt();
+}
+
+void check(Advert const& advert, Pkt& pkt, U8 dirt) {
   Frame::View const frame(pkt.data(), pkt.size());
   U64 const pktBufSize = static_cast<U64>(std::min(advert.mtu, 1536));
   FUZZ_CHECK(frame.size() >= 78);
   FUZZ_CHECK(frame.size() <= pktBufSize + 9);
-  for (U64 i = 0; i < pkt.tailRoom(); ++i) FUZZ_CHECK(pkt.data()[pkt.size() + i] == 0);
+  for (U64 at = pkt.size(); at < pkt.size() + pkt.tailRoom(); ++at) {
+    bool const zeroed = at - pkt.size() < Pkt::minTailRoom || (at >= pktBufSize && at - pktBufSize < Pkt::minTailRoom);
+    FUZZ_CHECK(pkt.data()[at] == (zeroed ? 0 : dirt));
+  }
   FUZZ_CHECK(Frame::u16At(frame, 18) == frame.size() - Frame::icmp6Offset);
   FUZZ_CHECK(Frame::u16At(frame, 56) == Frame::icmp6Checksum(frame));
   FUZZ_CHECK(Frame::options(frame).has_value());
@@ -190,9 +206,10 @@ std::size_t const fuzzGeneratedInputs = 100'000;
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   Choices choices({data, size});
   Advert const advert(choices);
-  Ptr<Pkt> const pkt = advert.pkt();
-  check(advert, *pkt);
-  Ptr<Pkt> const again = advert.pkt();
+  Ptr<Pkt> const pkt = pktInDirt(advert, 0xff);
+  check(advert, *pkt, 0xff);
+  Ptr<Pkt> const again = pktInDirt(advert, 0x5a);
+  check(advert, *again, 0x5a);
   FUZZ_CHECK(std::ranges::equal(pkt->octets(), again->octets()));
   return 0;
 }

@@ -5,6 +5,8 @@
 #include <RouterPlatform/Packet/Icmp6HdrOptions.h>
 #include <RouterPlatform/Trace/Assert.h>
 
+#include <cstring>
+
 namespace RouterAdvt {
 
 namespace {
@@ -31,6 +33,7 @@ bool prefixFits(U64 msgLen, U64 pktBufSize) {
 }
 
 void copyPrefix(U8* buf, U64& msgLen, Ip6AddrWithMask const& prefix, PrefixParameters const& parameters) {
+  std::memset(buf + msgLen, 0, sizeof(Net::Icmp6HdrPrefixInfoOption));  // a flag that is clear is not written
   copyPrefixToRaMsgBuf(buf, msgLen, prefix, parameters.noOnLink, parameters.noAutoConfig, parameters.preferredLifetime,
                        parameters.validLifetime);
 }

@@ -3,7 +3,9 @@
 #include <RouterPlatform/Packet/Icmp6HdrOptions.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
+#include <string_view>
 
 namespace RouterAdvt {
 
@@ -11,16 +13,34 @@ using Net::Icmp6HdrDnsslOption;
 
 namespace {
 
+/// 0x80 in every octet of `word` that is a dot, 0 in the others. No octet's sum carries into the next one.
+U64 flagsOfDots(U64 word) {
+  constexpr U64 ones = 0x0101010101010101;
+  U64 const zeroAtDots = word ^ ones * U64{'.'};
+  return ~(((zeroAtDots & ones * 0x7f) + ones * 0x7f) | zeroAtDots) & ones * 0x80;
+}
+
 /// Writes `text` as labels. It stands one octet further on than the labels begin, so that every dot is where the length
-/// of the label behind it belongs. A label above 63 octets, which RFC 1035 3.1 does not allow, is written with the low
-/// 8 bits of its length.
-void writeLabels(U8* buf, U64& msgLen, std::string_view text) {
+/// of the label behind it belongs; a length is filled in where its label ends. A label above 63 octets, which RFC 1035
+/// 3.1 does not allow, is written with the low 8 bits of its length.
+inline void writeLabels(U8* buf, U64& msgLen, std::string_view text) {
   U8* const labels = buf + msgLen;
-  std::memcpy(labels + 1, text.data(), text.size());
-  std::size_t pos = 0;
-  for (std::size_t dot; (dot = text.find('.', pos)) != text.npos; pos = dot + 1)
-    labels[pos] = static_cast<U8>(dot - pos);
-  labels[pos] = static_cast<U8>(text.size() - pos);
+  std::size_t label = 0;
+  auto const endLabel = [&](std::size_t end) {
+    labels[label] = static_cast<U8>(end - label);
+    label = end + 1;
+  };
+  std::size_t at = 0;
+  for (; at + 8 <= text.size(); at += 8) {
+    std::memcpy(labels + 1 + at, text.data() + at, 8);
+    for (U64 dots = flagsOfDots(Net::wordFirstOctetLowest(text.data() + at)); dots != 0; dots &= dots - 1)
+      endLabel(at + static_cast<std::size_t>(std::countr_zero(dots)) / 8);
+  }
+  for (; at < text.size(); ++at) {
+    labels[1 + at] = static_cast<U8>(text[at]);
+    if (text[at] == '.') endLabel(at);
+  }
+  endLabel(text.size());
   msgLen += 1 + text.size();
 }
 
@@ -46,13 +66,12 @@ void encodeDNSSuffix(U8* buf, U64& msgLen, U64 pktBufSize, String const& suffix)
 
 constexpr U64 roundedUpTo8(U64 size) { return (size + 7) / 8 * 8; }
 
-/// Closes the option that began at `option`, with its names from `start` to `msgLen`: padding, type and length.
+/// Closes the option that began at `option`, with its names from `start` to `msgLen`: padding and length.
 void closeOption(U8* buf, U64& msgLen, U64 start, Icmp6HdrDnsslOption& option) {
   U64 const numBytesToPad = roundedUpTo8(msgLen - start) - (msgLen - start);
   UTILS_TRACE(8, "numBytesToPad: ", numBytesToPad, "at offset: ", msgLen);
   std::memset(buf + msgLen, 0, numBytesToPad);
   msgLen += numBytesToPad;
-  option.type = Icmp6HdrDnsslOption::typeValue;
   option.length = static_cast<U8>((msgLen - start) / 8 + 1);
 }
 
@@ -85,10 +104,9 @@ int copyDNSSuffixesWithSameLifeTimeToRaMsgBuf(U8* buf, U64& msgLen, U64 pktBufSi
     return 0;
   }
 
-  auto& option = *reinterpret_cast<Icmp6HdrDnsslOption*>(buf + msgLen);
+  auto& option = appendOption<Icmp6HdrDnsslOption>(buf, msgLen);
   option.reserved = 0;
   option.lifetime = lifetime;
-  msgLen += sizeof option;
   U64 const start = msgLen;
   for (DNSSuffixConfigEntry const& entry : intfConfig->dnsSuffixes().frozen())
     if (entry.validLifetime(intfLifetime) == lifetime) encodeDNSSuffix(buf, msgLen, pktBufSize, entry.suffix());

@@ -20,7 +20,7 @@ void copyNetworkBootOptionToRaMsgBuf(U8* buf, U64& msgLen, U64 pktBufSize, Strin
   U64 const padding = (8 - urlLen % 8) % 8;  // none when cut: room and head are whole units
 
   UTILS_TRACE(8, "Adding network boot option: ");
-  auto& option = appendOption<Icmp6HdrNetworkBootOption>(buf, msgLen, Icmp6HdrNetworkBootOption::typeValue);
+  auto& option = appendOption<Icmp6HdrNetworkBootOption>(buf, msgLen);
   option.length = static_cast<U8>((headSize + urlLen + padding) / 8);
   option.paddingLenIs(static_cast<U16>(padding));
   option.zero = 0;

@@ -8,8 +8,7 @@ using Net::Icmp6HdrPrefixInfoOption;
 
 void copyPrefixToRaMsgBuf(U8* buf, U64& msgLen, Ip6AddrWithMask const& prefix, bool noOnLink, bool noAutoConfig,
                           U32 preferredLifetime, U32 validLifetime) {
-  auto& option = appendOption<Icmp6HdrPrefixInfoOption>(buf, msgLen, Icmp6HdrPrefixInfoOption::typeValue);
-  option.length = sizeof option / 8;
+  auto& option = appendOption<Icmp6HdrPrefixInfoOption>(buf, msgLen);
   option.prefixLength = prefix.maskLen();
   if (!noOnLink) option.flags = Icmp6HdrPrefixInfoOption::onLinkBit;
   if (!noAutoConfig) option.flags |= Icmp6HdrPrefixInfoOption::autonomousBit;

@@ -13,6 +13,8 @@
 #include <RouterPlatform/Trace/Assert.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstring>
 
 namespace RouterAdvt {
 
@@ -26,13 +28,20 @@ using Net::Ip6Hdr;
 namespace {
 
 constexpr S32 pktBufSizeMax = 1536;
-constexpr U64 ip6Offset = sizeof(EthernetHdr);
-constexpr U64 icmp6Offset = ip6Offset + sizeof(Ip6Hdr);
-constexpr U64 fixedPartSize = icmp6Offset + sizeof(Icmp6Hdr) + sizeof(Icmp6RouterAdvertisementHdr) +
-                              sizeof(Icmp6HdrLinkLayerAddrOption) + sizeof(Icmp6HdrMtuOption);
-static_assert(icmp6Offset == 54 && fixedPartSize == 86);
 
-constexpr U8 flagsReservedBits = 0x03;
+/// What every frame begins with.
+struct FrameHead {
+  EthernetHdr ethernet;
+  Ip6Hdr ip6;
+  Icmp6Hdr icmp6;
+  Icmp6RouterAdvertisementHdr advertisement;
+  Icmp6HdrLinkLayerAddrOption sourceLinkLayerAddr;
+};
+static_assert(sizeof(FrameHead) == 78 && alignof(FrameHead) == 1);
+
+constexpr U64 ip6Offset = offsetof(FrameHead, ip6);
+constexpr U64 icmp6Offset = offsetof(FrameHead, icmp6);
+constexpr U64 fixedPartSize = sizeof(FrameHead) + sizeof(Icmp6HdrMtuOption);
 
 /// One advertisement in the making: the frame's buffer and how far it is written.
 class RaPktBuilder {
@@ -44,40 +53,40 @@ class RaPktBuilder {
 
   void writeLinkAndNetworkHeaders(Ip6Addr const& srcAddr, Ip6Addr const& dstAddr, EthAddr const& srcMac,
                                   EthAddr const& dstMac) {
-    auto& ethernet = take<EthernetHdr>();
+    EthernetHdr& ethernet = head().ethernet;
     dstMac.copyTo(ethernet.destination);
     srcMac.copyTo(ethernet.source);
     ethernet.etherType = Net::EtherType::ip6;
-    auto& ip6 = take<Ip6Hdr>();
+    Ip6Hdr& ip6 = head().ip6;
     ip6.versionIs(Ip6Hdr::version6);
     ip6.nextHeader = Net::Ip6NextHeader::icmp6;
     ip6.hopLimit = 255;  // RFC 4861 4.2
     srcAddr.copyTo(ip6.sourceAddress);
     dstAddr.copyTo(ip6.destinationAddress);
-    UTILS_TRACE(8, "offset of icmp6Hdr ", msgLen_);
+    UTILS_TRACE(8, "offset of icmp6Hdr ", icmp6Offset);
   }
 
   void writeAdvertisementHeader(bool withLifetime) {
-    auto& icmp6 = take<Icmp6Hdr>();
+    Icmp6Hdr& icmp6 = head().icmp6;
     icmp6.type = Icmp6Hdr::routerAdvertisement;
     icmp6.code = 0;
     icmp6.checksum = 0;
-    auto& advertisement = take<Icmp6RouterAdvertisementHdr>();
+    Icmp6RouterAdvertisementHdr& advertisement = head().advertisement;
     advertisement.curHopLimit = static_cast<U8>(intfConfig_->validHopLimit());
-    if (withLifetime)
-      advertisement.routerLifetime = static_cast<U16>(intfConfig_->raLifetime());  // the low 16 bits
-    else
-      UTILS_TRACE(8, "Sending pkt with routerLifetime 0");
+    if (!withLifetime) UTILS_TRACE(8, "Sending pkt with routerLifetime 0");
+    U16 const routerLifetime = withLifetime ? static_cast<U16>(intfConfig_->raLifetime()) : U16{0};  // the low 16 bits
+    advertisement.routerLifetime = routerLifetime;
     advertisement.reachableTime = intfConfig_->reachableTime();
-    advertisement.retransTimer = ip6IntfStatus_.nsRetransmitInterval();
-    UTILS_TRACE(8, "ip6IntfStatusPtr->nsRetransmitInterval(): ", ip6IntfStatus_.nsRetransmitInterval());
-    writeFlags(advertisement);
+    U32 const retransTimer = ip6IntfStatus_.nsRetransmitInterval();
+    advertisement.retransTimer = retransTimer;
+    UTILS_TRACE(8, "ip6IntfStatusPtr->nsRetransmitInterval(): ", retransTimer);
+    writeFlags(advertisement, routerLifetime);
   }
 
   void writeSourceLinkLayerAddress(EthAddr const& srcMac) {
     UTILS_TRACE(8, "Adding Src Link Layer option: ");
-    auto& option =
-        appendOption<Icmp6HdrLinkLayerAddrOption>(buf_, msgLen_, Icmp6HdrLinkLayerAddrOption::sourceTypeValue);
+    Icmp6HdrLinkLayerAddrOption& option = head().sourceLinkLayerAddr;
+    option.type = Icmp6HdrLinkLayerAddrOption::sourceTypeValue;
     option.length = sizeof option / 8;
     srcMac.copyTo(option.linkLayerAddress);
   }
@@ -85,8 +94,7 @@ class RaPktBuilder {
   void writeMtu(S32 mtu) {
     if (intfConfig_->raMtuSuppress()) return;
     UTILS_TRACE(8, "Adding MTU option: ", mtu);
-    auto& option = appendOption<Icmp6HdrMtuOption>(buf_, msgLen_, Icmp6HdrMtuOption::typeValue);
-    option.length = sizeof option / 8;
+    auto& option = appendOption<Icmp6HdrMtuOption>(buf_, msgLen_);
     option.reserved = 0;
     option.mtu = static_cast<U32>(mtu);
     UTILS_TRACE(8, "Length after MTU option: ", msgLen_);
@@ -121,34 +129,30 @@ class RaPktBuilder {
   void writePayloadLength() {
     U16 const payloadLength = static_cast<U16>(msgLen_ - icmp6Offset);
     UTILS_TRACE(8, "Ipv6 payload length ", payloadLength);
-    reinterpret_cast<Ip6Hdr*>(buf_ + ip6Offset)->payloadLength = payloadLength;
+    head().ip6.payloadLength = payloadLength;
+  }
+
+  /// Behind the frame there are zeros, as behind every reservation.
+  void zeroTailRoom() {
+    if (msgLen_ < pktBufSize_) std::memset(buf_ + msgLen_, 0, Pkt::minTailRoom);
   }
 
  private:
-  template <class Header>
-  Header& take() {
-    auto& header = *reinterpret_cast<Header*>(buf_ + msgLen_);
-    msgLen_ += sizeof(Header);
-    return header;
-  }
+  FrameHead& head() { return *reinterpret_cast<FrameHead*>(buf_); }
 
-  void writeFlags(Icmp6RouterAdvertisementHdr& advertisement) {
-    unsigned flags = advertisement.flags;
-    if (intfConfig_->managedConfigFlag())
-      flags = (flags | Icmp6RouterAdvertisementHdr::managedConfigBit) & ~unsigned{flagsReservedBits};
-    if (intfConfig_->otherConfigFlag())
-      flags = (flags | Icmp6RouterAdvertisementHdr::otherConfigBit) & ~unsigned{flagsReservedBits};
+  void writeFlags(Icmp6RouterAdvertisementHdr& advertisement, U16 routerLifetime) {
+    unsigned flags = 0;
+    if (intfConfig_->managedConfigFlag()) flags |= Icmp6RouterAdvertisementHdr::managedConfigBit;
+    if (intfConfig_->otherConfigFlag()) flags |= Icmp6RouterAdvertisementHdr::otherConfigBit;
     UTILS_TRACE(8, "intfRouterAdvtConfigPtr->routerPreferenceDefault(): ", IntfConfig::routerPreferenceDefault());
     auto const preference = intfConfig_->routerPreference();
     ASSERT_AT_TEXT(preference != Icmp6RouterAdvtRouterPreferenceType::reserved_, Trace::Location::here(utilsSource),
                    "intfRouterAdvtConfigPtr->routerPreference() != Icmp6RouterAdvtRouterPreferenceType::reserved_");
-    if (advertisement.routerLifetime == 0) {
+    if (routerLifetime == 0) {
       UTILS_TRACE(8, "Set routerPreference to Zero");
-      // Both preference bits are set, despite what the message says.
-      flags = (flags & 0xe4) | Icmp6RouterAdvertisementHdr::routerPreferenceBits;
-    } else if (preference != Icmp6RouterAdvtRouterPreferenceType::medium) {
-      unsigned const bits = static_cast<unsigned>(preference) << Icmp6RouterAdvertisementHdr::routerPreferenceShift;
-      flags = (bits | flags) & ~unsigned{flagsReservedBits};
+      flags |= Icmp6RouterAdvertisementHdr::routerPreferenceBits;  // both, despite what the message says
+    } else {
+      flags |= static_cast<unsigned>(preference) << Icmp6RouterAdvertisementHdr::routerPreferenceShift;
     }
     advertisement.flags = static_cast<U8>(flags);
   }
@@ -157,7 +161,7 @@ class RaPktBuilder {
   U64 const pktBufSize_;
   Ip6::IntfStatus const& ip6IntfStatus_;
   Ptr<IntfConfig const> const& intfConfig_;
-  U64 msgLen_ = 0;
+  U64 msgLen_ = sizeof(FrameHead);
 };
 
 }  // namespace
@@ -174,7 +178,8 @@ Ptr<Pkt> makeIp6RaPkt(Ip6Addr const& srcAddr, Ip6Addr const& dstAddr, EthAddr co
   ASSERT_AT(pkt, Trace::Location::here(utilsSource));
   UTILS_TRACE(8, "create RA raw packet: smac dmac ", srcMac, " ", dstMac, " sa da ", srcAddr, " ", dstAddr);
 
-  RaPktBuilder builder(pkt->reserveHeadData(pktBufSize), pktBufSize, *ip6IntfStatusPtr, intfRouterAdvtConfigPtr);
+  RaPktBuilder builder(pkt->reserveHeadDataUninitialized(pktBufSize), pktBufSize, *ip6IntfStatusPtr,
+                       intfRouterAdvtConfigPtr);
   builder.writeLinkAndNetworkHeaders(srcAddr, dstAddr, srcMac, dstMac);
   builder.writeAdvertisementHeader(advertiseLifetime && !deathPacket && (!useVirtualRouter || virtualRouterStatus));
   builder.writeSourceLinkLayerAddress(srcMac);
@@ -183,6 +188,7 @@ Ptr<Pkt> makeIp6RaPkt(Ip6Addr const& srcAddr, Ip6Addr const& dstAddr, EthAddr co
   builder.writeDns();
   builder.writeNetworkBoot();
   builder.writePayloadLength();
+  builder.zeroTailRoom();
 
   // Negative when a search list ends behind the buffer: its last octets lie in the packet's tail room.
   pkt->trimTailData(static_cast<Fwk::S64>(pktBufSize) - static_cast<Fwk::S64>(builder.msgLen()));

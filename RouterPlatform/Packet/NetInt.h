@@ -48,6 +48,14 @@ class NetInt {
   Octets octets_{};
 };
 
+/// 8 octets as a number whose lowest octet is the first of them, for work on all of them at once.
+inline U64 wordFirstOctetLowest(void const* octets) noexcept {
+  U64 word = 0;
+  std::memcpy(&word, octets, sizeof word);
+  if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
+  return word;
+}
+
 using NetU8 = NetInt<U8>;
 using NetU16 = NetInt<U16>;
 using NetU32 = NetInt<U32>;

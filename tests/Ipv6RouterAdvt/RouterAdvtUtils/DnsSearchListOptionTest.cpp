@@ -4,6 +4,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 namespace {
 
 using namespace AdvertTest;
@@ -86,6 +88,43 @@ TEST_P(DnsSuffix, IsEncodedAsItsLabels) {
   EXPECT_TRUE(group.buf.untouchedFrom(group.msgLen));
 }
 INSTANTIATE_TEST_SUITE_P(Rows, DnsSuffix, testing::ValuesIn(encodingRows));
+
+/// RFC 1035 3.1 octet by octet.
+std::string labelsOf(std::string const& suffix) {
+  std::string labels;
+  for (std::size_t pos = 0, end = 0; end < suffix.size(); pos = end + 1) {
+    end = std::min(suffix.find('.', pos), suffix.size());
+    labels += static_cast<char>(end - pos);
+    labels += suffix.substr(pos, end - pos);
+  }
+  return labels + '\0';
+}
+
+TEST(DnsSuffix, HasItsLabelsWhereverTheDotsAre) {
+  std::string const letters = "abcdefghijklmnopqrstuvwxyz";
+  for (std::size_t size = 1; size <= letters.size(); ++size)
+    for (std::size_t first = 0; first < size; ++first)
+      for (std::size_t second = first; second < size; ++second) {
+        std::string suffix = letters.substr(0, size);
+        suffix[first] = suffix[second] = '.';
+        std::string const labels = labelsOf(suffix);
+        Group group((8 + labels.size() + 7) / 8 * 8);
+        group.suffix(suffix).write();
+        ASSERT_EQ(group.buf.hex(8, 8 + labels.size()), hexOf(labels)) << suffix;
+      }
+}
+
+// Octets that differ from a dot in one bit, or would reach one by a carry from the octet before.
+TEST(DnsSuffix, TakesNothingButADotForOne) {
+  for (int octet = 0; octet < 256; ++octet) {
+    std::string suffix = "xx.xxxx.xx.xxx";
+    for (std::size_t at : {1U, 3U, 6U, 8U, 9U, 13U}) suffix[at] = static_cast<char>(octet);
+    std::string const labels = labelsOf(suffix);
+    Group group(64);
+    group.suffix(suffix).write();
+    ASSERT_EQ(group.buf.hex(8, 8 + labels.size()), hexOf(labels)) << octet;
+  }
+}
 
 // Groups.
 

@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <thread>
 
 namespace {
@@ -294,17 +295,91 @@ TEST(RaPktBuilder, BuildingTwiceGivesTheSameOctets) {
   EXPECT_EQ(advert.frame(), advert.frame());
 }
 
-TEST(RaPktBuilder, ARecycledPacketCarriesNothingOfItsFormerFrame) {
-  Advert small;
-  small.prefix("2001:db8::/64")->noOnLinkIs(true);
-  Octets const clean = small.frame();
+/// The frame, and the zeros that there are behind every one, built where `fill` was in every octet of the buffer.
+Octets frameAndTailIn(U8 fill, Advert const& advert) {
   {
-    auto const former = small.pkt();  // its buffer comes back next, full of ones
-    U8* const data = former->reserveHeadData(1500);
-    std::fill(data, data + former->size(), U8{0xff});
+    auto const former = Net::globalPktManager().newPkt();  // its buffer comes back next
+    former->reserveHeadData(Net::PktManager::newPktCapacity - Pkt::minTailRoom);
+    former->trimTailData(-static_cast<Fwk::S64>(former->tailRoom()));
+    std::fill(former->octets().begin(), former->octets().end(), fill);
   }
-  EXPECT_EQ(small.frame(), clean);
+  auto const pkt = advert.pkt();
+  U64 const tail = std::min(pkt->tailRoom(), Pkt::minTailRoom);
+  EXPECT_TRUE(std::all_of(pkt->data() + pkt->size(), pkt->data() + pkt->size() + tail, [](U8 o) { return o == 0; }));
+  return {pkt->data(), pkt->data() + pkt->size() + tail};
 }
+
+struct BufferRow {
+  char const* name;
+  void (*change)(Advert&);
+
+  friend void PrintTo(BufferRow const& r, std::ostream* os) { *os << r.name; }
+};
+BufferRow const bufferRows[] = {
+    {"Headers", [](Advert&) {}},
+    {"HeadersWithEveryFlag",
+     [](Advert& a) {
+       a.config->managedConfigFlagIs(true);
+       a.config->otherConfigFlagIs(true);
+       a.config->routerPreferenceIs(Preference::high);
+     }},
+    {"DeathPacket", [](Advert& a) { a.deathPacket = true; }},
+    {"WithoutMtuOption", [](Advert& a) { a.config->raMtuSuppressIs(true); }},
+    {"ConfiguredPrefixes",
+     [](Advert& a) {
+       a.prefix("2001:db8:1::/64");
+       a.prefix("2001:db8:2::/64")->noOnLinkIs(true);
+       a.prefix("2001:db8:3::/64")->noAutoConfigIs(true);
+       a.prefix("2001:db8:4::/64")->noOnLinkIs(true);
+       a.prefix("2001:db8:4::/64")->noAutoConfigIs(true);
+     }},
+    {"PrefixesOfAddresses",
+     [](Advert& a) {
+       for (char const* address : {"2001:db8:1::1/64", "fe80::1/64", "2001:db8:2::1/48"}) a.address(address);
+     }},
+    {"PrefixesOfAVirtualRouter",
+     [](Advert& a) {
+       a.prefix("2001:db8:1::/64")->noOnLinkIs(true);
+       for (char const* prefix : {"2001:db8:1::/64", "2001:db8:2::/64"}) a.virtualPrefix(prefix);
+     }},
+    {"Servers",
+     [](Advert& a) {
+       a.server("2001:db8::1", 300);
+       a.server("2001:db8::2", 600);
+       a.server("2001:db8::3", 300);
+     }},
+    {"Suffixes",
+     [](Advert& a) {
+       for (char const* suffix : {"example.com", "", "a..b", "very.long.name.of.a.domain.example."})
+         a.suffix(suffix, 300);
+       a.suffix("example.net", 600);
+     }},
+    {"SuffixesUpTo9OctetsBehindTheMtu",
+     [](Advert& a) {
+       for (char const* suffix : {"aa", "bb", "cc", "dd", "ee", "f", "g", "h", "i", ""}) a.suffix(suffix, 300);
+     }},
+    {"NetworkBoot", [](Advert& a) { a.config->networkBootFileUrlIs("tftp://[2001:db8::7]/boot/firmware.efi"); }},
+    {"Everything",
+     [](Advert& a) {
+       a.prefix("2001:db8:1::/64")->noOnLinkIs(true);
+       a.server("2001:db8::1", 300);
+       a.suffix("example.com", 300);
+       a.suffix("lab.example", 60);
+       a.config->networkBootFileUrlIs("tftp://[::1]/");
+     }},
+};
+class AFrame : public testing::TestWithParam<BufferRow> {};
+TEST_P(AFrame, CarriesNothingOfWhatItsBufferHeldWhereverTheMtuCutsIt) {
+  Advert advert;
+  GetParam().change(advert);
+  U64 const whole = advert.frame().size();
+  for (advert.mtu = 86; static_cast<U64>(advert.mtu) <= whole + 17; ++advert.mtu) {
+    Octets const clean = frameAndTailIn(0, advert);
+    ASSERT_EQ(Frame::toHex(frameAndTailIn(0xff, advert)), Frame::toHex(clean)) << advert.mtu;
+    ASSERT_EQ(Frame::toHex(frameAndTailIn(0x5a, advert)), Frame::toHex(clean)) << advert.mtu;
+  }
+}
+INSTANTIATE_TEST_SUITE_P(Rows, AFrame, testing::ValuesIn(bufferRows));
 
 TEST(RaPktBuilder, TheCallerAloneOwnsThePacket) {
   U64 const before = Net::globalPktManager().pktCount();

@@ -160,6 +160,11 @@ TEST_P(HeaderField, IsWrittenThereAndNowhereElse) {
 
 INSTANTIATE_TEST_SUITE_P(All, HeaderField, testing::ValuesIn(rows), [](auto const& row) { return row.param.name; });
 
+TEST(NetInt, TheFirstOctetOfAWordIsTheLowest) {
+  std::array<U8, 9> const octets{0xff, 1, 2, 3, 4, 5, 6, 7, 8};
+  EXPECT_EQ(wordFirstOctetLowest(octets.data() + 1), 0x0807060504030201U);
+}
+
 TEST(NetInt, SetsAndClearsBits) {
   NetU8 octet = 0x41;
   octet |= 0x80;
