@@ -1,5 +1,6 @@
 #include <RouterPlatform/Fwk/ChangeStream.h>
 #include <RouterPlatform/Fwk/ChangeStreamFormat.h>
+#include <RouterPlatform/Fwk/ChangeStreamSchema.h>
 #include <tests/RouterPlatform/Fwk/ChangeStreamModel.h>
 #include <tests/RouterPlatform/Fwk/StreamText.h>
 #include <tests/RouterPlatform/Fwk/TreeText.h>
@@ -133,6 +134,11 @@ using K = RecordKind;
 ErrorRow const errorRows[] = {
     {"AnotherStart", ReadErrorKind::malformed, [](HandWritten& s) { s.octets[3] ^= 1; }},
     {"AStartOfAnotherKind", ReadErrorKind::malformed, [](HandWritten& s) { s.octets[0] = 2; }},
+    {"AStartThatIsTooShort", ReadErrorKind::malformed,
+     [](HandWritten& s) {
+       s.octets.clear();
+       s.record(K::hello, {0x52, 0x74});
+     }},
     {"AnotherVersion", ReadErrorKind::incompatible, [](HandWritten& s) { s.octets[11] = 2; }},
     {"ASecondStart", ReadErrorKind::malformed, [](HandWritten& s) { s.record(K::hello, {1}); }},
     {"ASizeThatIsNoNumber", ReadErrorKind::malformed,
@@ -154,6 +160,7 @@ ErrorRow const errorRows[] = {
      [](HandWritten& s) {
        s.record(K::root, {0, 0});
      }},
+    {"ARootWithoutPlace", ReadErrorKind::malformed, [](HandWritten& s) { s.record(K::begin).record(K::root); }},
     {"ARootOutOfOrder", ReadErrorKind::malformed,
      [](HandWritten& s) {
        s.record(K::begin).record(K::root, {1, 0});
@@ -172,8 +179,21 @@ ErrorRow const errorRows[] = {
          });
      }},
     {"AnEndOfNoSnapshot", ReadErrorKind::malformed, [](HandWritten& s) { s.record(K::end); }},
+    {"AnEndInARoot", ReadErrorKind::malformed,
+     [](HandWritten& s) {
+       s.record(K::begin);
+       putRecord(s.sink, K::root, [&] {
+         s.sink.number(0);
+         s.sink.block([&] { s.sink.text(Rack::fwkTypeName); });
+       });
+       s.record(K::end);
+     }},
     {"AMarkBeforeASnapshot", ReadErrorKind::malformed, [](HandWritten& s) { s.record(K::mark); }},
     {"AMarkInASnapshot", ReadErrorKind::malformed, [](HandWritten& s) { s.record(K::begin).record(K::mark); }},
+    {"AMarkInAMember", ReadErrorKind::malformed,
+     [](HandWritten& s) {
+       s.snapshot().record(K::at, {0}).record(K::member, {0, 1, 'x'}).record(K::mark);
+     }},
     {"AChangeBeforeASnapshot", ReadErrorKind::malformed, [](HandWritten& s) { s.record(K::at, {0}); }},
     {"AChangeOfNothing", ReadErrorKind::malformed,
      [](HandWritten& s) {
@@ -200,6 +220,11 @@ ErrorRow const errorRows[] = {
      [](HandWritten& s) {
        s.snapshot().record(K::at, {0, 1, 3, 2, 1, 1});
      }},
+    {"AWayIntoAScalar", ReadErrorKind::lost,
+     [](HandWritten& s) {
+       s.snapshot().record(K::at, {0}).record(K::member, {0, 1, 'x'}).record(K::leave);
+       s.record(K::at, {0, 0, 2, 1, 'x', 2, 1, 'y'});
+     }},
     {"AWayCutInItsKey", ReadErrorKind::malformed,
      [](HandWritten& s) {
        s.snapshot().record(K::at, {0, 0, 2, 1});
@@ -213,6 +238,18 @@ ErrorRow const errorRows[] = {
     {"AMemberOfACollectionOfValues", ReadErrorKind::malformed,
      [](HandWritten& s) {
        s.snapshot().record(K::at, {0}).record(K::member, {1, 2, 1, 1});
+     }},
+    {"AMemberOfAScalar", ReadErrorKind::malformed,
+     [](HandWritten& s) {
+       s.snapshot().record(K::at, {0}).record(K::member, {0, 1, 'x'}).record(K::member, {2, 'y'});
+     }},
+    {"ARowOfAScalar", ReadErrorKind::malformed,
+     [](HandWritten& s) {
+       s.snapshot().record(K::at, {0}).record(K::member, {0, 1, 'x'}).record(K::row, {2, 1, 'y', 1});
+     }},
+    {"ARemovalOfAScalar", ReadErrorKind::malformed,
+     [](HandWritten& s) {
+       s.snapshot().record(K::at, {0}).record(K::member, {0, 1, 'x'}).record(K::removed, {2, 'y'});
      }},
     {"ARowOfACollectionOfEntities", ReadErrorKind::malformed,
      [](HandWritten& s) {
@@ -331,6 +368,43 @@ TEST(ChangeStreamReader, AMadeRootThatTheNextStreamDoesNotHaveIsLetGo) {
     EXPECT_TRUE(reader.feed(octets)) << reader.error().text;
     EXPECT_EQ(reader.roots().size(), count);
   }
+}
+
+TEST(ChangeStreamReader, AMadeRootIsMadeAnewForAnotherKey) {
+  Reader reader([](std::string_view, std::string_view key) {
+    return Ptr<Fwk::Entity>(Fwk::create<Rack>(Fwk::Name(std::string(key))));
+  });
+  for (char const* const name : {"a", "b"}) {
+    Writer writer{Ptr<Fwk::Entity>(Fwk::create<Rack>(name))};
+    Octets octets;
+    writer.drain(octets);
+    reader.attach();
+    ASSERT_TRUE(reader.feed(octets)) << reader.error().text;
+    EXPECT_EQ(reader.roots().at(0)->name(), name);
+  }
+}
+
+TEST(ChangeStreamReader, ARootThatTheReaderDoesNotHaveIsPassedOver) {
+  auto const original = Fwk::create<Rack>("rack");
+  original->boxesIs("x")->numberIs(3);
+  Octets octets;
+  Writer(original).drain(octets);
+  Reader reader{Ptr<Fwk::Entity>()};
+  EXPECT_TRUE(reader.feed(octets)) << reader.error().text;
+  EXPECT_TRUE(reader.synchronized());
+}
+
+TEST(ChangeStreamReader, GoesOnWhereItIsMovedTo) {
+  auto const mirror = Fwk::create<Rack>("rack");
+  HandWritten stream;
+  stream.snapshot().record(K::mark);
+  Reader first(mirror);
+  EXPECT_TRUE(first.feed(std::span<U8 const>(stream.octets).first(30)));
+  Reader second(std::move(first));
+  Reader third{Ptr<Fwk::Entity>()};
+  third = std::move(second);
+  EXPECT_TRUE(third.feed(std::span<U8 const>(stream.octets).subspan(30))) << third.error().text;
+  EXPECT_TRUE(third.synchronized());
 }
 
 TEST(ChangeStreamReader, RecordsOfAnUnknownKindArePassedOver) {
@@ -471,6 +545,36 @@ TEST(ChangeStreamVersions, ASchemaCutAnywhereIsAnError) {
     if (!reader.feed(octets)) ++errors;
   }
   EXPECT_GE(errors, hello.size() - 17 - 10);  // between two types it is not cut but shorter
+}
+
+TEST(ChangeStreamVersions, AnAttributeOfASchemaCutAnywhereIsAnError) {
+  Octets attribute;
+  OctetSink attributeSink(attribute);
+  attributeSink.number(0);
+  for (char const* const text : {"count", "U32", ""}) {
+    attributeSink.block([&] { attributeSink.text(text); });
+    if (*text == 'c') attributeSink.octets(Octets{2});
+  }
+  for (std::size_t size = 0; size <= attribute.size(); ++size) {
+    Octets schema;
+    OctetSink sink(schema);
+    sink.block([&] {
+      sink.block([&] { sink.text("TestModel::Unknown"); });
+      sink.block([&] { sink.octets(std::span<U8 const>(attribute).first(size)); });
+    });
+    Fwk::String difference;
+    auto const match = compareSchema(Fwk::ChangeStream::detail::Schema({}), Fwk::OctetSource(schema), difference);
+    bool const whole = size == attribute.size();
+    using Fwk::ChangeStream::detail::SchemaMatch;
+    EXPECT_EQ(match, whole ? SchemaMatch::compatible : SchemaMatch::malformed) << size;
+  }
+}
+
+TEST(ChangeStreamVersions, ATypeOfASchemaWithoutItsNameIsAnError) {
+  Octets const schema{1, 5};
+  Fwk::String difference;
+  EXPECT_EQ(compareSchema(Fwk::ChangeStream::detail::Schema({}), Fwk::OctetSource(schema), difference),
+            Fwk::ChangeStream::detail::SchemaMatch::malformed);
 }
 
 }  // namespace

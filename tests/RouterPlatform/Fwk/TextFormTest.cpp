@@ -145,6 +145,16 @@ TEST(TextForm, OfATextIsReadAsPrintedOnly) {
                         "a quoted text");
 }
 
+TEST(TextForm, OfAStringIsNoneWhereverItIsCut) {
+  String const whole = R"('a\x0fb')";
+  EXPECT_EQ(readAttribute<String>(whole),
+            "a\x0f"
+            "b");
+  for (std::size_t size = 0; size < whole.size(); ++size)
+    EXPECT_THROW(readAttribute<String>(whole.substr(0, size)), ParseError) << size;
+  EXPECT_THROW(readAttribute<String>(R"('\xgg')"), ParseError);
+}
+
 TEST(TextForm, OfEveryOctetReadsBack) {
   String all;
   for (int octet = 0; octet < 256; ++octet) all += static_cast<char>(octet);

@@ -36,6 +36,16 @@ TEST(PktManager, GivesNoPacketAboveItsLimit) {
   EXPECT_TRUE(manager.newPkt());
 }
 
+TEST(PktManager, GivesNoPacketWithoutMemoryAndCountsNone) {
+  PktManager manager;
+  for (std::size_t const allowed : {0U, 1U}) {  // none for the buffer; none for the packet
+    AllocationFailure const failure(allowed);
+    EXPECT_FALSE(manager.newPkt());
+    EXPECT_EQ(manager.pktCount(), 0U);
+  }
+  EXPECT_TRUE(manager.newPkt());
+}
+
 TEST(PktManager, ALowerLimitEndsNoPacket) {
   PktManager manager;
   auto const one = manager.newPkt();

@@ -123,6 +123,23 @@ TEST_F(DamagedTable, ADamagedRowCountIsNotBelieved) {
   }
 }
 
+TEST_F(DamagedTable, NumbersThatAreWholeButCannotBeAreNotBelieved) {
+  auto& live = *reinterpret_cast<LiveState*>(writer_.core().memory().base() + SharedTable::liveStateOffset);
+  live.rowCount = SharedTable::CheckedNumber::of(writer_.maxRows() + 1).bits;
+  EXPECT_EQ(reader_.view().count(), std::nullopt);
+  U64 const ready = live.slotsReady.exchange(SharedTable::CheckedNumber::of(0x7fffffff).bits);
+  EXPECT_EQ(reader_.row(Key::of(3)).status, LookupStatus::corrupt);
+  live.slotsReady = ready;
+  for (U32 const bits : {geometry().minIndexBits - 1, geometry().maxIndexBits + 1}) {
+    U64 const active = live.active.exchange(SharedTable::ActiveWord::of(1, bits).bits);
+    auto const found = reader_.row(Key::of(3));
+    EXPECT_EQ(found.status, LookupStatus::corrupt);
+    EXPECT_EQ(found.corruption.place, Corruption::Place::header);
+    live.active = active;
+  }
+  EXPECT_EQ(reader_.row(Key::of(3)).row, Row(3, 1));
+}
+
 TEST_F(DamagedTable, AWalkLeavesOutWhatIsDamagedAndSaysSo) {
   U64 const slot = slotOffset(3);
   U64 const bucket = bucketOffset(5);
@@ -203,6 +220,14 @@ TEST_F(DamagedTable, ALookupOfTheWriterTellsTheHandlerAndFindsNothing) {
   EXPECT_EQ(messages.size(), 2u);
 }
 
+TEST_F(DamagedTable, AWalkOfTheWriterTellsTheHandlerAndGoesOn) {
+  std::vector<std::string> messages;
+  writer_.corruptionHandlerIs([&](std::string_view message) { messages.emplace_back(message); });
+  damage(slotOffset(3) + 60);
+  EXPECT_EQ(writer_.forEach([](Row const&) {}).rows, 5u);
+  EXPECT_THAT(messages, ElementsAre(HasSubstr("while walking")));
+}
+
 TEST_F(DamagedTable, WithoutAHandlerTheMessageIsTraced) {
   Trace::Capture trace("SharedTable", "1");
   damage(bucketOffset(3) + 1);
@@ -228,6 +253,11 @@ TEST_F(DamagedTableDeathTest, ARemovalTellsTheHandlerAndFailsTheAssertion) {
                "handler: Table .*damaged bucket .* while removing(.|\n)*"
                "RouterPlatform/SharedTable:[0-9]+: safeRemove: assertion "
                "\"TableMap::safeRemove\\(\\) in no man's land\" failed");
+}
+
+TEST_F(DamagedTableDeathTest, ARemovalOfADamagedRowFailsTheAssertion) {
+  damage(slotOffset(3) + 60);
+  EXPECT_DEATH(writer_.rowDel(Key::of(3)), "TableMap::safeRemove\\(\\) in no man's land");
 }
 
 TEST_F(DamagedTableDeathTest, ARebuildOfADamagedIndexFailsTheAssertion) {

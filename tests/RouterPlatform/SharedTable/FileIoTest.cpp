@@ -4,7 +4,11 @@
 #include <sys/resource.h>
 #include <sys/wait.h>
 
+#include <atomic>
 #include <cerrno>
+#include <cstdlib>
+#include <string>
+#include <thread>
 
 namespace {
 
@@ -18,6 +22,39 @@ TEST(SharedTableFileIo, WhatGivesNoMoreSpaceIsToldAsNoSpace) {
   SharedTable::Error const error = FileIo::systemFailure(EIO, "a/b");
   EXPECT_EQ(error.systemError, EIO);
   EXPECT_EQ(error.text, "a/b: Input/output error");
+}
+
+TEST(SharedTableFileIo, TheTableDirectoryIsThatOfTheEnvironmentOrTheUsualOne) {
+  char const* const set = std::getenv("SHARED_TABLE_DIR");
+  std::string const before = set ? set : "";
+  ASSERT_EQ(setenv("SHARED_TABLE_DIR", "/run/tables", 1), 0);
+  EXPECT_EQ(FileIo::directoryOr(""), "/run/tables");
+  ASSERT_EQ(setenv("SHARED_TABLE_DIR", "", 1), 0);
+  EXPECT_EQ(FileIo::directoryOr(""), "/dev/shm/router-shared-tables");
+  ASSERT_EQ(unsetenv("SHARED_TABLE_DIR"), 0);
+  EXPECT_EQ(FileIo::directoryOr(""), "/dev/shm/router-shared-tables");
+  if (set) setenv("SHARED_TABLE_DIR", before.c_str(), 1);
+}
+
+TEST(SharedTableFileIo, ADirectorysNameLosesItsSlashesAtTheEnd) {
+  EXPECT_EQ(FileIo::directoryOr("/a/b//"), "/a/b");
+  EXPECT_EQ(FileIo::directoryOr("//"), "/");
+}
+
+TEST(SharedTableFileIo, NamesHaveAtMostTwoHundredOctets) {
+  EXPECT_TRUE(FileIo::namesAreSound("a/" + std::string(200, 'x'), "b"));
+  EXPECT_FALSE(FileIo::namesAreSound("a/" + std::string(201, 'x'), "b"));
+  EXPECT_FALSE(FileIo::namesAreSound("a", std::string(201, 'x')));
+  EXPECT_FALSE(FileIo::namesAreSound("a", std::string("x\0y", 3)));
+}
+
+TEST(SharedTableFileIo, AWakeCountsThoseItWoke) {
+  std::atomic<Fwk::U32> word{7};
+  EXPECT_EQ(FileIo::wakeAll(word), 0);
+  FileIo::wait(word, 6, 60000);  // returns: it is another number already
+  std::thread waiter([&] { FileIo::wait(word, 7, 60000); });
+  while (FileIo::wakeAll(word) == 0) std::this_thread::yield();
+  waiter.join();
 }
 
 class SharedTableLocks : public Tables {
@@ -40,6 +77,19 @@ TEST_F(SharedTableLocks, AHeldLockAndAFailingCallAreToldApart) {
   EXPECT_EQ(FileIo::lockForWriting(openIt(O_RDONLY).get()), EBADF) << "open for reading only";
   EXPECT_EQ(FileIo::findWriteLock(-1, held), EBADF);
   EXPECT_FALSE(FileIo::isLockedForWriting(-1));
+}
+
+TEST_F(SharedTableLocks, AFileIsToldFromOthersWhateverItsName) {
+  Fd directory;
+  ASSERT_FALSE(FileIo::openDirectory(directory_, "", false, {}, directory));
+  Fd const file = openIt(O_RDWR);
+  EXPECT_TRUE(FileIo::namesFile(directory, "file", file.get()));
+  EXPECT_FALSE(FileIo::namesFile(directory, "none", file.get()));
+  EXPECT_FALSE(FileIo::namesFile(directory, "file", -1));
+  EXPECT_FALSE(FileIo::namesFile(directory, "file", directory.get()));
+  ASSERT_EQ(rename((directory_ + "/file").c_str(), (directory_ + "/kept").c_str()), 0);
+  openIt(O_RDWR);
+  EXPECT_FALSE(FileIo::namesFile(directory, "file", file.get()));
 }
 
 TEST_F(SharedTableLocks, AMadeDirectoryKeepsTheBitsThatItInheritsAndIsOpenToReaders) {

@@ -349,6 +349,42 @@ TEST_F(ReaderOf, AnotherVersionOrByteOrderIsToldIncompatible) {
   EXPECT_EQ(reader_.attach().code, Errc::incompatible);
 }
 
+struct WrongHeader {
+  char const* name;
+  Errc code;
+  void (*change)(SharedTable::FixedHeader&);
+  friend void PrintTo(WrongHeader const& wrong, std::ostream* out) { *out << wrong.name; }
+};
+using Header = SharedTable::FixedHeader;
+WrongHeader const wrongHeaders[] = {
+    {"AnUnknownByteOrder", Errc::incompatible, [](Header& h) { h.byteOrder = 0x02010403; }},
+    {"AnotherRowSize", Errc::incompatible, [](Header& h) { h.rowSize += 8; }},
+    {"AnotherKeySize", Errc::incompatible, [](Header& h) { h.keySize += 8; }},
+    {"NoRows", Errc::damaged, [](Header& h) { h.maxRows = 0; }},
+    {"TooManyRows", Errc::damaged, [](Header& h) { h.maxRows = Capacity::largestMaxRows + 1; }},
+    {"TooSmallAnIndex", Errc::damaged, [](Header& h) { h.minIndexBits = 2; }},
+    {"AnIndexThatIsLargerThanTheLargest", Errc::damaged, [](Header& h) { h.minIndexBits = h.maxIndexBits + 1; }},
+    {"AnotherLargestIndex", Errc::damaged, [](Header& h) { h.maxIndexBits += 1; }},
+    {"AnIndexElsewhere", Errc::damaged, [](Header& h) { h.indexOffset[1] += 4096; }},
+    {"SlotsElsewhere", Errc::damaged, [](Header& h) { h.slotsOffset += 4096; }},
+    {"AnotherSize", Errc::damaged, [](Header& h) { h.fileSize += 4096; }},
+};
+class WrongHeaders : public ReaderOf, public testing::WithParamInterface<WrongHeader> {};
+INSTANTIATE_TEST_SUITE_P(SharedTable, WrongHeaders, testing::ValuesIn(wrongHeaders),
+                         [](auto const& of) { return of.param.name; });
+
+TEST_P(WrongHeaders, AreNotBelievedThoughTheirCrcHolds) {
+  mountAndAttach();
+  SharedTable::Fd const file(open(path().c_str(), O_RDWR | O_CLOEXEC));
+  Header header{};
+  ASSERT_EQ(pread(file.get(), &header, sizeof header, 0), static_cast<ssize_t>(sizeof header));
+  GetParam().change(header);
+  header.crc = SharedTable::crc32(&header, offsetof(Header, crc));
+  ASSERT_EQ(pwrite(file.get(), &header, sizeof header, 0), static_cast<ssize_t>(sizeof header));
+  EXPECT_EQ(reader_.attach().code, GetParam().code);
+  EXPECT_FALSE(reader_.attached());
+}
+
 TEST_F(ReaderOf, EveryDamagedOctetOfTheHeaderIsNoticed) {
   mountAndAttach();
   for (U64 offset = 0; offset < sizeof(SharedTable::FixedHeader); ++offset) {
