@@ -99,7 +99,8 @@ def check_options(command, page, sections):
     for name in of_help - {"--help"}:
         checks.contains(f"{page}: synopsis", sections["SYNOPSIS"], name)
     for name in re.findall(r"^Usage: .*\] (.*)", shown, re.MULTILINE):
-        checks.contains(f"{page}: arguments of the synopsis", words(sections["SYNOPSIS"]), name)
+        synopsis = words(sections["SYNOPSIS"]).removesuffix(" ...")
+        checks.true(f"{page}: {synopsis!r} ends with {name}", synopsis.endswith(name))
 
 
 def check_mentions(page, text, own):
