@@ -63,7 +63,8 @@ class Page {
   std::string text() {
     std::ranges::stable_sort(sections_, {}, [](Paragraph const& paragraph) { return placeOf(paragraph.section); });
     std::string result;
-    for (auto const& [section, text] : sections_) result += ".SH " + section + '\n' + text + '\n';
+    for (auto const& [section, text] : sections_)
+      result.append(".SH ").append(section).append("\n").append(text).append("\n");
     return result;
   }
 
