@@ -198,6 +198,7 @@ def check_refusals(folder):
     check_failure("no server", run("mirror", nowhere), f"{nowhere}: nobody listens there")
     check_failure("a path too long", run("mirror", folder + "/" + "x" * 200), "too long")
     check_failure("a path too long to follow", run("mirror", "x" * 200, "--follow"), "too long")
+    check_failure("a file for a directory", run("mirror", EXAMPLE + "/x"), "/x: cannot be connected to: Not a directory")
     check_failure("garbage", served_by(nowhere, lambda c: c.sendall(b"x" * 1000)), "what comes from there cannot be read")
     check_failure("a short answer", served_by(nowhere, lambda c: c.sendall(b"")), "the server has ended")
     check_failure("silence", served_by(nowhere, lambda c: c.recv(1)), "nothing has come for 10 seconds; it may have as many mirrors as it serves")

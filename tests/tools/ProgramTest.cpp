@@ -85,6 +85,12 @@ TEST(ProgramHelp, ThatCannotBeWrittenFails) {
   EXPECT_EQ(err.str(), "routeradvt: the output could not be written\n");
 }
 
+TEST(ProgramHelp, UsageHasWhatIsRequired) {
+  EXPECT_THAT(run({"send", "--help"}).out, HasSubstr("\nUsage: routeradvt send --via DEV [OPTION...] FILE INTF\n"));
+  EXPECT_THAT(run({"serve", "--help"}).out, HasSubstr("\nUsage: routeradvt serve --socket PATH [OPTION...] FILE\n"));
+  EXPECT_THAT(run({"show", "--help"}).out, HasSubstr("\nUsage: routeradvt show [OPTION...] FILE [INTF]\n"));
+}
+
 TEST(Program, TellsItsVersion) {
   Outcome const outcome = run({"--version"});
   EXPECT_EQ(outcome.status, ExitStatus::success);

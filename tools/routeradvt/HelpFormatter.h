@@ -34,6 +34,15 @@ class HelpFormatter : public CLI::Formatter {
   std::string make_help(CLI::App const* app, std::string name, CLI::AppFormatMode mode) const override {
     return CLI::detail::find_and_replace(CLI::Formatter::make_help(app, std::move(name), mode), "\n\n\n", "\n\n");
   }
+  /// Options without which the command does nothing stand before those that may be left out.
+  std::string make_usage(CLI::App const* app, std::string name) const override {
+    std::string required;
+    for (CLI::Option const* option : app->get_options())
+      if (option->get_required() && !option->get_positional())
+        required += option->get_name() + ' ' + valueName(*option) + ' ';
+    return CLI::detail::find_and_replace(CLI::Formatter::make_usage(app, std::move(name)), "[OPTION...]",
+                                         required + "[OPTION...]");
+  }
   std::string make_option_opts(CLI::Option const* option) const override {
     std::string const name = valueName(*option);
     return name.empty() ? name : ' ' + name;

@@ -36,7 +36,7 @@ void MirrorClient::attach() {
   FileDescriptor connection = connectTo(path_, error);
   if (std::string const reason = passingReason(path_, error); !reason.empty()) return missing(reason);
   if (error == ECONNREFUSED) throw Failure(printable(path_) + ": there is something that is no socket");
-  if (error != 0) throw Failure(printable(path_) + ": " + std::strerror(error));
+  if (error != 0) throw Failure(printable(path_) + ": cannot be connected to: " + std::strerror(error));
   socket_.assign(asio::local::stream_protocol(), connection.release());
   reader_.attach();
   observer_.onAttached();

@@ -48,6 +48,14 @@ std::vector<Ip6AddrWithMask> addressesOf(std::string const& name) {
   return result;
 }
 
+/// Of all interfaces of this machine.
+std::vector<std::string> interfaceNames() {
+  std::unique_ptr<struct if_nameindex, void (*)(struct if_nameindex*)> const list(if_nameindex(), &if_freenameindex);
+  std::vector<std::string> names;
+  for (auto const* entry = list.get(); entry && entry->if_index != 0; ++entry) names.emplace_back(entry->if_name);
+  return names;
+}
+
 /// Asks the kernel one question about the interface.
 ifreq askKernel(FileDescriptor const& socket, std::string const& name, unsigned long question) {
   ifreq request{};
@@ -62,13 +70,6 @@ ifreq askKernel(FileDescriptor const& socket, std::string const& name, unsigned 
 }
 
 }  // namespace
-
-std::vector<std::string> interfaceNames() {
-  std::unique_ptr<struct if_nameindex, void (*)(struct if_nameindex*)> const list(if_nameindex(), &if_freenameindex);
-  std::vector<std::string> names;
-  for (auto const* entry = list.get(); entry && entry->if_index != 0; ++entry) names.emplace_back(entry->if_name);
-  return names;
-}
 
 NetworkInterface lookUpInterface(std::string const& name) {
   FileDescriptor const socket(::socket(AF_INET6, SOCK_DGRAM | SOCK_CLOEXEC, 0));

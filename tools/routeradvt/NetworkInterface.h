@@ -28,7 +28,4 @@ NetworkInterface lookUpInterface(std::string const& name);
 /// The same; throws `Failure` where it has no MAC address too.
 NetworkInterface lookUpEthernetInterface(std::string const& name);
 
-/// The names of all interfaces.
-std::vector<std::string> interfaceNames();
-
 }  // namespace Tool

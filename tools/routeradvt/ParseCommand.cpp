@@ -81,7 +81,7 @@ class ParseCommand final : public Command {
  public:
   CLI::App& addTo(CLI::App& program) override {
     CLI::App& app = *program.add_subcommand("parse", "read the advertisements in a capture file");
-    namesA("file", app.add_option("FILE", file_, "capture file, pcap or pcapng; -: standard input"))->required();
+    namesA("file", app.add_option("FILE", file_, "capture file, pcap or pcapng; - is standard input"))->required();
     addValueOption(app, "--intf", intfId_, "NAME", "interface that they are taken to have arrived on; else 'capture'");
     app.add_flag("--json", json_, "one JSON object a packet, a line each");
     app.footer(

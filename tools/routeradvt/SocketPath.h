@@ -19,7 +19,6 @@ class SocketPath {
   /// Removes the socket, unless another one has taken its place.
   ~SocketPath();
 
-  std::string const& path() const { return path_; }
   /// The listening socket, nonblocking, for the caller to own. Once.
   FileDescriptor takeListener() { return std::move(listener_); }
 
