@@ -16,7 +16,8 @@ namespace Stats {
 
 using Fwk::U64;
 
-/// Counts up from 0 and wraps at 2^64. One thread increments it; any thread may read it.
+/// Counts up from 0 and wraps at 2^64. Any thread may read it. Whoever names a counter decides how it is incremented,
+/// and that is the only way for it: by one thread, or by any thread, which takes three times as long.
 class Counter {
  public:
   explicit Counter(std::string_view name) : name_(name) {}
@@ -26,15 +27,19 @@ class Counter {
   std::string const& name() const noexcept { return name_; }
   U64 value() const noexcept { return value_.load(std::memory_order_relaxed); }
 
+  /// By one thread: of two that do so at once, one may not be counted.
   Counter& operator++() noexcept {
     add(1);
     return *this;
   }
   void add(U64 count) noexcept { value_.store(value() + count, std::memory_order_relaxed); }
 
+  /// By any thread.
+  void addShared(U64 count) noexcept { value_.fetch_add(count, std::memory_order_relaxed); }
+
  private:
   std::string const name_;
-  // Relaxed on both sides and without a partner: a count orders nothing, and its one writer needs no read-modify-write.
+  // Relaxed on all sides and without a partner: a count orders nothing, and one writer needs no read-modify-write.
   std::atomic<U64> value_{0};
 };
 

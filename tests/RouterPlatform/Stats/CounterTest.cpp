@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <barrier>
 #include <thread>
 
 namespace {
@@ -41,6 +42,20 @@ TEST(Counter, ASnapshotListsAllCountersByName) {
   EXPECT_THAT(samples, Contains(Stats::Sample{"CounterTest.snapshotA", 1}));
   EXPECT_THAT(samples, Contains(Stats::Sample{"CounterTest.snapshotB", 2}));
   EXPECT_TRUE(std::ranges::is_sorted(samples, {}, &Stats::Sample::name));
+}
+
+TEST(Counter, CountsWhatTwoThreadsAddAtOnceWhenItIsShared) {
+  Stats::Counter& counted = counter("CounterTest.shared");
+  std::uint64_t const before = counted.value();
+  std::barrier<> start(2);
+  auto const count = [&] {
+    start.arrive_and_wait();
+    for (int i = 0; i < 1000000; ++i) counted.addShared(1);
+  };
+  std::thread other(count);
+  count();
+  other.join();
+  EXPECT_EQ(counted.value() - before, 2000000u);
 }
 
 TEST(Counter, AnotherThreadMayReadWhileOneCounts) {
