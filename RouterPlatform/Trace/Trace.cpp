@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -94,13 +95,15 @@ void appendPrintable(std::string& out, std::string_view text) {
 }
 
 /// One write a message, so that lines of several threads and processes do not mix.
-void writeToStandardError(Record const& record) {
+void writeToStandardError(Record const& record) try {
   std::string line;
   appendTexts(line, record.handle, '/', record.level, ' ', record.source, ':', record.line, ": ", record.function,
               ": ");
   appendPrintable(line, record.text);
   line += '\n';
   std::fwrite(line.data(), 1, line.size(), stderr);
+} catch (std::bad_alloc const&) {
+  std::fputs("trace: a message was lost, out of memory\n", stderr);
 }
 
 /// The process's handles and the settings made so far. It never ends: handles in static objects outlive everything.

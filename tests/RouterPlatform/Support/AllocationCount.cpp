@@ -14,6 +14,7 @@ constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
 std::atomic<std::size_t> allocations{0};
 std::atomic<std::size_t> releases{0};
 constinit thread_local std::size_t allowedAllocations = unlimited;
+constinit thread_local std::size_t failuresToCome = 0;
 
 void* counted(void* memory) {
   if (!memory) throw std::bad_alloc();
@@ -23,8 +24,12 @@ void* counted(void* memory) {
 
 void takeLeave() {
   if (allowedAllocations == unlimited) return;
-  if (allowedAllocations == 0) throw std::bad_alloc();
-  --allowedAllocations;
+  if (allowedAllocations > 0) {
+    --allowedAllocations;
+  } else if (failuresToCome > 0) {
+    if (failuresToCome != unlimited) --failuresToCome;
+    throw std::bad_alloc();
+  }
 }
 
 void release(void* memory) noexcept {
@@ -37,7 +42,10 @@ void release(void* memory) noexcept {
 std::size_t allocationCount() noexcept { return allocations.load(std::memory_order_relaxed); }
 std::size_t liveAllocationCount() noexcept { return allocationCount() - releases.load(std::memory_order_relaxed); }
 
-AllocationFailure::AllocationFailure(std::size_t allowed) noexcept { allowedAllocations = allowed; }
+AllocationFailure::AllocationFailure(std::size_t allowed, std::size_t failures) noexcept {
+  allowedAllocations = allowed;
+  failuresToCome = failures;
+}
 AllocationFailure::~AllocationFailure() { allowedAllocations = unlimited; }
 
 void* operator new(std::size_t size) {

@@ -1,4 +1,5 @@
 #include <RouterPlatform/Trace/Trace.h>
+#include <tests/RouterPlatform/Support/AllocationCount.h>
 #include <tests/RouterPlatform/Trace/TraceCapture.h>
 
 #include <gmock/gmock.h>
@@ -239,6 +240,18 @@ TEST(TraceThreads, MessagesSettingsAndSinksMayMeet) {
   Trace::sinkIs(former);
   Trace::levelsIs("TraceThreads/");
   EXPECT_GE(received, 4U * 500 * 10);
+}
+
+TEST(Trace, SaysThatAMessageIsLostWhenThereIsNoMemoryForIt) {
+  Trace::levelsIs("TraceTest/3");
+  testing::internal::CaptureStderr();
+  {
+    AllocationFailure const failure(0);
+    TRACE(handle, 3, "short");
+  }
+  std::string const output = testing::internal::GetCapturedStderr();
+  Trace::levelsIs("TraceTest/");
+  EXPECT_EQ(output, "trace: a message was lost, out of memory\n");
 }
 
 }  // namespace
