@@ -216,6 +216,30 @@ def check_drops(pair):
                  {"advertisements": 2, "dropped": len(DROPPED), "routers": 2})
 
 
+def check_table(pair):
+    """While it listens, another process reads the routers from the table that it keeps; with its end the table goes."""
+    def shown():
+        result = pair.host.run(PROGRAM, "neighbors", "--json", check=False)
+        return json.loads(result.stdout) if result.returncode == 0 else {}
+
+    listener = Listener(pair.host)
+    checks.true("listen has joined the group", eventually(lambda: is_listening(pair.host)))
+    checks.equal("table: empty", shown().get("neighbors"), [])
+    send(pair.router, frame(ADVERT, "fe80::e1"), frame(ADVERT, "fe80::e2"), frame(ADVERT, "fe80::e3", hop_limit=1))
+    expected = {("host", "fe80::e1"), ("host", "fe80::e2")}
+    heard = eventually(lambda: {(row["interface"], row["router"]) for row in shown()["neighbors"]} == expected)
+    table = shown()
+    checks.true(f"table: who was heard, and nobody else: {table}", heard)
+    checks.equal("table: the writer is the one that listens", table["writer"],
+                 {"alive": True, "pid": listener.process.pid})
+    ages = [row["age"] for row in table["neighbors"]]
+    checks.true(f"table: heard just now: {ages}", all(0 <= age < 30 for age in ages))
+    checks.equal("table: exit status", listener.stop(), 0)
+    after = pair.host.run(PROGRAM, "neighbors", check=False)
+    checks.equal("table: gone with its writer", after.returncode, 1)
+    checks.contains("table: said so", after.stderr, "there is no table")
+
+
 def check_fragments(pair):
     listener = Listener(pair.host, "--json", "--count", "1")
     checks.true("listen has joined the group", eventually(lambda: is_listening(pair.host)))
@@ -338,6 +362,7 @@ with tempfile.TemporaryDirectory() as directory, Pair() as nodes:
     else:
         print("radvd is not installed: what it sends is not looked at")
     check_drops(nodes)
+    check_table(nodes)
     check_fragments(nodes)
     check_flood(nodes)
     check_start(nodes)
