@@ -1,5 +1,6 @@
 #include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaStatus.h>
 #include <RouterPlatform/Fwk/Attributes.h>
+#include <RouterPlatform/Fwk/Steps.h>
 
 #include <optional>
 
@@ -40,30 +41,33 @@ RouterNeighborRaStatus::RouterNeighborRaStatus(Name name)
 /// The table keeps the control it was bound to: that one decides about the entity's end, and it must hear of the
 /// unmounting when the entity refers to it no more.
 void RouterNeighborRaStatus::bindTable(Ptr<SharedTable::CollectionControl> const& control) {
-  tableControl_ = control;
   table_.callbacksAre({[this](RouterNeighborRaKey const& key) { routerNeighborRaNotify(key); },
                        [this, control] { control->mountStatusIs(table_.mountStatus()); },
                        [control](bool quiesced) { control->quiescedIs(quiesced); }});
+  tableControl_ = control;
 }
 
 void RouterNeighborRaStatus::routerNeighborRaControlIs(Ptr<SharedTable::CollectionControl> const& control) {
   Ptr<RouterNeighborRaStatus> const alive(this);  // the former control may have been what kept it
-  if (control && control != tableControl_) {
-    handTableOverTo(control);
-    if (control != tableControl_) return;  // an observer has set yet another one
-  }
-  attrIs(control_, control, routerNeighborRaControlAttr);
+  Fwk::Steps steps;
+  if (control && control != tableControl_) steps.run([&] { handTableOverTo(control); });
+  // Unless an observer has set yet another one.
+  if (!control || control == tableControl_) steps.run([&] { attrIs(control_, control, routerNeighborRaControlAttr); });
+  steps.finish();
 }
 
-/// Each step tells observers, which may set another control: what is left of these steps is that one's then.
+/// Each step tells observers, which may set another control: what is left of these steps is that one's then. They may
+/// throw as well, which must not leave the former control in the belief that its table is in use.
 void RouterNeighborRaStatus::handTableOverTo(Ptr<SharedTable::CollectionControl> const& control) {
   Ptr<SharedTable::CollectionControl> const former = tableControl_;
   bindTable(control);
-  control->quiescedIs(table_.mountStatus() != SharedTable::MountStatus::mounted);
-  if (control == tableControl_) control->mountStatusIs(table_.mountStatus());
+  Fwk::Steps steps;
+  steps.run([&] { control->quiescedIs(table_.mountStatus() != SharedTable::MountStatus::mounted); });
+  if (control == tableControl_) steps.run([&] { control->mountStatusIs(table_.mountStatus()); });
   if (control == tableControl_ && former->keptEntity()) control->entityIs(former->keptEntity());
-  former->mountStatusIs(SharedTable::MountStatus::unmounted);
-  former->quiescedIs(true);
+  steps.run([&] { former->mountStatusIs(SharedTable::MountStatus::unmounted); });
+  steps.run([&] { former->quiescedIs(true); });
+  steps.finish();
 }
 
 /// Mounted it can only end when its control was taken away; the control it was bound to is told all the same.
@@ -93,6 +97,8 @@ RouterNeighborRa RouterNeighborRaStatus::routerNeighborRaDel(RouterNeighborRaKey
 }
 
 void RouterNeighborRaStatus::routerNeighborRaDelAll() {
+  Ptr<RouterNeighborRaStatus> const alive(this);
+  table_.damagedRowsDel();
   for (auto const& row : routerNeighborRa()) routerNeighborRaDel(row.key);
 }
 
@@ -115,7 +121,7 @@ void RouterNeighborRaStatus::handleParent(Ptr<Fwk::Entity> parent) {
   if (parent)
     (void)table_.mountPathIs(tablePath());  // what goes wrong is counted, traced, and the mount status says it
   else
-    (void)table_.mountPathDel();
+    (void)table_.mountPathDel();  // without memory the rows stay in the file, which is traced; nothing else is amiss
 }
 
 RouterNeighborRaStatus::Rows::Iterator::Iterator(RouterNeighborRaStatus const& status) : status_(&status) {

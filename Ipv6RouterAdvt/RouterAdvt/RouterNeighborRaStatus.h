@@ -49,7 +49,8 @@ class ROUTER_ADVT_EXPORT RouterNeighborRaStatus final : public Fwk::Entity {
   /// Removes and returns the row of that key and notifies with the key; the default row, and nobody notified, when
   /// there is none.
   RouterNeighborRa routerNeighborRaDel(RouterNeighborRaKey const& key);
-  /// `routerNeighborRaDel` for every row that is there now.
+  /// `routerNeighborRaDel` for every row that is there now. What is damaged goes too: the corruption handler is told,
+  /// and the observers where the key is known.
   void routerNeighborRaDelAll();
 
   /// The table's writable slot with the row of that key in it, or null. It is changed there, then published by
@@ -75,7 +76,8 @@ class ROUTER_ADVT_EXPORT RouterNeighborRaStatus final : public Fwk::Entity {
   /// Why the table could not be mounted, when its mount status is `failed`.
   SharedTable::Error const& mountError() const { return table_.mountError(); }
 
-  /// What becomes of damage in the shared memory before the operation that met it fails.
+  /// What becomes of damage in the shared memory before the operation that met it fails. It must not take the entity
+  /// out of its tree, put it there, or end it.
   void corruptionHandlerIs(SharedTable::WriterBase::CorruptionHandler handler) {
     table_.corruptionHandlerIs(std::move(handler));
   }

@@ -1,4 +1,5 @@
 #include <RouterPlatform/Fwk/Attributes.h>
+#include <RouterPlatform/Fwk/Steps.h>
 #include <RouterPlatform/SharedTable/CollectionControl.h>
 
 #include <utility>
@@ -7,14 +8,18 @@ namespace SharedTable {
 
 void CollectionControl::mountStatusIs(MountStatus status) {
   Fwk::Ptr<CollectionControl> const alive(this);
-  attrIs(mountStatus_, status, mountStatusAttr);
+  Fwk::Steps steps;
+  steps.run([&] { attrIs(mountStatus_, status, mountStatusAttr); });
   letGoUnlessInUse();
+  steps.finish();
 }
 
 void CollectionControl::quiescedIs(bool quiesced) {
   Fwk::Ptr<CollectionControl> const alive(this);
-  attrIs(quiesced_, quiesced, quiescedAttr);
+  Fwk::Steps steps;
+  steps.run([&] { attrIs(quiesced_, quiesced, quiescedAttr); });
   letGoUnlessInUse();
+  steps.finish();
 }
 
 void CollectionControl::entityIs(Fwk::Ptr<Fwk::Entity> entity) {

@@ -8,7 +8,8 @@ namespace SharedTable {
 
 /// What is known of one mounted collection, and what keeps the entity that publishes it alive: an entity whose last
 /// outside reference goes while other processes may be reading must not end before its table is unmounted. Observers
-/// hear of mount status and quiescence. Used by one thread at a time.
+/// hear of mount status and quiescence; what they throw reaches the caller, after all has been done. Used by one thread
+/// at a time.
 class ROUTER_PLATFORM_EXPORT CollectionControl final : public Fwk::Entity {
  public:
   enum Attr : Fwk::AttrId {

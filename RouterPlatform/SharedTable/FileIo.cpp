@@ -7,6 +7,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -62,11 +63,13 @@ U64 nanoseconds(struct timespec const& time) noexcept {
   return static_cast<U64>(time.tv_sec) * 1000000000U + static_cast<U64>(time.tv_nsec);
 }
 
-std::string readSmallFile(char const* path) {
+/// The text, which stands in `buffer` with a zero octet behind it: no memory is needed.
+std::string_view readSmallFile(char const* path, std::array<char, 1024>& buffer) noexcept {
   Fd const file(open(path, O_RDONLY | O_CLOEXEC));
-  char text[1024];
-  ssize_t const size = file ? read(file.get(), text, sizeof text) : -1;
-  return size > 0 ? std::string(text, static_cast<std::size_t>(size)) : std::string();
+  ssize_t const size = file ? read(file.get(), buffer.data(), buffer.size() - 1) : -1;
+  std::size_t const octets = size > 0 ? static_cast<std::size_t>(size) : 0;
+  buffer[octets] = '\0';
+  return {buffer.data(), octets};
 }
 
 }  // namespace
@@ -172,7 +175,8 @@ int wakeAll(std::atomic<U32> const& word) noexcept {
 std::array<U8, 16> bootId() noexcept {
   std::array<U8, 16> id{};
   std::size_t digits = 0;
-  for (char const c : readSmallFile("/proc/sys/kernel/random/boot_id")) {
+  std::array<char, 1024> buffer;
+  for (char const c : readSmallFile("/proc/sys/kernel/random/boot_id", buffer)) {
     int const digit = c >= '0' && c <= '9' ? c - '0' : c >= 'a' && c <= 'f' ? c - 'a' + 10 : -1;
     if (digit < 0 || digits == 32) continue;
     id[digits / 2] = static_cast<U8>(id[digits / 2] << 4 | digit);
@@ -182,11 +186,12 @@ std::array<U8, 16> bootId() noexcept {
 }
 
 U64 processStartTime() noexcept {
-  std::string const status = readSmallFile("/proc/self/stat");
+  std::array<char, 1024> buffer;
+  std::string_view const status = readSmallFile("/proc/self/stat", buffer);
   std::size_t at = status.rfind(')');  // the name in parentheses may hold anything
-  if (at == std::string::npos) return 0;
-  for (int field = 2; field < 22 && at != std::string::npos; ++field) at = status.find(' ', at + 1);
-  return at == std::string::npos ? 0 : std::strtoull(status.c_str() + at, nullptr, 10);
+  if (at == std::string_view::npos) return 0;
+  for (int field = 2; field < 22 && at != std::string_view::npos; ++field) at = status.find(' ', at + 1);
+  return at == std::string_view::npos ? 0 : std::strtoull(status.data() + at, nullptr, 10);
 }
 
 U64 realtime() noexcept { return nanoseconds(now(CLOCK_REALTIME)); }

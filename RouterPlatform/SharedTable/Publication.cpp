@@ -38,6 +38,8 @@ void retireFormer(Fd const& file) noexcept {
 Error Publication::claim(std::string const& directory, std::string_view mountPath, std::string_view collection) {
   mountPath_ = mountPath;
   collection_ = collection;
+  name_ = collection_ + ".tbl";
+  temporaryName_ = "." + collection_ + ".tmp";
   if (!FileIo::namesAreSound(mountPath, collection))
     return {Errc::badName, 0, path(collection_) + ": not a mount path and collection name"};
   if (Error error = FileIo::openDirectory(directory, mountPath, true, {}, directory_)) return error;
@@ -58,29 +60,29 @@ Error Publication::secondWriter() const {
 /// Somebody may have removed the `.lock` of a writer that lives; its table is locked too.
 Error Publication::checkFormer() const {
   Fd file;
-  if (FileIo::openTrusted(directory_, name(), O_RDONLY, {}, file)) return {};  // no table: publishing replaces it
+  if (FileIo::openTrusted(directory_, name_, O_RDONLY, {}, file)) return {};  // no table: publishing replaces it
   bool held = false;
-  if (int const error = FileIo::findWriteLock(file.get(), held)) return FileIo::systemFailure(error, path(name()));
+  if (int const error = FileIo::findWriteLock(file.get(), held)) return FileIo::systemFailure(error, path(name_));
   return held ? secondWriter() : Error{};
 }
 
 Publication::~Publication() {
-  if (building_) unlinkat(directory_.get(), temporaryName().c_str(), 0);
+  if (building_) unlinkat(directory_.get(), temporaryName_.c_str(), 0);
 }
 
 Error Publication::createFile(U64 size, Memory& out) {
-  unlinkat(directory_.get(), temporaryName().c_str(), 0);  // what a killed writer may have left
+  unlinkat(directory_.get(), temporaryName_.c_str(), 0);  // what a killed writer may have left
   Fd file;
-  if (Error error = FileIo::openTrusted(directory_, temporaryName(), O_RDWR | O_CREAT | O_EXCL, {}, file)) return error;
+  if (Error error = FileIo::openTrusted(directory_, temporaryName_, O_RDWR | O_CREAT | O_EXCL, {}, file)) return error;
   building_ = true;
-  if (int const error = out.mapFile(std::move(file), size)) return FileIo::systemFailure(error, path(temporaryName()));
+  if (int const error = out.mapFile(std::move(file), size)) return FileIo::systemFailure(error, path(temporaryName_));
   return {};
 }
 
 /// The file that has the name now, if it is a whole table of this format.
 Fd Publication::openFormer() const {
   Fd file;
-  if (FileIo::openTrusted(directory_, name(), O_RDWR, {}, file)) return {};
+  if (FileIo::openTrusted(directory_, name_, O_RDWR, {}, file)) return {};
   FixedHeader header{};
   struct stat status {};
   bool const isTable = fstat(file.get(), &status) == 0 && status.st_size >= static_cast<off_t>(headerSize) &&
@@ -92,17 +94,17 @@ Fd Publication::openFormer() const {
 Error Publication::publish(Memory const& memory, mode_t mode) {
   Fd const former = openFormer();
   // Nobody else can have the file open yet, so nobody's lock is in the way: this one tells readers that we live.
-  if (int const error = FileIo::lockForWriting(memory.fd())) return FileIo::systemFailure(error, path(name()));
+  if (int const error = FileIo::lockForWriting(memory.fd())) return FileIo::systemFailure(error, path(name_));
   if (fchmod(memory.fd(), mode & 0755) != 0 ||
-      renameat(directory_.get(), temporaryName().c_str(), directory_.get(), name().c_str()) != 0)
-    return FileIo::systemFailure(errno, path(name()));
+      renameat(directory_.get(), temporaryName_.c_str(), directory_.get(), name_.c_str()) != 0)
+    return FileIo::systemFailure(errno, path(name_));
   building_ = false;
   if (former) retireFormer(former);
   return {};
 }
 
 void Publication::withdraw(Memory const& memory) noexcept {
-  if (FileIo::namesFile(directory_, name(), memory.fd())) unlinkat(directory_.get(), name().c_str(), 0);
+  if (FileIo::namesFile(directory_, name_, memory.fd())) unlinkat(directory_.get(), name_.c_str(), 0);
 }
 
 }  // namespace SharedTable

@@ -34,8 +34,6 @@ class Publication {
   void withdraw(Memory const& memory) noexcept;
 
  private:
-  std::string name() const { return collection_ + ".tbl"; }
-  std::string temporaryName() const { return "." + collection_ + ".tmp"; }
   std::string path(std::string const& name) const { return mountPath_ + "/" + name; }
   Error secondWriter() const;
   Error checkFormer() const;
@@ -43,6 +41,8 @@ class Publication {
 
   std::string mountPath_;
   std::string collection_;
+  std::string name_;  // made once: withdrawing and the end must not need memory
+  std::string temporaryName_;
   Fd directory_;
   Fd lock_;
   bool building_ = false;

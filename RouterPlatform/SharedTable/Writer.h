@@ -21,8 +21,8 @@ class Writer : public WriterBase {
 
   /// What the writer tells its owner, on the owner's thread, from inside the operation.
   struct Callbacks {
-    /// A row changed by the table's own doing: it was found damaged when the rows moved, and is gone. Not called for
-    /// what the owner does himself.
+    /// A row changed by the table's own doing: it was found damaged when the rows moved, or when all or the damaged
+    /// ones were removed, and is gone. Not called for what the owner does himself.
     std::function<void(Key const&)> rowChanged;
     /// `mountStatus()` has another value.
     std::function<void()> mountStatus;
@@ -61,10 +61,8 @@ class Writer : public WriterBase {
     return remove(&key, &row) ? std::optional<R>(row) : std::nullopt;
   }
 
-  /// Removes every row.
-  void rowDelAll() {
-    forEach([this](R const& row) { rowDel(row.key()); });
-  }
+  /// Removes every row, and what is damaged, as `damagedRowsDel` does.
+  void rowDelAll() { removeAll(); }
 
   /// The writable slot, with the row of `key` in it; null if there is none. Change the row there, but not its key, and
   /// publish it with `commit`. Valid until the next call.

@@ -1,3 +1,4 @@
+#include <RouterPlatform/Fwk/Steps.h>
 #include <RouterPlatform/SharedTable/Publication.h>
 #include <RouterPlatform/SharedTable/WriterBase.h>
 #include <RouterPlatform/SharedTable/WriterCore.h>
@@ -10,6 +11,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <new>
+#include <utility>
 #include <vector>
 
 namespace SharedTable {
@@ -28,6 +30,21 @@ struct Counters {
 Counters& counters() {
   static Counters all;
   return all;
+}
+
+constexpr std::string_view moving = "moving the rows";
+
+/// So short that it takes no memory.
+Error outOfMemory() { return {Errc::system, ENOMEM, "out of memory"}; }
+
+/// A message that must not fail: what is told may well be that there is no memory.
+template <class... Parts>
+void traceSurely(unsigned level, Trace::Location where, Parts const&... parts) noexcept {
+  try {
+    TRACE_AT(traceHandle, level, where, parts...);
+  } catch (std::bad_alloc const&) {
+    TRACE_AT(traceHandle, level, where, "out of memory");
+  }
 }
 
 std::shared_ptr<WriterCore> privateCore(RowType const& type, Capacity capacity, U32 rows) {
@@ -50,28 +67,54 @@ bool parseText(std::string_view text, MountStatus& status) noexcept {
   return true;
 }
 
-/// Tells the owner what a mounting or unmounting has made of the table. Each callback may mount, unmount or end the
-/// writer: what is left to be told is true no more then.
+/// What takes the place of the rows' present place.
+struct WriterBase::Next {
+  std::unique_ptr<Publication> place;
+  std::shared_ptr<WriterCore> core;
+  WriterCore::Damages damages;  ///< in the present place
+};
+
+/// Tells the owner what has become of the table. Each callback may mount, unmount or end the writer: what is left to be
+/// told is true no more then. All are called, whatever one of them throws.
 class WriterBase::Telling {
  public:
-  explicit Telling(WriterBase& writer) noexcept
-      : callbacks_(writer.callbacks_), mountings_(writer.mountings_), mounting_(++*mountings_) {}
+  explicit Telling(WriterBase const& writer) noexcept
+      : callbacks_(writer.callbacks_), told_(writer.told_), mounting_(told_->mountings) {}
 
-  void mountStatus() const { tell(callbacks_->mountStatus); }
-  void quiesced(bool quiesced) const { tell(callbacks_->quiesced, quiesced); }
-  void rowsChanged(LostRows const& rows) const {
-    for (auto const& row : rows) tell(callbacks_->rowChanged, row.data());
+  /// First of all, while nothing can have ended the writer.
+  void damages(WriterBase const& writer, WriterCore::Damages const& damages, std::string_view during) {
+    for (auto const& damage : damages) steps_.run([&] { writer.reportCorruption(damage.corruption, during); });
   }
+  void mounted() {
+    told_->quiesced = false;
+    tell(callbacks_->quiesced, false);
+    tell(callbacks_->mountStatus);
+  }
+  void rowsChanged(WriterCore::Damages const& damages) {
+    for (auto const& damage : damages)
+      if (!damage.row.empty()) tell(callbacks_->rowChanged, damage.row.data());
+  }
+  /// An unmounting that was made untrue has not said that the table is quiesced; this one does.
+  void unmounted() {
+    tell(callbacks_->mountStatus);
+    if (superseded() || std::exchange(told_->quiesced, true)) return;
+    tell(callbacks_->quiesced, true);
+  }
+  /// Throws what the first of them threw.
+  void finish() { steps_.finish(); }
 
  private:
+  bool superseded() const noexcept { return told_->mountings != mounting_; }
+
   template <class Callback, class... Args>
-  void tell(Callback const& callback, Args... args) const {
-    if (callback && *mountings_ == mounting_) callback(args...);
+  void tell(Callback const& callback, Args... args) noexcept {
+    if (callback && !superseded()) steps_.run([&] { callback(args...); });
   }
 
   std::shared_ptr<BaseCallbacks const> const callbacks_;
-  std::shared_ptr<U64> const mountings_;
+  std::shared_ptr<Told> const told_;
   U64 const mounting_;
+  Fwk::Steps steps_;
 };
 
 WriterBase::WriterBase(RowType const& type, std::string collection, WriterOptions const& options)
@@ -79,11 +122,14 @@ WriterBase::WriterBase(RowType const& type, std::string collection, WriterOption
       collection_(std::move(collection)),
       options_(options),
       callbacks_(std::make_shared<BaseCallbacks>()),
-      mountings_(std::make_shared<U64>(0)),
-      core_(privateCore(type, options.capacity, options.capacity.initialRows)) {}
+      told_(std::make_shared<Told>()),
+      core_(privateCore(type, options.capacity, options.capacity.initialRows)) {
+  counters();  // made while there is memory
+}
 
 WriterBase::~WriterBase() {
-  *mountings_ += 1;
+  assertNotReporting();
+  told_->mountings += 1;
   if (mountStatus_ == MountStatus::mounted) leaveFile();
 }
 
@@ -96,107 +142,140 @@ U32 WriterBase::maxRows() const noexcept { return core_->maxRows(); }
 U64 WriterBase::changeCount() const noexcept { return core_->changeCount(); }
 
 Error WriterBase::mountPathIs(std::string_view path) {
+  assertNotReporting();
   if (path.empty()) return mountPathDel();
   if (mountStatus_ != MountStatus::mounted) return mount(path);
   if (path == mountPath_) return {};
   std::string const wanted(path);
-  auto const mountings = mountings_;
-  U64 const unmounting = *mountings + 1;
-  if (Error error = unmount()) return error;
-  if (*mountings != unmounting) return {};  // a callback has decided otherwise, or ended this
+  auto const told = told_;
+  U64 const before = told->mountings;
+  Error error = unmount();
+  if (told->mountings == before) return error;
+  if (told->mountings != before + 1) return {};  // a callback has decided otherwise, or ended this
   return mount(wanted);
 }
 
 Error WriterBase::mountPathDel() {
+  assertNotReporting();
   if (mountStatus_ == MountStatus::mounted) return unmount();
   mountPath_.clear();
   if (mountStatus_ == MountStatus::failed) {
     mountStatus_ = MountStatus::unmounted;
     mountError_ = {};
-    Telling(*this).mountStatus();
+    told_->mountings += 1;
+    Telling telling(*this);
+    telling.unmounted();
+    telling.finish();
   }
   return {};
 }
 
-/// Copies the rows into `next` and makes it the table. `lostRows` are those that cannot be trusted any more.
-Error WriterBase::moveRows(WriterCore& next, LostRows& lostRows) {
-  auto const lost = [&](Corruption const& corruption, void const* row) {
-    reportCorruption(corruption, "moving the rows");
-    if (!row) return;
-    auto const* words = static_cast<U64 const*>(row);
-    lostRows.emplace_back(words, words + type_.rowSize / 8);
-  };
-  WriteStatus const status = next.copyFrom(*core_, lost);
+/// Copies the rows to where they go; what is damaged is left out.
+Error WriterBase::moveRows(Next& next) {
+  Corruption corruption;
+  WriteStatus const status = next.core->copyFrom(*core_, next.damages, corruption);
   if (status == WriteStatus::ok) return {};
-  if (status == WriteStatus::corrupt) return {Errc::damaged, 0, collection_ + ": damaged while the rows were moved"};
+  if (status == WriteStatus::corrupt) {
+    for (auto const& damage : next.damages) reportCorruption(damage.corruption, moving);
+    finishWrite(status, corruption);
+  }
   return {Errc::noSpace, ENOSPC, collection_ + ": rows do not fit"};
 }
 
-Error WriterBase::mount(std::string_view path) {
-  std::string wanted(path);
-  auto place = std::make_unique<Publication>();
-  auto next = std::make_shared<WriterCore>(type_, options_.capacity);
-  LostRows lostRows;
+Error WriterBase::publish(std::string_view path, Next& next) {
+  next.place = std::make_unique<Publication>();
+  next.core = std::make_shared<WriterCore>(type_, options_.capacity);
   Memory memory;
-  Error error = place->claim(FileIo::directoryOr(options_.directory), path, collection_);
-  if (!error) error = place->createFile(next->memorySize(), memory);
-  if (!error)
-    if (int const failure = next->start(std::move(memory), core_->count()))
-      error = FileIo::systemFailure(failure, collection_);
-  if (!error) error = moveRows(*next, lostRows);
-  if (!error) {
-    next->completeHeader();
-    error = place->publish(next->memory(), options_.mode);
+  if (Error error = next.place->claim(FileIo::directoryOr(options_.directory), path, collection_)) return error;
+  if (Error error = next.place->createFile(next.core->memorySize(), memory)) return error;
+  if (int const failure = next.core->start(std::move(memory), core_->count()))
+    return FileIo::systemFailure(failure, collection_);
+  if (Error error = moveRows(next)) return error;
+  next.core->completeHeader();
+  return next.place->publish(next.core->memory(), options_.mode);
+}
+
+Error WriterBase::mount(std::string_view path) {
+  Next next;
+  Error error;
+  try {
+    mountPath_ = path;
+    error = publish(mountPath_, next);
+    mountError_ = error;
+  } catch (std::bad_alloc const&) {
+    mountError_ = error = outOfMemory();
   }
-  mountPath_ = std::move(wanted);
-  mountError_ = error;
+  told_->mountings += 1;
   if (error) {
     // Callbacks may mount again: what this try holds, the lock above all, is given back first.
-    next.reset();
-    memory = {};
-    place.reset();
-    ++counters().mountFailed;
-    TRACE(traceHandle, 2, "Could not mount ", path, "/", collection_, ": ", error.code, ": ", error.text);
+    next.core.reset();
+    next.place.reset();
+    counters().mountFailed.addShared(1);
+    traceSurely(2, Trace::Location::here(), "Could not mount ", mountPath_, "/", collection_, ": ", error.code, ": ",
+                error.text);
     mountStatus_ = MountStatus::failed;
-    Telling(*this).mountStatus();
-    return error;
+  } else {
+    core_ = std::move(next.core);
+    publication_ = std::move(next.place);
+    mountStatus_ = MountStatus::mounted;
+    mountedBy_ = getpid();
   }
-  core_ = std::move(next);
-  publication_ = std::move(place);
-  mountStatus_ = MountStatus::mounted;
-  mountedBy_ = getpid();
-  Telling const telling(*this);
-  telling.quiesced(false);
-  telling.mountStatus();
-  telling.rowsChanged(lostRows);
-  return {};
+  Telling telling(*this);
+  telling.damages(*this, next.damages, moving);
+  if (error) {
+    telling.unmounted();
+  } else {
+    telling.mounted();
+    telling.rowsChanged(next.damages);
+  }
+  telling.finish();
+  return error;
+}
+
+Error WriterBase::takeRowsBack(Next& next) try {
+  next.core = privateCore(type_, options_.capacity, std::max(core_->count(), options_.capacity.initialRows));
+  return moveRows(next);
+} catch (std::bad_alloc const&) {
+  return outOfMemory();
 }
 
 Error WriterBase::unmount() {
-  LostRows lostRows;
-  auto next = privateCore(type_, options_.capacity, std::max(core_->count(), options_.capacity.initialRows));
-  if (Error error = moveRows(*next, lostRows)) return error;
+  Next next;
+  Error error = takeRowsBack(next);
+  if (error) {
+    traceSurely(2, Trace::Location::here(), "Rows of ", mountPath_, "/", collection_,
+                " stay in its file: ", error.text);
+    if (getpid() != mountedBy_) return error;
+  }
   leaveFile();
-  core_ = std::move(next);
+  if (!error) core_ = std::move(next.core);  // otherwise the file's memory, which nobody can attach any more, is ours
   publication_.reset();
-  mountPath_.clear();
   mountStatus_ = MountStatus::unmounted;
-  Telling const telling(*this);
-  telling.rowsChanged(lostRows);
-  telling.mountStatus();
-  telling.quiesced(true);
-  return {};
+  told_->mountings += 1;
+  Telling telling(*this);
+  telling.damages(*this, next.damages, moving);
+  mountPath_.clear();
+  if (!error) telling.rowsChanged(next.damages);
+  telling.unmounted();
+  telling.finish();
+  return error;
 }
 
 void WriterBase::close() noexcept {
+  assertNotReporting();
   if (mountStatus_ != MountStatus::mounted) return;
   leaveFile();
   publication_.reset();
   mountPath_.clear();
   mountStatus_ = MountStatus::unmounted;
-  Telling const telling(*this);
-  telling.mountStatus();
-  telling.quiesced(true);
+  told_->mountings += 1;
+  Telling telling(*this);
+  telling.unmounted();
+  try {
+    telling.finish();
+  } catch (...) {
+    traceSurely(1, Trace::Location::here(), "A callback has thrown while a table was closed");
+  }
 }
 
 /// A forked child has the same file mapped, which is its parent's.
@@ -207,14 +286,32 @@ void WriterBase::leaveFile() noexcept {
   core_->retire();
 }
 
+void WriterBase::corruptionHandlerIs(CorruptionHandler handler) {
+  corruptionHandler_ = handler ? std::make_shared<CorruptionHandler const>(std::move(handler)) : nullptr;
+}
+
+void WriterBase::assertNotReporting() const noexcept {
+  ASSERT_AT_TEXT(!reporting_, (Trace::Location{source, __LINE__, "assertNotReporting"}),
+                 "a corruption handler does not mount, unmount or end its table");
+}
+
 void WriterBase::reportCorruption(Corruption const& corruption, std::string_view during) const {
-  ++counters().corrupt;
+  struct Reporting {
+    bool& flag;
+    bool const before = std::exchange(flag, true);
+    ~Reporting() { flag = before; }
+  } const reporting{reporting_};
+  counters().corrupt.addShared(1);
   std::string message;
-  Trace::appendTexts(message, "Table ", mountPath_, "/", collection_, ": ", corruption, " while ", during);
-  if (CorruptionHandler const handler = corruptionHandler_)  // which may set another one
-    handler(message);
+  try {
+    Trace::appendTexts(message, "Table ", mountPath_, "/", collection_, ": ", corruption, " while ", during);
+  } catch (std::bad_alloc const&) {
+    // The handler gets what there was memory for.
+  }
+  if (auto const handler = corruptionHandler_)  // which may set another one
+    (*handler)(message);
   else
-    TRACE(traceHandle, 1, message);
+    traceSurely(1, Trace::Location::here(), message);
 }
 
 WriteStatus WriterBase::finishWrite(WriteStatus status, Corruption const& corruption) {
@@ -224,7 +321,7 @@ WriteStatus WriterBase::finishWrite(WriteStatus status, Corruption const& corrup
     reportCorruption(corruption, "writing");
     ASSERT_AT_TEXT(false, (Trace::Location{source, __LINE__, "safeWrite"}), "TableMap::safeWrite() in no man's land");
   }
-  ++(status == WriteStatus::full ? counters().full : counters().noSpace);
+  (status == WriteStatus::full ? counters().full : counters().noSpace).addShared(1);
   TRACE(traceHandle, 2, "Could not write row to ", mountPath_, "/", collection_, ": ", status, " ( ", count(),
         " rows, ", maxRows(), " at most )");
   return status;
@@ -250,6 +347,28 @@ bool WriterBase::remove(void const* key, void* removed) {
     ASSERT_AT_TEXT(false, (Trace::Location{source, __LINE__, "safeRemove"}), "TableMap::safeRemove() in no man's land");
   }
   return status == WriterCore::RemoveStatus::removed;
+}
+
+void WriterBase::damagedRowsDel() {
+  WriterCore::Damages const damages = core_->dropDamaged();
+  Telling telling(*this);
+  telling.damages(*this, damages, "removing what is damaged");
+  telling.rowsChanged(damages);
+  telling.finish();
+}
+
+/// What is damaged goes first, since no key is found past it; it is told last, since that may end the writer.
+void WriterBase::removeAll() {
+  WriterCore::Damages const damages = core_->dropDamaged();
+  std::vector<U64> removed(type_.rowSize / 8);
+  walk([&](void const* row) {
+    remove(row, removed.data());
+    return true;
+  });
+  Telling telling(*this);
+  telling.damages(*this, damages, "removing all rows");
+  telling.rowsChanged(damages);
+  telling.finish();
 }
 
 bool WriterBase::lookup(void const* key, void* row) const {

@@ -11,7 +11,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace SharedTable {
 
@@ -53,17 +52,22 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
   /// Publishes the rows under `path` in the table directory; the empty path unmounts. A mounted table moves: it is
   /// unmounted first. On an error the rows stay in the process, everything goes on working, and the status is
   /// `failed`. Calls `quiesced` and `mountStatus`; counts "sharedTableMountFailed". Each callback may mount, unmount or
-  /// end the writer: then nothing else is told, nor mounted.
+  /// end the writer: then nothing else is told, nor mounted. What the first of them throws is thrown when all is told.
   Error mountPathIs(std::string_view path);
 
   /// Removes the file's name, retires it, wakes its readers, and keeps the rows in the process. Calls `mountStatus` and
-  /// `quiesced`, each of which may end the writer. Throws `std::bad_alloc` when there is no memory for the rows; the
-  /// table stays mounted then.
+  /// `quiesced`, as above. An error, which is traced, says that there was no memory for the rows: they stay in the file
+  /// without a name, and everything goes on working. Only a forked child stays mounted then, because the file is its
+  /// parent's.
   Error mountPathDel();
 
   /// The same at the writer's end, for the destructor of its owner: the rows are not moved, so that nothing can fail,
-  /// and are not to be used any more. Callbacks must not throw.
+  /// and are not to be used any more. What a callback throws is traced at level 1 and goes no further.
   void close() noexcept;
+
+  /// Takes out what is damaged, rows and places of rows: each is told to the corruption handler, and `rowChanged` of
+  /// each row whose key is known. `rowChanged` may end the writer, as above.
+  void damagedRowsDel();
 
   /// Rows now.
   U32 count() const noexcept;
@@ -72,9 +76,10 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
   /// Changes since the table was mounted or unmounted last.
   U64 changeCount() const noexcept;
 
-  /// Gets a message when the table is found damaged. Without one, the message is traced at level 1.
+  /// Gets a message when the table is found damaged. Without one, the message is traced at level 1. It runs inside the
+  /// operation that met the damage and must not mount, unmount or end the writer, which fails an assertion.
   using CorruptionHandler = std::function<void(std::string_view message)>;
-  void corruptionHandlerIs(CorruptionHandler handler) { corruptionHandler_ = std::move(handler); }
+  void corruptionHandlerIs(CorruptionHandler handler);
 
   /// For tests and diagnostics.
   WriterCore& core() noexcept { return *core_; }
@@ -95,6 +100,7 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
   void callbacksAre(BaseCallbacks callbacks);
   WriteStatus write(void const* row);
   bool remove(void const* key, void* removed);
+  void removeAll();
   bool lookup(void const* key, void* row) const;
   bool stage(void const* key, void* row);
   WriteStatus commit(void const* row);
@@ -102,14 +108,21 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
 
  private:
   class Telling;
-  /// Rows that were found damaged when the rows moved.
-  using LostRows = std::vector<std::vector<U64>>;
+  /// What the owner was told, as far as it matters to those who tell him. Outlives the writer in what it tells.
+  struct Told {
+    U64 mountings = 0;     ///< and unmountings, and the end
+    bool quiesced = true;  ///< the last that was said of it
+  };
+  struct Next;
 
   Error mount(std::string_view path);
+  Error publish(std::string_view path, Next& next);
   Error unmount();
+  Error takeRowsBack(Next& next);
   void leaveFile() noexcept;
-  Error moveRows(WriterCore& next, LostRows& lostRows);
+  Error moveRows(Next& next);
   void reportCorruption(Corruption const& corruption, std::string_view during) const;
+  void assertNotReporting() const noexcept;
   WriteStatus finishWrite(WriteStatus status, Corruption const& corruption);
 
   RowType const& type_;
@@ -119,9 +132,10 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
   MountStatus mountStatus_ = MountStatus::unmounted;
   Error mountError_;
   std::shared_ptr<BaseCallbacks const> callbacks_;  // kept by whoever calls them: a callback may set others
-  std::shared_ptr<U64> const mountings_;  // and unmountings, and the end; outlives the writer in what it tells
+  std::shared_ptr<Told> const told_;
   pid_t mountedBy_ = 0;
-  CorruptionHandler corruptionHandler_;
+  std::shared_ptr<CorruptionHandler const> corruptionHandler_;  // null, or kept by whoever calls it: likewise
+  mutable bool reporting_ = false;                              // the handler runs
   std::unique_ptr<Publication> publication_;  // before the core: the file's lock goes before the place's
   std::shared_ptr<WriterCore> core_;          // shared with the walks that are under way
 };

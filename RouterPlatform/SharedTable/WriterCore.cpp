@@ -346,30 +346,74 @@ U32 WriterCore::takeSlot() noexcept {
   return number;
 }
 
-WriteStatus WriterCore::copyFrom(WriterCore& other, Lost const& lost) {
-  std::vector<U64> row(geometry_.rowSize / 8);
+/// Calls `whole(bucket)` for every row that can be trusted, with the row in `scratch_`; false ends it. Tells of the
+/// rest, and of the index when that holds fewer or more rows than were put in.
+WriterCore::Damages WriterCore::findDamage(Fwk::FunctionRef<bool(BucketWord)> whole) {
+  Damages damages;
   U32 met = 0;
   U32 unknown = 0;  // damaged buckets, which may have been of rows
-  for (U64 number = 0; number < other.buckets(); ++number) {
-    BucketWord const word = other.wordOf(number);
-    if (other.isDamaged(word)) {
-      lost({Corruption::Place::bucket, number, geometry_.bucketOffset(other.half(), number)}, nullptr);
+  for (U64 number = 0; number < buckets(); ++number) {
+    BucketWord const word = wordOf(number);
+    Damage damage{{Corruption::Place::bucket, number, geometry_.bucketOffset(half(), number)}, number, {}};
+    if (isDamaged(word)) {
       unknown += 1;
-    } else if (!word.empty() && !word.tombstone()) {
+    } else if (word.empty() || word.tombstone()) {
+      continue;
+    } else {
       met += 1;
-      RowCheck const check(checkSeedOf(other.header_), word.slot());
-      Corruption corruption{Corruption::Place::slot, word.slot(), geometry_.slotOffset(word.slot())};
-      if (SlotWords::copy(other.slot(word.slot()), row.data(), row.size(), check)) {
-        if (WriteStatus const status = write(row.data(), corruption); status != WriteStatus::ok) return status;
-      } else {
-        bool const keyHolds = type_->keyHash(row.data(), other.header_.hashSeed) >> 32 == other.slotHash_[word.slot()];
-        lost(corruption, keyHolds ? row.data() : nullptr);
+      if (readBack(word, damage.corruption)) {
+        if (!whole(word)) return damages;
+        continue;
       }
+      bool const keyHolds = type_->keyHash(scratch_.data(), header_.hashSeed) >> 32 == slotHash_[word.slot()];
+      if (keyHolds) damage.row = scratch_;
     }
+    damages.push_back(std::move(damage));
   }
   // Octets that became zeroes, as whole pages do, look like buckets that nothing was ever put in.
-  if (met + unknown < other.rows_ || met > other.rows_) lost(other.indexDamage(), nullptr);
-  return WriteStatus::ok;
+  if (met + unknown < rows_ || met > rows_) damages.push_back({indexDamage(), 0, {}});
+  return damages;
+}
+
+WriteStatus WriterCore::copyFrom(WriterCore& other, Damages& damages, Corruption& corruption) {
+  WriteStatus status = WriteStatus::ok;
+  damages = other.findDamage([&](BucketWord) {
+    status = write(other.scratch_.data(), corruption);
+    return status == WriteStatus::ok;
+  });
+  return status;
+}
+
+/// A damaged bucket becomes a tombstone, past which probing goes on. What was counted by octets that are not there any
+/// more is counted anew from those that are.
+WriterCore::Damages WriterCore::dropDamaged() {
+  std::vector<bool> used(slotsTaken_ + 1);
+  U32 whole = 0;
+  Damages damages = findDamage([&](BucketWord word) {
+    used[word.slot()] = true;
+    whole += 1;
+    return true;
+  });
+  if (damages.empty()) return damages;
+  used[spare_] = true;
+  freeSlots_.clear();
+  for (U32 number = slotsTaken_; number > 0; --number)
+    if (!used[number]) freeSlots_.push_back(number);
+  rows_ = whole;
+  for (Damage const& damage : damages) {
+    if (damage.corruption.place != Corruption::Place::index)
+      publish(damage.bucket, wordOf(damage.bucket).next(BucketWord::tombstoneSlot, 0));
+    announce();
+  }
+  U32 empty = 0;
+  tombstones_ = 0;
+  for (U64 number = 0; number < buckets(); ++number) {
+    empty += wordOf(number).empty();
+    tombstones_ += wordOf(number).tombstone();
+  }
+  Corruption none;
+  if (empty == 0) rebuild(indexBits_, none);  // probing has to end somewhere
+  return damages;
 }
 
 void WriterCore::retire() noexcept {

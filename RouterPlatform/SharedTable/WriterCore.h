@@ -1,5 +1,6 @@
 #pragma once
 
+#include <RouterPlatform/Fwk/FunctionRef.h>
 #include <RouterPlatform/SharedTable/Error.h>
 #include <RouterPlatform/SharedTable/Format.h>
 #include <RouterPlatform/SharedTable/Memory.h>
@@ -48,11 +49,20 @@ class WriterCore {
   /// `write` without a lookup when the row of that key was staged last and has not been changed since.
   WriteStatus commit(void const* row, Corruption& corruption);
 
-  /// Copies all rows of `other` in. `lost` hears of a damaged place, which is left out; `row` is what was read there if
-  /// its key still has the hash that it had, otherwise null. It hears of the index when that holds fewer or more rows
-  /// than were put in.
-  using Lost = std::function<void(Corruption const&, void const* row)>;
-  WriteStatus copyFrom(WriterCore& other, Lost const& lost);
+  /// A damaged place.
+  struct Damage {
+    Corruption corruption;
+    U64 bucket = 0;        ///< where it was met, unless it is the index as a whole
+    std::vector<U64> row;  ///< what was read there if its key still has the hash that it had, otherwise empty
+  };
+  using Damages = std::vector<Damage>;
+
+  /// Copies all rows of `other` in and leaves out what is damaged there, of which it tells. `corruption` is what is
+  /// damaged here, if that is the result.
+  WriteStatus copyFrom(WriterCore& other, Damages& damages, Corruption& corruption);
+
+  /// Takes out whatever is damaged, and tells of it. Throws `std::bad_alloc`, and nothing is changed then.
+  Damages dropDamaged();
 
   /// Tells readers that the writer has left this file.
   void retire() noexcept;
@@ -99,6 +109,7 @@ class WriterCore {
 
   Position find(void const* key, U64 hash, Corruption& corruption);
   bool readBack(BucketWord word, Corruption& corruption);
+  Damages findDamage(Fwk::FunctionRef<bool(BucketWord)> whole);
   void replace(Position const& position, void const* row, U64 hash) noexcept;
   WriteStatus insert(void const* row, U64 hash, Position position, Corruption& corruption);
   void emptyBucket(U64 number) noexcept;

@@ -2,6 +2,8 @@
 #include <RouterPlatform/Fwk/Attributes.h>
 #include <RouterPlatform/Fwk/Observe.h>
 #include <RouterPlatform/Fwk/Reflection.h>
+#include <tests/RouterPlatform/Support/AllocationCount.h>
+#include <tests/RouterPlatform/Trace/TraceCapture.h>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -10,9 +12,11 @@
 
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <optional>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -309,6 +313,40 @@ TEST_F(NeighborTable, AFailedMountingLeavesEverythingWorking) {
   first->parentIs(nullptr, 0);
 }
 
+TEST_F(NeighborTable, AControlThatThrowsLeavesNeitherControlInTheBeliefThatItsTableIsInUse) {
+  mount();
+  auto const former = status_->routerNeighborRaControl();
+  auto const control = Fwk::create<CollectionControl>();
+  auto subscription = Fwk::observe(*control, [](Fwk::Notification const&) { throw std::runtime_error("observer"); });
+  EXPECT_THROW(status_->routerNeighborRaControlIs(control), std::runtime_error);
+  EXPECT_EQ(status_->routerNeighborRaControl(), control);
+  EXPECT_EQ(control->mountStatus(), MountStatus::mounted);
+  EXPECT_FALSE(control->quiesced());
+  EXPECT_EQ(former->mountStatus(), MountStatus::unmounted);
+  EXPECT_TRUE(former->quiesced());
+  EXPECT_THROW(status_->parentIs(nullptr, 0), std::runtime_error);
+  EXPECT_EQ(control->mountStatus(), MountStatus::unmounted);
+  EXPECT_TRUE(control->quiesced());
+}
+
+TEST_F(NeighborTable, LeavingTheTreeWithoutMemoryKeepsTheRowsAndIsTraced) {
+  status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1.5));
+  mount();
+  Trace::Capture trace("SharedTable", "2");
+  {
+    AllocationFailure const failure(0, 1);
+    status_->parentIs(nullptr, 0);
+  }
+  EXPECT_THAT(trace.texts(2), ElementsAre(HasSubstr("routerNeighborRa stay in its file: out of memory")));
+  EXPECT_FALSE(published());
+  EXPECT_TRUE(status_->routerNeighborRaControl()->quiesced());
+  EXPECT_EQ(status_->routerNeighborRa(keyOf(1)).lastRaReceived(), 1.5);
+  mount();
+  RouterNeighborRaReader reader;
+  ASSERT_FALSE(reader.attach());
+  EXPECT_EQ(reader.row(keyOf(1)).row.lastRaReceived(), 1.5);
+}
+
 // The end of life: whoever drops the last reference, and whenever, there is exactly one destruction.
 
 /// With the pointers of one thread, and with those of many.
@@ -361,6 +399,36 @@ TEST_P(NeighborTableEnd, MountedAndUnreferencedItEndsWhenItsParentLetsGo) {
   EXPECT_EQ(living(), 0);
   EXPECT_EQ(controlsLiving(), 0);
   EXPECT_FALSE(published());
+}
+
+TEST_P(NeighborTableEnd, ItEndsAllTheSameWhenAnObserverOfTheControlThrows) {
+  mount();
+  auto const control = status_->routerNeighborRaControl();
+  auto const subscription =
+      Fwk::observe(*control, [](Fwk::Notification const&) { throw std::runtime_error("observer"); });
+  Fwk::Entity& kept = *status_;
+  status_ = nullptr;
+  EXPECT_EQ(living(), 1);
+  EXPECT_THROW(kept.parentIs(nullptr, 0), std::runtime_error);
+  EXPECT_EQ(living(), 0);
+  EXPECT_FALSE(published());
+}
+
+TEST_P(NeighborTableEnd, ItEndsWhenItIsMountedAnewInVainWhileItUnmounts) {
+  mount();
+  std::string const inTheWay = directory_ + "/routing6/routerAdvt/routerNeighborRaStatus";
+  auto const control = status_->routerNeighborRaControl();
+  auto const subscription = Fwk::observe(*control, [&](Fwk::Notification const&) {
+    if (control->mountStatus() != MountStatus::unmounted || !status_) return;
+    std::filesystem::remove_all(inTheWay);
+    std::ofstream(inTheWay) << "a file where a directory should be";
+    mount();
+  });
+  status_->parentIs(nullptr, 0);
+  EXPECT_EQ(control->mountStatus(), MountStatus::failed);
+  EXPECT_TRUE(control->quiesced());
+  status_ = nullptr;
+  EXPECT_EQ(living(), 0);
 }
 
 TEST_P(NeighborTableEnd, AMemberEndsWithTheTreeThatOwnsIt) {
@@ -546,6 +614,20 @@ TEST_F(DamagedNeighborTable, ACommitOfTheWritableSlotRepairsItsRowAndOnlyThat) {
   status_->routerNeighborRaCommit(*row);
   EXPECT_EQ(status_->routerNeighborRa(keyOf(1)).lastRaReceived(), 3.5);
   EXPECT_EQ(status_->routerNeighborRa(keyOf(2)).lastRaReceived(), 2.5);
+}
+
+TEST_F(DamagedNeighborTable, RemovingAllTakesDamagedRowsOutAndTellsTheHandlerAndTheObservers) {
+  std::vector<std::string> messages;
+  status_->corruptionHandlerIs([&](std::string_view message) { messages.emplace_back(message); });
+  damage(keyOf(1), 50);
+  Heard heard(*status_);
+  status_->routerNeighborRaDelAll();
+  EXPECT_THAT(messages, ElementsAre(HasSubstr("damaged slot ")));
+  EXPECT_THAT(heard.keys, UnorderedElementsAre("Ethernet1-fe80::1", "Ethernet1-fe80::2"));
+  EXPECT_TRUE(status_->routerNeighborRa().empty());
+  EXPECT_EQ(status_->routerNeighborRa(keyOf(1)), RouterNeighborRa());
+  EXPECT_EQ(messages.size(), 1u) << "nothing damaged is left";
+  status_->corruptionHandlerIs(nullptr);
 }
 
 TEST_F(DamagedNeighborTable, ARowThatIsLostWhenUnmountingIsNotified) {

@@ -5,8 +5,12 @@
 
 #include <atomic>
 #include <cstddef>
+#include <functional>
+#include <iostream>
 #include <set>
+#include <stdexcept>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -16,9 +20,11 @@ using SharedTable::BucketWord;
 using SharedTable::Corruption;
 using SharedTable::Geometry;
 using SharedTable::LiveState;
+using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::UnorderedElementsAre;
 
 /// A mounted table of a few rows whose octets are damaged from outside, as a stray write of a privileged process or bad
 /// memory would.
@@ -277,6 +283,124 @@ TEST_F(DamagedTableDeathTest, ARebuildThatMissesRowsFailsTheAssertion) {
         for (U64 i = 100; i < 600; ++i) writer_.rowIs(Row(i, 0));
       },
       "damaged index at offset 4096 while writing(.|\n)*in no man's land");
+}
+
+TEST_F(DamagedTableDeathTest, AHandlerThatUnmountsFailsAnAssertion) {
+  writer_.corruptionHandlerIs([&](std::string_view) { (void)writer_.mountPathDel(); });
+  damage(slotOffset(3) + 60);
+  EXPECT_DEATH(writer_.row(Key::of(3)), "a corruption handler does not mount, unmount or end its table");
+}
+
+/// A row that lets a test in while it is moved.
+class IntrudingRow {
+ public:
+  struct Key {
+    U64 number = 0;
+    U64 hash(U64 seed) const noexcept {
+      if (intrude) std::exchange(intrude, nullptr)();
+      return Fwk::hashOf(number, seed);
+    }
+  };
+  IntrudingRow() = default;
+  explicit IntrudingRow(U64 number) : key_{number} {}
+  Key const& key() const { return key_; }
+  static constexpr std::array tableFields{SharedTable::field<U64>("key")};
+  static inline std::function<void()> intrude;
+
+ private:
+  Key key_;
+};
+
+TEST_F(DamagedTableDeathTest, DamageOfATableThatIsBeingMadeTellsTheHandlerAndFailsTheAssertion) {
+  SharedTable::Writer<IntrudingRow> writer("new", writerOptions());
+  writer.corruptionHandlerIs([](std::string_view message) { std::cerr << "handler: " << message << '\n'; });
+  writer.rowIs(IntrudingRow(1));
+  IntrudingRow::intrude = [&] {
+    for (U64 bucket = 0; bucket < 16; ++bucket) octetAtIs(path(".new.tmp"), geometry().bucketOffset(0, bucket) + 1, 1);
+  };
+  EXPECT_DEATH((void)writer.mountPathIs(mountPath),
+               "handler: Table test/tables/new: damaged bucket .*(.|\n)*"
+               "safeWrite: assertion \"TableMap::safeWrite\\(\\) in no man's land\" failed");
+  IntrudingRow::intrude = nullptr;
+}
+
+/// All that is damaged, with rows of known keys and of unknown ones, and what becomes of it.
+class RemovalOfDamage : public DamagedTable {
+ protected:
+  RemovalOfDamage() {
+    writer_.corruptionHandlerIs([&](std::string_view message) { messages_.emplace_back(message); });
+    writer_.callbacksAre({[&](Key const& key) { changed_.push_back(key.number()); }, nullptr, nullptr});
+  }
+  void damageThree() {
+    U64 const bucket = bucketOffset(5);
+    U64 const slot = slotOffset(4);
+    damage(slotOffset(3) + 60);  // the key is whole
+    damage(slot + 47);           // within the key
+    damage(bucket + 1);
+  }
+  void expectItEmptyAndAsLargeAsEver() {
+    EXPECT_EQ(writer_.count(), 0u);
+    SharedTable::WalkResult const walked = reader_.forEach([](Row const&) {});
+    EXPECT_EQ(walked.rows, 0u);
+    EXPECT_EQ(walked.corrupt, 0u);
+    for (U64 i = 0; i < 1024; ++i) ASSERT_EQ(writer_.rowIs(Row(i, 2)), WriteStatus::ok) << i;
+    EXPECT_EQ(writer_.rowIs(Row(1024, 2)), WriteStatus::full);
+    for (U64 i = 0; i < 1024; ++i) ASSERT_EQ(reader_.row(Key::of(i)).row, Row(i, 2));
+  }
+
+  std::vector<std::string> messages_;
+  std::vector<U64> changed_;
+};
+
+TEST_F(RemovalOfDamage, GoesWithTheRemovalOfAll) {
+  damageThree();
+  writer_.rowDelAll();
+  EXPECT_THAT(messages_, UnorderedElementsAre(HasSubstr("damaged slot "), HasSubstr("damaged slot "),
+                                              HasSubstr("damaged bucket ")));
+  EXPECT_THAT(messages_, Each(HasSubstr("Table test/tables/row: ")));
+  EXPECT_THAT(changed_, ElementsAre(3)) << "the only one whose key is known, and that the owner did not remove";
+  expectItEmptyAndAsLargeAsEver();
+}
+
+TEST_F(RemovalOfDamage, LeavesWhatIsWhole) {
+  damageThree();
+  writer_.damagedRowsDel();
+  EXPECT_EQ(messages_.size(), 3u);
+  EXPECT_THAT(changed_, ElementsAre(3));
+  EXPECT_EQ(writer_.count(), 3u);
+  for (U64 const number : {U64{0}, U64{1}, U64{2}}) EXPECT_EQ(reader_.row(Key::of(number)).row, Row(number, 1));
+  for (U64 const number : {U64{3}, U64{4}, U64{5}})
+    EXPECT_EQ(reader_.row(Key::of(number)).status, LookupStatus::missing);
+  writer_.damagedRowsDel();
+  EXPECT_EQ(messages_.size(), 3u) << "there is none any more";
+  EXPECT_EQ(writer_.rowDel(Key::of(0)), Row(0, 1));
+}
+
+TEST_F(RemovalOfDamage, MakesAnIndexAnewThatIsDamagedAllOver) {
+  for (U64 bucket = 0; bucket < 16; ++bucket) damage(geometry().bucketOffset(0, bucket) + 1);
+  writer_.rowDelAll();
+  EXPECT_EQ(messages_.size(), 16u);
+  expectItEmptyAndAsLargeAsEver();
+}
+
+TEST_F(RemovalOfDamage, CountsAnewWhenAnIndexHasLostItsRows) {
+  loseIndex();
+  writer_.rowDelAll();
+  EXPECT_THAT(messages_, ElementsAre(HasSubstr("damaged index at offset 4096 while removing all rows")));
+  expectItEmptyAndAsLargeAsEver();
+}
+
+TEST_F(DamagedTable, WhatAHandlerThrowsComesWhenTheTableIsUnmountedAndAllIsTold) {
+  writer_.corruptionHandlerIs([](std::string_view) { throw std::runtime_error("handler"); });
+  std::vector<std::string> heard;
+  writer_.callbacksAre({[&](Key const& key) { heard.push_back(std::to_string(key.number())); },
+                        [&] { heard.push_back("status"); }, [&](bool) { heard.push_back("quiesced"); }});
+  damage(slotOffset(3) + 60);
+  EXPECT_THROW((void)writer_.mountPathDel(), std::runtime_error);
+  EXPECT_EQ(writer_.mountStatus(), MountStatus::unmounted);
+  EXPECT_THAT(heard, ElementsAre("3", "status", "quiesced"));
+  writer_.corruptionHandlerIs(nullptr);
+  EXPECT_FALSE(writer_.mountPathIs(mountPath)) << "the handler is not taken to be running still";
 }
 
 TEST_F(DamagedTable, UnmountingSaysWhenAnIndexHasLostItsRows) {

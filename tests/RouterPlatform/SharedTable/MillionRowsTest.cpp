@@ -5,8 +5,10 @@
 
 #include <sys/stat.h>
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -70,6 +72,32 @@ TEST_F(MillionRows, TakeHardlyMoreSpaceThanTheirOctets) {
   ASSERT_EQ(stat(path().c_str(), &status), 0);
   U64 const index = (U64{8} << 19) + (U64{8} << 18);  // that of so many rows, and the one before it
   EXPECT_LT(static_cast<U64>(status.st_blocks) * 512, index + rows * 72 + (U64{4} << 20));
+}
+
+TEST_F(MillionRows, AreAllReadByWhoReadsWhileTheirPagesAreJoined) {
+  constexpr U64 lasting = 1000;
+  constexpr U64 rows = 150000;  // several huge pages of slots, and indexes of several sizes, one huge page and more
+  SharedTable::Writer<PlainRow> writer(collection, writerOptions(4096, 1 << 20));
+  for (U64 i = 0; i < lasting; ++i) writer.rowIs(PlainRow(i, 0.5));
+  ASSERT_FALSE(writer.mountPathIs(mountPath));
+  std::atomic<U64> written{lasting};
+  std::atomic<U64> lookups{0};
+  std::thread reading([&] {
+    SharedTable::Reader<PlainRow> reader(mountPath, collection, readerOptions());  // a mapping of its own
+    ASSERT_FALSE(reader.attach());
+    for (U64 seen = 0; seen < rows; ++lookups) {
+      seen = written.load(std::memory_order_acquire);
+      ASSERT_EQ(reader.row(keyOf(lookups % lasting)).row.time(), 0.5);
+      ASSERT_EQ(reader.row(keyOf(seen - 1)).row.time(), 0.5) << "the last one that was written";
+    }
+    EXPECT_TRUE(reader.forEach([](PlainRow const& row) { EXPECT_EQ(row.time(), 0.5); }).exact);
+  });
+  for (U64 i = lasting; i < rows; ++i) {
+    ASSERT_EQ(writer.rowIs(PlainRow(i, 0.5)), WriteStatus::ok);
+    written.store(i + 1, std::memory_order_release);
+  }
+  reading.join();
+  EXPECT_GT(lookups, 100u);
 }
 
 TEST_F(MillionRows, AreWrittenReadWalkedUnmountedAndMountedAndOneMoreIsRefused) {

@@ -1,7 +1,9 @@
 #include <RouterPlatform/SharedTable/WriterCore.h>
+#include <RouterPlatform/Stats/Counter.h>
 #include <tests/RouterPlatform/SharedTable/TableFixture.h>
 
 #include <atomic>
+#include <barrier>
 #include <random>
 #include <set>
 #include <thread>
@@ -88,6 +90,23 @@ TEST_F(SharedTableThreads, ReadersSeeWholeRowsAndMissNoneWhileTheWriterGoesFlatO
   walks.join();
   EXPECT_GT(lookups_, 100u);
   EXPECT_GT(walks_, 2u);
+}
+
+TEST_F(SharedTableThreads, TwoWritersOnTwoThreadsCountEveryRefusal) {
+  constexpr U64 refusals = 300000;
+  U64 const before = Stats::counter("sharedTableFull").value();
+  std::barrier<> start(2);
+  auto const refuse = [&] {
+    Writer writer(collection, writerOptions(4, 4));
+    for (U64 i = 0; i < 4; ++i) writer.rowIs(Row(i, 0));
+    Row const row(4, 0);
+    start.arrive_and_wait();
+    for (U64 i = 0; i < refusals; ++i) ASSERT_EQ(writer.rowIs(row), WriteStatus::full);
+  };
+  std::thread other(refuse);
+  refuse();
+  other.join();
+  EXPECT_EQ(Stats::counter("sharedTableFull").value() - before, 2 * refusals);
 }
 
 TEST_F(SharedTableThreads, ExactWalksAreOfOneMoment) {

@@ -1,14 +1,17 @@
 #include <RouterPlatform/Stats/Counter.h>
 #include <tests/RouterPlatform/SharedTable/TableFixture.h>
+#include <tests/RouterPlatform/Support/AllocationCount.h>
 #include <tests/RouterPlatform/Trace/TraceCapture.h>
 
 #include <sys/wait.h>
 
+#include <cerrno>
 #include <cstddef>
 #include <map>
 #include <memory>
 #include <random>
 #include <set>
+#include <stdexcept>
 
 namespace {
 
@@ -318,6 +321,66 @@ TEST_F(WriterMounting, WhatACallbackMadeUntrueIsNotTold) {
   EXPECT_EQ(writer.mountPath(), "elsewhere");
 }
 
+/// An owner that notes what it is told, and throws when told of a mount status.
+class ThrowingOwner : public Tables {
+ protected:
+  ThrowingOwner() {
+    writer_.callbacksAre({nullptr,
+                          [this] {
+                            heard_.push_back(Trace::textOf(writer_.mountStatus()));
+                            throw std::runtime_error("owner");
+                          },
+                          [this](bool quiesced) { heard_.push_back(quiesced ? "quiesced" : "active"); }});
+  }
+  Writer writer_{collection, writerOptions()};
+  std::vector<std::string> heard_;
+};
+
+TEST_F(ThrowingOwner, IsToldAllWhenTheTableIsMountedAndUnmounted) {
+  EXPECT_THROW((void)writer_.mountPathIs(mountPath), std::runtime_error);
+  EXPECT_EQ(writer_.mountStatus(), MountStatus::mounted);
+  EXPECT_THROW((void)writer_.mountPathDel(), std::runtime_error);
+  EXPECT_EQ(writer_.mountStatus(), MountStatus::unmounted);
+  EXPECT_THAT(heard_, ElementsAre("active", "mounted", "unmounted", "quiesced"));
+}
+
+TEST_F(ThrowingOwner, DoesNotKeepATableFromClosing) {
+  EXPECT_THROW((void)writer_.mountPathIs(mountPath), std::runtime_error);
+  Trace::Capture trace("SharedTable", "1");
+  writer_.close();
+  EXPECT_THAT(heard_, ElementsAre("active", "mounted", "unmounted", "quiesced"));
+  EXPECT_THAT(trace.texts(1), ElementsAre(HasSubstr("thrown while a table was closed")));
+  EXPECT_FALSE(std::filesystem::exists(path()));
+}
+
+TEST_F(WriterMounting, ThatFailsWithinTheCallbackOfAnUnmountingSaysThatTheTableIsQuiesced) {
+  Writer writer(collection, writerOptions());
+  std::vector<std::string> heard;
+  writer.callbacksAre({nullptr,
+                       [&] {
+                         heard.push_back(Trace::textOf(writer.mountStatus()));
+                         if (writer.mountStatus() != MountStatus::unmounted) return;
+                         EXPECT_EQ(writer.mountPathIs("../elsewhere").code, Errc::badName);
+                       },
+                       [&](bool quiesced) { heard.push_back(quiesced ? "quiesced" : "active"); }});
+  ASSERT_FALSE(writer.mountPathIs(mountPath));
+  ASSERT_FALSE(writer.mountPathDel());
+  EXPECT_THAT(heard, ElementsAre("active", "mounted", "unmounted", "failed", "quiesced"));
+}
+
+TEST_F(WriterMounting, ThatFailedMayBeTriedAgainAtTheSamePath) {
+  Writer first(collection, writerOptions());
+  ASSERT_FALSE(first.mountPathIs(mountPath));
+  Trace::Capture trace("SharedTable", "2");
+  Writer second(collection, writerOptions());
+  EXPECT_TRUE(second.mountPathIs(mountPath));
+  EXPECT_TRUE(second.mountPathIs(second.mountPath()));
+  EXPECT_THAT(trace.texts(2), ElementsAre(HasSubstr("Could not mount test/tables/row: second writer: "),
+                                          HasSubstr("Could not mount test/tables/row: second writer: ")));
+  ASSERT_FALSE(first.mountPathDel());
+  EXPECT_FALSE(second.mountPathIs(second.mountPath()));
+}
+
 TEST_F(WriterMounting, ClosingRetiresTheFileAndTellsTheOwner) {
   Writer writer(collection, writerOptions());
   writer.rowIs(Row(1, 1));
@@ -397,6 +460,134 @@ TEST_F(ForkedWriter, UnmountsToRowsOfItsOwnAndIsASecondWriterThen) {
             }),
             0);
   expectTheParentsTableToStand();
+}
+
+TEST_F(ForkedWriter, WithoutMemoryForTheRowsLeavesTheTableMounted) {
+  EXPECT_EQ(inChild([&] {
+              SharedTable::Error error;
+              {
+                AllocationFailure const failure(0);
+                error = writer_->mountPathDel();
+              }
+              if (error.systemError != ENOMEM) return 1;
+              if (writer_->mountStatus() != MountStatus::mounted) return 2;
+              return 0;
+            }),
+            0);
+  expectTheParentsTableToStand();
+}
+
+/// Writers that memory runs out for, at every place where they ask for it. The name of the collection is too long to be
+/// kept without any.
+class WriterWithoutMemory : public Tables {
+ protected:
+  static constexpr char const* longName = "aCollectionOfALongName";
+
+  bool published() const { return std::filesystem::exists(path(std::string(longName) + ".tbl")); }
+
+  /// Whether everything can be done with it that can be done with any.
+  void expectUsable(Writer& writer) {
+    EXPECT_EQ(writer.row(Key::of(1)), Row(1, 10));
+    for (U64 i = 2; i < 500; ++i) ASSERT_EQ(writer.rowIs(Row(i, 1)), WriteStatus::ok);
+    EXPECT_EQ(writer.rowDel(Key::of(2)), Row(2, 1));
+    EXPECT_EQ(contentsOf(writer).size(), 498u);
+    ASSERT_FALSE(writer.mountPathIs(mountPath));
+    Reader reader(mountPath, longName, readerOptions());
+    ASSERT_FALSE(reader.attach());
+    EXPECT_EQ(reader.row(Key::of(1)).row, Row(1, 10));
+    EXPECT_EQ(reader.count(), 498u);
+  }
+};
+
+TEST_F(WriterWithoutMemory, RetiresItsFileAndKeepsItsRows) {
+  bool failed = true;
+  for (std::size_t allowed = 0; failed; ++allowed) {
+    Writer writer(longName, writerOptions());
+    writer.rowIs(Row(1, 10));
+    ASSERT_FALSE(writer.mountPathIs(mountPath));
+    Reader reader(mountPath, longName, readerOptions());
+    ASSERT_FALSE(reader.attach());
+    SharedTable::Error error;
+    {
+      AllocationFailure const failure(allowed);
+      error = writer.mountPathDel();
+    }
+    failed = static_cast<bool>(error);
+    EXPECT_EQ(error.systemError, failed ? ENOMEM : 0);
+    EXPECT_TRUE(failed || allowed > 0);
+    EXPECT_EQ(writer.mountStatus(), MountStatus::unmounted);
+    EXPECT_FALSE(published());
+    EXPECT_NE(reader.writer().retiredTime, 0u);
+    expectUsable(writer);
+  }
+}
+
+TEST_F(WriterWithoutMemory, SaysSo) {
+  Trace::Capture trace("SharedTable", "2");
+  Writer writer(longName, writerOptions());
+  ASSERT_FALSE(writer.mountPathIs(mountPath));
+  {
+    AllocationFailure const failure(0, 1);
+    EXPECT_TRUE(writer.mountPathDel());
+  }
+  EXPECT_THAT(trace.texts(2),
+              ElementsAre("Rows of test/tables/aCollectionOfALongName stay in its file: out of memory"));
+}
+
+TEST_F(WriterWithoutMemory, MovesAllTheSameAsSoonAsThereIsSome) {
+  Writer writer(longName, writerOptions());
+  writer.rowIs(Row(1, 10));
+  ASSERT_FALSE(writer.mountPathIs(mountPath));
+  {
+    AllocationFailure const failure(0, 1);
+    EXPECT_FALSE(writer.mountPathIs("elsewhere"));
+  }
+  EXPECT_EQ(writer.mountPath(), "elsewhere");
+  EXPECT_FALSE(published());
+  EXPECT_EQ(writer.row(Key::of(1)), Row(1, 10));
+}
+
+TEST_F(WriterWithoutMemory, ClosesAndEnds) {
+  std::string heard;
+  heard.reserve(100);
+  {
+    Writer closed(longName, writerOptions());
+    ASSERT_FALSE(closed.mountPathIs(mountPath));
+    closed.callbacksAre({nullptr, [&] { heard += "status "; }, [&](bool) { heard += "quiesced"; }});
+    AllocationFailure const failure(0);
+    closed.close();
+  }
+  EXPECT_EQ(heard, "status quiesced");
+  EXPECT_FALSE(published());
+  auto ended = std::make_unique<Writer>(longName, writerOptions());
+  ASSERT_FALSE(ended->mountPathIs(mountPath));
+  {
+    AllocationFailure const failure(0);
+    ended.reset();
+  }
+  EXPECT_FALSE(published());
+}
+
+TEST_F(WriterWithoutMemory, CannotMountAndStaysAsItWas) {
+  for (std::size_t allowed = 0;; ++allowed) {
+    Writer writer(longName, writerOptions());
+    writer.rowIs(Row(1, 10));
+    SharedTable::Error error;
+    {
+      AllocationFailure const failure(allowed);
+      error = writer.mountPathIs(mountPath);
+    }
+    if (!error) {
+      EXPECT_GT(allowed, 10u);
+      break;
+    }
+    EXPECT_EQ(error.systemError, ENOMEM);
+    EXPECT_EQ(writer.mountError().systemError, ENOMEM);
+    EXPECT_EQ(writer.mountStatus(), MountStatus::failed);
+    EXPECT_FALSE(published());
+    EXPECT_FALSE(std::filesystem::exists(path("." + std::string(longName) + ".tmp")));
+    expectUsable(writer);
+  }
 }
 
 TEST_F(WriterMounting, ASecondWriterIsRefusedAndTouchesNothing) {
