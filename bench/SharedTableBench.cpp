@@ -8,11 +8,14 @@
 
 #include <benchmark/benchmark.h>
 #include <stdlib.h>
+#include <sys/mman.h>
 
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <bit>
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <stdexcept>
@@ -101,6 +104,36 @@ void hit(benchmark::State& state) {
     if (!found) state.SkipWithError("a row is missing");
     benchmark::DoNotOptimize(found.row.time);
     if (++i == table.present.size()) i = 0;
+  }
+}
+
+/// What a hit waits for at the least: of as many octets as the table has, in huge pages, a word at a random place, and
+/// then the row that it names. As many places in turn as `hit` has keys, and each after the row before: by themselves
+/// many of these would run at once, which lookups, with all their instructions, do not.
+void floorOfAHit(benchmark::State& state) {
+  constexpr U64 hugePage = U64{2} << 20;
+  constexpr U64 slotWords = sizeof(Row) / 8 + 1;
+  U64 const rows = static_cast<U64>(state.range(0));
+  U64 const buckets = 2 * std::bit_ceil(rows);
+  U64 const octets = (8 * (buckets + rows * slotWords) + hugePage - 1) / hugePage * hugePage;
+  std::unique_ptr<void, decltype(&std::free)> const memory(std::aligned_alloc(hugePage, octets), &std::free);
+  if (!memory) return state.SkipWithError("no memory");
+  madvise(memory.get(), octets, MADV_HUGEPAGE);
+  U64* const index = static_cast<U64*>(memory.get());
+  U64* const slots = index + buckets;
+  U64 number = 1;
+  auto const random = [&] { return (number = number * 6364136223846793005U + 1442695040888963407U) >> 32; };
+  for (U64 i = 0; i < buckets; ++i) index[i] = random() % rows;
+  for (U64 i = 0; i < rows * slotWords; ++i) slots[i] = i;
+  std::vector<U64> places(std::min<U64>(rows, 1 << 16));
+  for (U64& place : places) place = random() % buckets;
+  std::size_t i = 0;
+  std::array<U64, slotWords> row{};
+  for (auto _ : state) {
+    U64 const place = places[i] + (row.back() >> 63);  // 0, which the processor cannot know
+    std::copy_n(slots + index[place] * slotWords, slotWords, row.begin());
+    benchmark::DoNotOptimize(row);
+    if (++i == places.size()) i = 0;
   }
 }
 
@@ -203,6 +236,7 @@ void hitBesideWriter(benchmark::State& state) {
 }
 
 BENCHMARK(hit)->Name("SharedTable/hit")->Arg(4096)->Arg(100000)->Arg(1000000);
+BENCHMARK(floorOfAHit)->Name("SharedTable/floorOfAHit")->Arg(4096)->Arg(100000)->Arg(1000000);
 BENCHMARK(miss)->Name("SharedTable/miss")->Arg(4096)->Arg(100000)->Arg(1000000);
 BENCHMARK(update)->Name("SharedTable/update")->Arg(4096)->Arg(100000)->Arg(1000000);
 BENCHMARK(insertAndRemove)->Name("SharedTable/insertAndRemove")->Arg(4096)->Arg(100000)->Arg(1000000);
