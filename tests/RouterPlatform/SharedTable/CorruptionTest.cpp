@@ -160,6 +160,32 @@ TEST_F(DamagedTable, AWalkLeavesOutWhatIsDamagedAndSaysSo) {
   EXPECT_TRUE(walked.firstCorruption.offset == slot || walked.firstCorruption.offset == bucket);
 }
 
+TEST_F(DamagedTable, AWalkWhoseIndexBecomesSmallerSaysSo) {
+  for (U64 i = 100; i < 200; ++i) writer_.rowIs(Row(i, 1));
+  auto& active = reinterpret_cast<LiveState*>(writer_.core().memory().base() + SharedTable::liveStateOffset)->active;
+  U64 const before = active;
+  SharedTable::WalkResult const walked = reader_.forEach([&](Row const&) {
+    active = SharedTable::ActiveWord::of(SharedTable::ActiveWord{before}.epoch() + 2, geometry().minIndexBits).bits;
+  });
+  active = before;
+  EXPECT_EQ(walked.corrupt, 1u);
+  EXPECT_EQ(walked.firstCorruption.place, Corruption::Place::header);
+  EXPECT_FALSE(walked.exact);
+}
+
+TEST_F(DamagedTable, ARemovalTouchesNoDamagedBucketBehindIt) {
+  for (U64 number = 0; number < 6; ++number) {
+    U64 const behind = (bucketOf(number) + 1) % 16;
+    if (reader_.view().bucket(0, behind).load() != 0) continue;
+    U64 const place = geometry().bucketOffset(0, behind);
+    damage(place + 4);
+    EXPECT_EQ(writer_.rowDel(Key::of(number)), Row(number, 1));
+    EXPECT_EQ(octetAt(path(), place + 4), 0x04);
+    return;
+  }
+  FAIL() << "no empty bucket behind a row";
+}
+
 TEST_F(DamagedTable, AnIndexWithoutAnEndHoldsNobodyUp) {
   // Every bucket a tombstone: probing would go round for ever.
   U64 const word = BucketWord::of(BucketWord::tombstoneSlot, 0, 1).bits;
@@ -421,6 +447,17 @@ TEST_F(DamagedTable, UnmountingNamesADamagedBucketOnlyOnceWhetherOrNotItWasOfARo
   damage(bucketOffset(5) + 1);
   ASSERT_FALSE(writer_.mountPathDel());
   EXPECT_THAT(messages, ElementsAre(HasSubstr("damaged bucket "), HasSubstr("damaged bucket ")));
+  EXPECT_EQ(writer_.count(), 5u);
+}
+
+TEST_F(DamagedTable, UnmountingBelievesNoBucketThatNamesASlotNeverTaken) {
+  std::vector<std::string> messages;
+  writer_.corruptionHandlerIs([&](std::string_view message) { messages.emplace_back(message); });
+  auto& bucket = *reinterpret_cast<std::atomic<U64>*>(writer_.core().memory().base() + bucketOffset(3));
+  BucketWord const word{bucket.load()};
+  bucket = BucketWord::of(1000, word.tag(), word.generation()).bits;
+  ASSERT_FALSE(writer_.mountPathDel());
+  EXPECT_THAT(messages, ElementsAre(HasSubstr("damaged bucket ")));
   EXPECT_EQ(writer_.count(), 5u);
 }
 

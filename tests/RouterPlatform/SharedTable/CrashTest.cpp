@@ -199,7 +199,7 @@ TEST_F(KilledWriters, AreNoticedByWaitersWhichThenFindTheNextOne) {
   killAndReap(first);
   auto const start = std::chrono::steady_clock::now();
   EXPECT_EQ(reader.wait(reader.changeCount(), 20s), WaitResult::writerGone);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, 3s);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, 15s);
   EXPECT_FALSE(reader.writer().alive);
   EXPECT_EQ(reader.writer().retiredTime, 0u);
   EXPECT_EQ(reader.row(Key::of(1)).row, Row(1, 1)) << "the last rows stay readable";

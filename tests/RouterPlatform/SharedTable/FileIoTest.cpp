@@ -24,6 +24,16 @@ TEST(SharedTableFileIo, WhatGivesNoMoreSpaceIsToldAsNoSpace) {
   EXPECT_EQ(error.text, "a/b: Input/output error");
 }
 
+TEST(SharedTableFileIo, ACorruptionSaysItsPlaceAndNoneSaysSo) {
+  using SharedTable::Corruption;
+  std::string text;
+  appendText(text, Corruption{});
+  EXPECT_EQ(text, "nothing damaged");
+  text.clear();
+  appendText(text, Corruption{Corruption::Place::slot, 3, 4096});
+  EXPECT_EQ(text, "damaged slot 3 at offset 4096");
+}
+
 TEST(SharedTableFileIo, TheTableDirectoryIsThatOfTheEnvironmentOrTheUsualOne) {
   char const* const set = std::getenv("SHARED_TABLE_DIR");
   std::string const before = set ? set : "";
@@ -87,6 +97,7 @@ TEST_F(SharedTableLocks, AFileIsToldFromOthersWhateverItsName) {
   EXPECT_FALSE(FileIo::namesFile(directory, "none", file.get()));
   EXPECT_FALSE(FileIo::namesFile(directory, "file", -1));
   EXPECT_FALSE(FileIo::namesFile(directory, "file", directory.get()));
+  EXPECT_FALSE(FileIo::namesFile(directory, "file", Fd(open("/proc/self/stat", O_RDONLY | O_CLOEXEC)).get()));
   ASSERT_EQ(rename((directory_ + "/file").c_str(), (directory_ + "/kept").c_str()), 0);
   openIt(O_RDWR);
   EXPECT_FALSE(FileIo::namesFile(directory, "file", file.get()));

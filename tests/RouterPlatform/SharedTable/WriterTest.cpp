@@ -228,6 +228,24 @@ TEST_F(WriterMounting, KeepsTheRowsInTheTableAndTakesThemBack) {
   EXPECT_FALSE(std::filesystem::exists(path()));
 }
 
+TEST_F(WriterMounting, LeavesTheRemainsOfRemovedRowsBehind) {
+  Writer writer(collection, writerOptions());
+  for (U64 i = 0; i < 500; ++i) writer.rowIs(Row(i, i));
+  std::map<U64, U64> expected;
+  for (U64 i = 0; i < 500; ++i) i % 3 == 0 ? void(writer.rowDel(Key::of(i))) : void(expected[i] = i);
+  ASSERT_FALSE(writer.mountPathIs(mountPath));
+  EXPECT_EQ(contentsOf(writer), expected);
+}
+
+TEST_F(WriterMounting, EndsWithoutTakingTheNameFromAnotherFile) {
+  Writer writer(collection, writerOptions());
+  ASSERT_FALSE(writer.mountPathIs(mountPath));
+  std::filesystem::copy_file(path(), path("copy"));
+  std::filesystem::rename(path("copy"), path());
+  ASSERT_FALSE(writer.mountPathDel());
+  EXPECT_TRUE(std::filesystem::exists(path()));
+}
+
 TEST_F(WriterMounting, CanBeRepeatedAndMoved) {
   Writer writer(collection, writerOptions());
   writer.rowIs(Row(1, 1));
@@ -645,6 +663,7 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(ForeignHeader{"OfAnotherVersion", [](SharedTable::FixedHeader& h) { h.version = 7; }, true},
                     ForeignHeader{"OfTheOtherByteOrder", [](SharedTable::FixedHeader& h) { h.byteOrder = 0x04030201; },
                                   true},
+                    ForeignHeader{"OfNoTable", [](SharedTable::FixedHeader& h) { h.magic[0] ^= 1; }, true},
                     ForeignHeader{"WithAWrongCrc", [](SharedTable::FixedHeader& h) { h.createdTime += 1; }, false}),
     [](auto const& of) { return of.param.name; });
 

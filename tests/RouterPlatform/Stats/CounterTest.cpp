@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <barrier>
+#include <string>
 #include <thread>
 
 namespace {
@@ -11,8 +12,14 @@ namespace {
 using Stats::counter;
 using testing::Contains;
 
+/// A counter that nothing has counted with, in a repeated run of the tests either.
+Stats::Counter& newCounter() {
+  static int made = 0;
+  return counter("CounterTest.new" + std::to_string(++made));
+}
+
 TEST(Counter, StartsAtZeroAndCountsUp) {
-  Stats::Counter& counted = counter("CounterTest.countsUp");
+  Stats::Counter& counted = newCounter();
   EXPECT_EQ(counted.value(), 0u);
   ++counted;
   counted.add(41);
@@ -29,18 +36,20 @@ TEST(Counter, TheSameNameGivesTheSameCounter) {
 }
 
 TEST(Counter, WrapsAfterTheLargestNumber) {
-  Stats::Counter& counted = counter("CounterTest.wraps");
+  Stats::Counter& counted = newCounter();
   counted.add(~std::uint64_t{0});
   ++counted;
   EXPECT_EQ(counted.value(), 0u);
 }
 
 TEST(Counter, ASnapshotListsAllCountersByName) {
-  counter("CounterTest.snapshotB").add(2);
-  counter("CounterTest.snapshotA").add(1);
+  Stats::Counter& two = newCounter();
+  Stats::Counter& one = newCounter();
+  two.add(2);
+  one.add(1);
   auto const samples = Stats::snapshot();
-  EXPECT_THAT(samples, Contains(Stats::Sample{"CounterTest.snapshotA", 1}));
-  EXPECT_THAT(samples, Contains(Stats::Sample{"CounterTest.snapshotB", 2}));
+  EXPECT_THAT(samples, Contains(Stats::Sample{one.name(), 1}));
+  EXPECT_THAT(samples, Contains(Stats::Sample{two.name(), 2}));
   EXPECT_TRUE(std::ranges::is_sorted(samples, {}, &Stats::Sample::name));
 }
 
@@ -59,7 +68,7 @@ TEST(Counter, CountsWhatTwoThreadsAddAtOnceWhenItIsShared) {
 }
 
 TEST(Counter, AnotherThreadMayReadWhileOneCounts) {
-  Stats::Counter& counted = counter("CounterTest.threads");
+  Stats::Counter& counted = newCounter();
   std::thread writer([&] {
     for (int i = 0; i < 100000; ++i) ++counted;
   });
