@@ -39,6 +39,10 @@ TEST_P(RouterPreference, IsReadFromNameAndNumber) {
 INSTANTIATE_TEST_SUITE_P(All, RouterPreference, testing::ValuesIn(rows),
                          [](auto const& row) { return row.param.name; });
 
+TEST(RouterPreferenceText, HasTheNameOfItsType) {
+  EXPECT_STREQ(textTypeNameOf(Preference::high), "Icmp6RouterAdvtRouterPreferenceType");
+}
+
 TEST(RouterPreferenceText, AnotherValueIsPrintedAsItsNumber) {
   std::string out;
   appendText(out, Preference{200});

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <limits>
 #include <numeric>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -50,7 +51,7 @@ TEST_F(PktTest, ReservesZeroOctetsAtTheHead) {
   U8* const head = pkt->reserveHeadData(1536);
   EXPECT_EQ(head, pkt->data());
   EXPECT_EQ(pkt->size(), 1536U);
-  EXPECT_THAT(pkt->octets(), Each(0));
+  EXPECT_THAT(std::as_const(*pkt).octets(), Each(0));
 }
 
 TEST_F(PktTest, KeepsZeroTailRoomBehindAReservation) {

@@ -36,6 +36,10 @@ TEST(CollectionControl, SaysItsStateInWords) {
   EXPECT_EQ(read("mountStatus"), "failed");
 }
 
+TEST(MountStatusText, HasTheNameOfItsType) {
+  EXPECT_STREQ(textTypeNameOf(MountStatus::mounted), "SharedTable::MountStatus");
+}
+
 TEST(MountStatusText, ReadsBackAndRefusesOthers) {
   for (MountStatus const status : {MountStatus::unmounted, MountStatus::mounted, MountStatus::failed}) {
     std::string text;

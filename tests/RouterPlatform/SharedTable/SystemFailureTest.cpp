@@ -83,6 +83,7 @@ TEST_F(FailingSystem, AFailedMountingIsForgottenWhenItIsGivenUp) {
   EXPECT_EQ(writer_.mountStatus(), MountStatus::unmounted);
   EXPECT_FALSE(writer_.mountError());
   EXPECT_EQ(writer_.mountPath(), "");
+  EXPECT_EQ(writer_.collection(), collection);
 }
 
 TEST_F(FailingSystem, ADirectoryInThePlaceOfAFileBesideTheTableIsAnError) {
@@ -115,6 +116,7 @@ TEST_F(FailingSystem, WithoutAFreeDescriptorNothingIsMountedOrAttached) {
     Limit const descriptors(RLIMIT_NOFILE, 0);
     expectNotMounted(writer_.mountPathIs(mountPath), EMFILE);
     EXPECT_EQ(reader_.attach().systemError, EMFILE);
+    EXPECT_FALSE(reader_.view());
   }
   EXPECT_FALSE(writer_.mountPathIs(mountPath));
   EXPECT_FALSE(reader_.attach());
@@ -146,6 +148,7 @@ TEST_F(TableMemory, AFileThatIsNotOpenForItIsNotMapped) {
 TEST(TablePrivateMemory, HasNoSpaceBeyondItsEnd) {
   Memory memory;
   ASSERT_EQ(memory.mapPrivate(8192), 0);
+  EXPECT_EQ(memory.size(), 8192u);
   EXPECT_EQ(memory.reserve(4096, 4096), 0);
   EXPECT_EQ(memory.reserve(U64{1} << 62, 4096), ENOMEM);
 }
