@@ -33,7 +33,7 @@ help:
 ## make lint           the same as check-lint
 ## make fuzz           every fuzz target for FUZZ_SECONDS (60)
 ## make soak           every fuzz target for SOAK_SECONDS (600); SOAK_KILLS (5000) killed writers of a shared table
-## make coverage       which lines and branches of library and platform the unit tests reach
+## make coverage       which lines and branches of library and platform the unit tests reach, and whether that is enough
 ## make clean          remove build/
 ##
 
