@@ -229,7 +229,7 @@ TEST_F(DamagedTable, AnIndexWhoseEmptyBucketsComeAndGoIsNotTakenForOneWithoutAnE
     }
   });
   U64 damaged = 0;
-  for (U64 i = 0; i < 20000; ++i) {
+  for (U64 i = 0; i < 20000 || changeCount < 1000000; ++i) {  // both threads have had their turns
     damaged += reader_.row(Key::of(i % 6)).status == LookupStatus::corrupt;
     damaged += reader_.forEach([](Row const&) {}).corrupt;
   }
