@@ -1,3 +1,4 @@
+#include <RouterPlatform/Fwk/ReflectedText.h>
 #include <RouterPlatform/Fwk/Reflection.h>
 
 namespace Fwk {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <RouterPlatform/Export.h>
-#include <RouterPlatform/Fwk/Attributes.h>
+#include <RouterPlatform/Fwk/ObjectRef.h>
 #include <RouterPlatform/Fwk/TypeRecord.h>
 
 /// Objects by attribute number or name, with plain text in and out. Numbers, names and texts may be anything: what is

@@ -1,5 +1,5 @@
-#include <RouterPlatform/Fwk/Attributes.h>
 #include <RouterPlatform/Fwk/Entity.h>
+#include <RouterPlatform/Fwk/ReflectedText.h>
 #include <RouterPlatform/Fwk/TypeRecord.h>
 
 #include <algorithm>

@@ -1,5 +1,5 @@
 #include <Ipv6RouterAdvt/RouterAdvt/RaPacket.h>
-#include <RouterPlatform/Fwk/Attributes.h>
+#include <RouterPlatform/Fwk/ObjectRef.h>
 #include <tools/routeradvt/RecordView.h>
 
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-#include <RouterPlatform/Fwk/Attributes.h>
+#include <RouterPlatform/Fwk/ObjectRef.h>
 #include <tools/routeradvt/RouterWatch.h>
 
 #include <gmock/gmock.h>

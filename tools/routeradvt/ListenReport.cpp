@@ -1,4 +1,4 @@
-#include <RouterPlatform/Fwk/Attributes.h>
+#include <RouterPlatform/Fwk/ObjectRef.h>
 #include <tools/routeradvt/ListenReport.h>
 
 #include <algorithm>

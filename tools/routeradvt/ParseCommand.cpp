@@ -1,6 +1,6 @@
 #include <Ipv6RouterAdvt/RouterAdvt.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils.h>
-#include <RouterPlatform/Fwk/Attributes.h>
+#include <RouterPlatform/Fwk/ObjectRef.h>
 #include <tools/routeradvt/CaptureReader.h>
 #include <tools/routeradvt/Command.h>
 #include <tools/routeradvt/RaMessage.h>

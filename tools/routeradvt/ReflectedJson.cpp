@@ -1,5 +1,5 @@
-#include <RouterPlatform/Fwk/Attributes.h>
 #include <RouterPlatform/Fwk/Entity.h>
+#include <RouterPlatform/Fwk/ObjectRef.h>
 #include <tools/routeradvt/ReflectedJson.h>
 
 #include <cstdlib>

@@ -1,5 +1,5 @@
 #include <Ipv6RouterAdvt/RouterAdvt/Factories.h>
-#include <RouterPlatform/Fwk/Attributes.h>
+#include <RouterPlatform/Fwk/ObjectRef.h>
 #include <tools/routeradvt/RouterWatch.h>
 
 #include <utility>

@@ -1,4 +1,4 @@
-#include <RouterPlatform/Fwk/Attributes.h>
+#include <RouterPlatform/Fwk/ObjectRef.h>
 #include <tools/routeradvt/EntityPrinter.h>
 #include <tools/routeradvt/Text.h>
 #include <tools/routeradvt/TreeReport.h>

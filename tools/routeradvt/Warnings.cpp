@@ -1,4 +1,4 @@
-#include <RouterPlatform/Fwk/Attributes.h>
+#include <RouterPlatform/Fwk/ObjectRef.h>
 #include <RouterPlatform/Fwk/Reflection.h>
 #include <tools/routeradvt/EffectiveValue.h>
 #include <tools/routeradvt/NearestName.h>

@@ -4,7 +4,7 @@
 
 #include <Ipv6RouterAdvt/RouterAdvt.h>
 #include <Ipv6RouterAdvt/RouterAdvt/LifeTimeHashMap.h>
-#include <RouterPlatform/Fwk/Attributes.h>
+#include <RouterPlatform/Fwk/ObjectRef.h>
 
 #include <nlohmann/json.hpp>
 
