@@ -226,7 +226,7 @@ class ROUTER_ADVT_EXPORT IntfConfig final : public Fwk::Entity {
   /// MaxRtrAdvInterval.
   U32 dnsLifetimeFromInterval() const {
     U32 const seconds = raIntervalMaxMsec_ / 1000;
-    return static_cast<U32>(seconds * 1.5);
+    return seconds + seconds / 2;
   }
 
   IntfId intfId_;
