@@ -166,7 +166,10 @@ struct SinkPlace {
 
 }  // namespace
 
-Handle::Handle(std::string_view name) : name_(name) { Registry::instance().add(*this); }
+Handle::Handle(std::string_view name) : name_(name) {
+  Registry::instance().add(*this);
+  SinkPlace::instance();  // made now, so that the first message needs no memory for it
+}
 
 Handle::~Handle() {
   Registry::instance().remove(*this);
