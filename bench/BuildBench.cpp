@@ -1,4 +1,4 @@
-// One advertisement from the model, beside the peer and the least that the machine needs for it.
+// One advertisement from the model, beside the peer and a copy of the finished frame.
 
 #include <Ipv6RouterAdvt/RouterAdvt.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils.h>

@@ -58,13 +58,9 @@ if(CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
 endif()
 
 # The sources below the current folder: found, not listed, because a folder is a layer and every .cpp in it belongs to
-# it. A layer without any yet gets an empty one, so that it is a library all the same.
+# it.
 function(find_layer_sources variable)
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
-  if(NOT sources)
-    set(sources ${CMAKE_CURRENT_BINARY_DIR}/empty.cpp)
-    file(CONFIGURE OUTPUT ${sources} CONTENT "// nothing yet\n")
-  endif()
   set(${variable} ${sources} PARENT_SCOPE)
 endfunction()
 

@@ -19,6 +19,7 @@ def completed(*words):
 
 checks.equal("a command is completed", completed("bui"), ["build"])
 checks.true("all commands are offered", {"build", "send", "parse", "listen", "neighbors", "serve", "mirror", "show", "types"} <= set(completed("")))
+checks.equal("a command is completed behind help", completed("help", "bui"), ["build"])
 checks.equal("an option of a command is completed", completed("send", "--vi"), ["--via", "--virtual-router"])
 checks.equal("an option of the program is completed", completed("--ver"), ["--version"])
 checks.equal("a file is completed", completed("show", "examples/off"), ["examples/office.yaml"])

@@ -37,7 +37,7 @@ class ListenCommand final : public Command {
         "Reports routers as they come and go, what changes in what they advertise, and what is dropped\n"
         "and why. An advertisement that says what the one before it said is counted and not shown.\n"
         "Keeps the table of neighbouring routers meanwhile, unless another program does: see 'neighbors'.\n"
-        "Takes the right to open raw sockets (root, or CAP_NET_RAW). Ctrl-C ends it, with a summary.\n\n"
+        "Needs the right to open raw sockets (root, or CAP_NET_RAW). Ctrl-C ends it, with a summary.\n\n"
         "  routeradvt listen eth0\n"
         "  routeradvt listen eth0 --for 60 --json");
     return app;

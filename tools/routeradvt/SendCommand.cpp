@@ -48,7 +48,7 @@ class SendCommand final : public Command {
     addNumberOption(app, "--interval", seconds_, {0.001, 1e6}, "SECONDS", "time from one to the next; else 3 seconds")
         ->group("Sending");
     app.footer(
-        "Takes the right to open packet sockets (root, or CAP_NET_RAW). Ctrl-C ends it, with a summary.\n\n"
+        "Needs the right to open packet sockets (root, or CAP_NET_RAW). Ctrl-C ends it, with a summary.\n\n"
         "  routeradvt send office.yaml Ethernet1 --via eth0\n"
         "  routeradvt send office.yaml Ethernet1 --via eth0 --interval 10\n"
         "  routeradvt send office.yaml Ethernet1 --via eth0 --death");

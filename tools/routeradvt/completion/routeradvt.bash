@@ -18,7 +18,7 @@ _routeradvt() {
       options=$("$1" $command --help 2>/dev/null | sed -n 's/^  \(-[[:alnum:]],\)\{0,1\}\(--[a-z-]*\).*/\2/p')
       mapfile -t COMPREPLY < <(compgen -W "$options" -- "$cur")
       ;;
-    :*)
+    :* | help:*)
       mapfile -t COMPREPLY < <(compgen -W "$("$1" --help | sed -n '/^Commands:/,/^$/s/^  \([a-z]*\) .*/\1/p')" -- "$cur")
       ;;
     *) mapfile -t COMPREPLY < <(compgen -f -- "$cur") ;;
