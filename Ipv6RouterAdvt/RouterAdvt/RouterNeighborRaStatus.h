@@ -49,8 +49,8 @@ class ROUTER_ADVT_EXPORT RouterNeighborRaStatus final : public Fwk::Entity {
   /// Removes and returns the row of that key and notifies with the key; the default row, and nobody notified, when
   /// there is none.
   RouterNeighborRa routerNeighborRaDel(RouterNeighborRaKey const& key);
-  /// `routerNeighborRaDel` for every row that is there now. What is damaged goes too: the corruption handler is told,
-  /// and the observers where the key is known.
+  /// `routerNeighborRaDel` for every row that is there now. Damage anywhere goes to the corruption handler and then
+  /// fails the assertion of a removal, before any row is removed.
   void routerNeighborRaDelAll();
 
   /// The table's writable slot with the row of that key in it, or null. It is changed there, then published by

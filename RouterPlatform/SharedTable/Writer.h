@@ -61,7 +61,7 @@ class Writer : public WriterBase {
     return remove(&key, &row) ? std::optional<R>(row) : std::nullopt;
   }
 
-  /// Removes every row, and what is damaged, as `damagedRowsDel` does.
+  /// Removes every row. Damage goes to the corruption handler and then fails the assertion, and no row is removed.
   void rowDelAll() { removeAll(); }
 
   /// The writable slot, with the row of `key` in it; null if there is none. Change the row there, but not its key, and

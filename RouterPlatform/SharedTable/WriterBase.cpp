@@ -146,13 +146,23 @@ Error WriterBase::mountPathIs(std::string_view path) {
   if (path.empty()) return mountPathDel();
   if (mountStatus_ != MountStatus::mounted) return mount(path);
   if (path == mountPath_) return {};
-  std::string const wanted(path);
+  std::string wanted;
+  try {
+    wanted = path;
+  } catch (std::bad_alloc const&) {
+    return outOfMemory();
+  }
   auto const told = told_;
   U64 const before = told->mountings;
-  Error error = unmount();
-  if (told->mountings == before) return error;
-  if (told->mountings != before + 1) return {};  // a callback has decided otherwise, or ended this
-  return mount(wanted);
+  Error error;
+  Fwk::Steps steps;
+  steps.run([&] { error = unmount(); });
+  if (told->mountings == before + 1)
+    steps.run([&] { error = mount(wanted); });
+  else if (told->mountings != before)
+    error = {};  // a callback has decided otherwise, or ended this
+  steps.finish();
+  return error;
 }
 
 Error WriterBase::mountPathDel() {
@@ -176,7 +186,7 @@ Error WriterBase::moveRows(Next& next) {
   WriteStatus const status = next.core->copyFrom(*core_, next.damages, corruption);
   if (status == WriteStatus::ok) return {};
   if (status == WriteStatus::corrupt) {
-    for (auto const& damage : next.damages) reportCorruption(damage.corruption, moving);
+    for (auto const& damage : next.damages) reportSurely(damage.corruption, moving);
     finishWrite(status, corruption);
   }
   return {Errc::noSpace, ENOSPC, collection_ + ": rows do not fit"};
@@ -314,11 +324,19 @@ void WriterBase::reportCorruption(Corruption const& corruption, std::string_view
     traceSurely(1, Trace::Location::here(), message);
 }
 
+void WriterBase::reportSurely(Corruption const& corruption, std::string_view during) const noexcept {
+  Fwk::Steps().run([&] { reportCorruption(corruption, during); });
+}
+
+void WriterBase::failRemoval() const noexcept {
+  ASSERT_AT_TEXT(false, (Trace::Location{source, __LINE__, "safeRemove"}), "TableMap::safeRemove() in no man's land");
+}
+
 WriteStatus WriterBase::finishWrite(WriteStatus status, Corruption const& corruption) {
   if (status == WriteStatus::ok) [[likely]]
     return status;
   if (status == WriteStatus::corrupt) {
-    reportCorruption(corruption, "writing");
+    reportSurely(corruption, "writing");
     ASSERT_AT_TEXT(false, (Trace::Location{source, __LINE__, "safeWrite"}), "TableMap::safeWrite() in no man's land");
   }
   (status == WriteStatus::full ? counters().full : counters().noSpace).addShared(1);
@@ -343,32 +361,25 @@ bool WriterBase::remove(void const* key, void* removed) {
   Corruption corruption;
   WriterCore::RemoveStatus const status = core_->remove(key, removed, corruption);
   if (status == WriterCore::RemoveStatus::corrupt) {
-    reportCorruption(corruption, "removing");
-    ASSERT_AT_TEXT(false, (Trace::Location{source, __LINE__, "safeRemove"}), "TableMap::safeRemove() in no man's land");
+    reportSurely(corruption, "removing");
+    failRemoval();
   }
   return status == WriterCore::RemoveStatus::removed;
 }
 
-void WriterBase::damagedRowsDel() {
-  WriterCore::Damages const damages = core_->dropDamaged();
-  Telling telling(*this);
-  telling.damages(*this, damages, "removing what is damaged");
-  telling.rowsChanged(damages);
-  telling.finish();
+void WriterBase::assertRemovable() const {
+  WriterCore::Damages const damages = core_->damages();
+  for (auto const& damage : damages) reportSurely(damage.corruption, "removing all rows");
+  if (!damages.empty()) failRemoval();
 }
 
-/// What is damaged goes first, since no key is found past it; it is told last, since that may end the writer.
 void WriterBase::removeAll() {
-  WriterCore::Damages const damages = core_->dropDamaged();
+  assertRemovable();
   std::vector<U64> removed(type_.rowSize / 8);
   walk([&](void const* row) {
     remove(row, removed.data());
     return true;
   });
-  Telling telling(*this);
-  telling.damages(*this, damages, "removing all rows");
-  telling.rowsChanged(damages);
-  telling.finish();
 }
 
 bool WriterBase::lookup(void const* key, void* row) const {

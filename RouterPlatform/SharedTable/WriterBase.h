@@ -65,9 +65,8 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
   /// and are not to be used any more. What a callback throws is traced at level 1 and goes no further.
   void close() noexcept;
 
-  /// Takes out what is damaged, rows and places of rows: each is told to the corruption handler, and `rowChanged` of
-  /// each row whose key is known. `rowChanged` may end the writer, as above.
-  void damagedRowsDel();
+  /// Looks at all rows before they are removed. Damage goes to the corruption handler and then fails the assertion.
+  void assertRemovable() const;
 
   /// Rows now.
   U32 count() const noexcept;
@@ -122,6 +121,9 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
   void leaveFile() noexcept;
   Error moveRows(Next& next);
   void reportCorruption(Corruption const& corruption, std::string_view during) const;
+  /// The same before an assertion, which stops the process whatever the handler throws.
+  void reportSurely(Corruption const& corruption, std::string_view during) const noexcept;
+  void failRemoval() const noexcept;
   void assertNotReporting() const noexcept;
   WriteStatus finishWrite(WriteStatus status, Corruption const& corruption);
 

@@ -384,38 +384,6 @@ WriteStatus WriterCore::copyFrom(WriterCore& other, Damages& damages, Corruption
   return status;
 }
 
-/// A damaged bucket becomes a tombstone, past which probing goes on. What was counted by octets that are not there any
-/// more is counted anew from those that are.
-WriterCore::Damages WriterCore::dropDamaged() {
-  std::vector<bool> used(slotsTaken_ + 1);
-  U32 whole = 0;
-  Damages damages = findDamage([&](BucketWord word) {
-    used[word.slot()] = true;
-    whole += 1;
-    return true;
-  });
-  if (damages.empty()) return damages;
-  used[spare_] = true;
-  freeSlots_.clear();
-  for (U32 number = slotsTaken_; number > 0; --number)
-    if (!used[number]) freeSlots_.push_back(number);
-  rows_ = whole;
-  for (Damage const& damage : damages) {
-    if (damage.corruption.place != Corruption::Place::index)
-      publish(damage.bucket, wordOf(damage.bucket).next(BucketWord::tombstoneSlot, 0));
-    announce();
-  }
-  U32 empty = 0;
-  tombstones_ = 0;
-  for (U64 number = 0; number < buckets(); ++number) {
-    empty += wordOf(number).empty();
-    tombstones_ += wordOf(number).tombstone();
-  }
-  Corruption none;
-  if (empty == 0) rebuild(indexBits_, none);  // probing has to end somewhere
-  return damages;
-}
-
 void WriterCore::retire() noexcept {
   put(live().retiredTime, FileIo::realtime(), std::memory_order_relaxed);
   // Release; pairs with the acquire load in ReaderCore::isRetired: who sees the mark sees the time.

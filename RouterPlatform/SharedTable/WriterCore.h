@@ -61,8 +61,10 @@ class WriterCore {
   /// damaged here, if that is the result.
   WriteStatus copyFrom(WriterCore& other, Damages& damages, Corruption& corruption);
 
-  /// Takes out whatever is damaged, and tells of it. Throws `std::bad_alloc`, and nothing is changed then.
-  Damages dropDamaged();
+  /// Looks at all there is.
+  Damages damages() {
+    return findDamage([](BucketWord) { return true; });
+  }
 
   /// Tells readers that the writer has left this file.
   void retire() noexcept;

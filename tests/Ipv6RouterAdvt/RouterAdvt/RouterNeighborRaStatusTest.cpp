@@ -414,6 +414,23 @@ TEST_P(NeighborTableEnd, ItEndsAllTheSameWhenAnObserverOfTheControlThrows) {
   EXPECT_FALSE(published());
 }
 
+TEST_P(NeighborTableEnd, ItEndsAllTheSameWhenAnObserverOfItsControlAttributeThrows) {
+  mount();
+  int told = 0;
+  auto const subscription = Fwk::observe(*status_, [&](Fwk::Notification const& notification) {
+    if (notification.attr != RouterNeighborRaStatus::routerNeighborRaControlAttr) return;
+    ++told;
+    throw std::runtime_error("observer");
+  });
+  Fwk::Entity& kept = *status_;
+  status_ = nullptr;
+  EXPECT_EQ(living(), 1);
+  kept.parentIs(nullptr, 0);
+  EXPECT_EQ(living(), 0);
+  EXPECT_EQ(told, 1);
+  EXPECT_FALSE(published());
+}
+
 TEST_P(NeighborTableEnd, ItEndsWhenItIsMountedAnewInVainWhileItUnmounts) {
   mount();
   std::string const inTheWay = directory_ + "/routing6/routerAdvt/routerNeighborRaStatus";
@@ -616,20 +633,6 @@ TEST_F(DamagedNeighborTable, ACommitOfTheWritableSlotRepairsItsRowAndOnlyThat) {
   EXPECT_EQ(status_->routerNeighborRa(keyOf(2)).lastRaReceived(), 2.5);
 }
 
-TEST_F(DamagedNeighborTable, RemovingAllTakesDamagedRowsOutAndTellsTheHandlerAndTheObservers) {
-  std::vector<std::string> messages;
-  status_->corruptionHandlerIs([&](std::string_view message) { messages.emplace_back(message); });
-  damage(keyOf(1), 50);
-  Heard heard(*status_);
-  status_->routerNeighborRaDelAll();
-  EXPECT_THAT(messages, ElementsAre(HasSubstr("damaged slot ")));
-  EXPECT_THAT(heard.keys, UnorderedElementsAre("Ethernet1-fe80::1", "Ethernet1-fe80::2"));
-  EXPECT_TRUE(status_->routerNeighborRa().empty());
-  EXPECT_EQ(status_->routerNeighborRa(keyOf(1)), RouterNeighborRa());
-  EXPECT_EQ(messages.size(), 1u) << "nothing damaged is left";
-  status_->corruptionHandlerIs(nullptr);
-}
-
 TEST_F(DamagedNeighborTable, ARowThatIsLostWhenUnmountingIsNotified) {
   damage(keyOf(1), 50);
   Heard heard(*status_);
@@ -639,6 +642,12 @@ TEST_F(DamagedNeighborTable, ARowThatIsLostWhenUnmountingIsNotified) {
 }
 
 using DamagedNeighborTableDeathTest = DamagedNeighborTable;
+
+TEST_F(DamagedNeighborTableDeathTest, RemovingAllFailsTheTablesAssertion) {
+  damage(keyOf(1), 50);
+  EXPECT_DEATH(status_->routerNeighborRaDelAll(),
+               "handler: .*(.|\n)*assertion \"TableMap::safeRemove\\(\\) in no man's land\" failed");
+}
 
 TEST_F(DamagedNeighborTableDeathTest, AWriteFailsTheTablesAssertion) {
   damage(keyOf(1), 40);

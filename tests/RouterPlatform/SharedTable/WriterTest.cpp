@@ -362,6 +362,13 @@ TEST_F(ThrowingOwner, IsToldAllWhenTheTableIsMountedAndUnmounted) {
   EXPECT_THAT(heard_, ElementsAre("active", "mounted", "unmounted", "quiesced"));
 }
 
+TEST_F(ThrowingOwner, DoesNotKeepATableFromMoving) {
+  EXPECT_THROW((void)writer_.mountPathIs(mountPath), std::runtime_error);
+  EXPECT_THROW((void)writer_.mountPathIs("elsewhere"), std::runtime_error);
+  EXPECT_EQ(writer_.mountStatus(), MountStatus::mounted);
+  EXPECT_EQ(writer_.mountPath(), "elsewhere");
+}
+
 TEST_F(ThrowingOwner, DoesNotKeepATableFromClosing) {
   EXPECT_THROW((void)writer_.mountPathIs(mountPath), std::runtime_error);
   Trace::Capture trace("SharedTable", "1");
