@@ -252,7 +252,8 @@ WriteStatus WriterCore::makeRoom(bool& rebuilt, Corruption& corruption) {
 }
 
 /// Empties the tombstones that none of the rows behind them was probed past. From the last to the first, so that it is
-/// known where those rows began.
+/// known where those rows began. Counted as a change of its own: a reader who looks for an empty bucket relies on one
+/// change leaving one of them empty throughout.
 void WriterCore::sweep() noexcept {
   constexpr U64 none = ~U64{0};
   U64 const mask = buckets() - 1;
@@ -275,6 +276,7 @@ void WriterCore::sweep() noexcept {
       firstHome = none;
     }
   }
+  announce();
 }
 
 /// Fills the other half with an index of the same rows and brings it into force with one store. Readers go on in the
