@@ -112,11 +112,13 @@ TEST_F(FailingSystem, ATableDirectoryOfTooLongANameIsAnErrorToReaders) {
 }
 
 TEST_F(FailingSystem, WithoutAFreeDescriptorNothingIsMountedOrAttached) {
+  Writer& writer = writer_;
+  Reader& reader = reader_;
   Error mounting, attaching;
   {
-    Limit const descriptors(RLIMIT_NOFILE, 0);  // sanitizers want descriptors too: nothing else is done meanwhile
-    mounting = writer_.mountPathIs(mountPath);
-    attaching = reader_.attach();
+    Limit const descriptors(RLIMIT_NOFILE, 0);  // sanitizers want some too, to look at the type of this test for one
+    mounting = writer.mountPathIs(mountPath);
+    attaching = reader.attach();
   }
   expectNotMounted(mounting, EMFILE);
   EXPECT_EQ(attaching.systemError, EMFILE);
