@@ -112,17 +112,12 @@ TEST_F(FailingSystem, ATableDirectoryOfTooLongANameIsAnErrorToReaders) {
 }
 
 TEST_F(FailingSystem, WithoutAFreeDescriptorNothingIsMountedOrAttached) {
-  Writer& writer = writer_;
-  Reader& reader = reader_;
-  Error mounting, attaching;
   {
-    Limit const descriptors(RLIMIT_NOFILE, 0);  // sanitizers want some too, to look at the type of this test for one
-    mounting = writer.mountPathIs(mountPath);
-    attaching = reader.attach();
+    Limit const descriptors(RLIMIT_NOFILE, 0);
+    expectNotMounted(writer_.mountPathIs(mountPath), EMFILE);
+    EXPECT_EQ(reader_.attach().systemError, EMFILE);
+    EXPECT_FALSE(reader_.view());
   }
-  expectNotMounted(mounting, EMFILE);
-  EXPECT_EQ(attaching.systemError, EMFILE);
-  EXPECT_FALSE(reader_.view());
   EXPECT_FALSE(writer_.mountPathIs(mountPath));
   EXPECT_FALSE(reader_.attach());
 }
