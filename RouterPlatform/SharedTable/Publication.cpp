@@ -25,7 +25,7 @@ void retireFormer(Fd const& file) noexcept {
   auto& live = *reinterpret_cast<LiveState*>(static_cast<std::byte*>(page) + liveStateOffset);
   if (live.retired.load(std::memory_order_relaxed) == 0) {
     live.retiredTime.store(FileIo::realtime(), std::memory_order_relaxed);
-    // Release; pairs with the acquire load in ReaderCore::isRetired.
+    // Release; pairs with the acquire load in ReaderBase::isRetired.
     live.retired.store(retiredMark, std::memory_order_release);
     live.changeWord.fetch_add(1, std::memory_order_release);
     FileIo::wakeAll(live.changeWord);

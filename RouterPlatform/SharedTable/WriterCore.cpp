@@ -91,7 +91,7 @@ void WriterCore::publish(U64 number, BucketWord word) noexcept {
 }
 
 /// Counts a change and wakes who waits for one. The release stores pair with the acquire loads of
-/// View::changeCount and ReaderCore::wait. A change counts only after it was committed, so a walk that finds the
+/// View::changeCount and ReaderBase::wait. A change counts only after it was committed, so a walk that finds the
 /// same count before and after met at most one change that is not counted yet, and that is one row in one moment.
 void WriterCore::announce() noexcept {
   changes_ += 1;
@@ -105,7 +105,7 @@ void WriterCore::announce() noexcept {
   put(live().changeCount, changes_, std::memory_order_release);
   put(live().changeWord, static_cast<U32>(changes_), std::memory_order_release);
   // A wake is a system call. When one woke nobody, the rest of that clock tick goes without: whoever began to wait in
-  // it looks again on his own before he settles down to wait longer (ReaderCore::wait).
+  // it looks again on his own before he settles down to wait longer (ReaderBase::wait).
   if (now == lastIdleWake_) return;
   if (FileIo::wakeAll(live().changeWord) == 0) lastIdleWake_ = now;
 }
@@ -388,7 +388,7 @@ WriteStatus WriterCore::copyFrom(WriterCore& other, Damages& damages, Corruption
 
 void WriterCore::retire() noexcept {
   put(live().retiredTime, FileIo::realtime(), std::memory_order_relaxed);
-  // Release; pairs with the acquire load in ReaderCore::isRetired: who sees the mark sees the time.
+  // Release; pairs with the acquire load in ReaderBase::isRetired: who sees the mark sees the time.
   put(live().retired, retiredMark, std::memory_order_release);
   put(live().changeWord, static_cast<U32>(changes_) + 1, std::memory_order_release);
   FileIo::wakeAll(live().changeWord);

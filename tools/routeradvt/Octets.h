@@ -1,13 +1,11 @@
 #pragma once
 
 #include <RouterPlatform/Fwk/BaseTypes.h>
-#include <RouterPlatform/Packet/NetInt.h>
+#include <RouterPlatform/Packet/HeaderAt.h>
 
 #include <algorithm>
-#include <cstring>
 #include <optional>
 #include <span>
-#include <type_traits>
 
 namespace Tool {
 
@@ -26,11 +24,8 @@ class Octets {
   /// A copy of the header that begins there, or nothing where it does not fit.
   template <class Header>
   std::optional<Header> header(std::size_t at = 0) const {
-    static_assert(std::is_trivially_copyable_v<Header> && alignof(Header) == 1);
-    if (at > size() || size() - at < sizeof(Header)) return std::nullopt;
-    Header result;
-    std::memcpy(&result, octets_.data() + at, sizeof result);
-    return result;
+    Header const* const found = Net::headerAt<Header>(octets_, at);
+    return found ? std::optional<Header>(*found) : std::nullopt;
   }
 
   /// Those from `at` on, at most `count`; fewer, or none, where they end before.
