@@ -135,6 +135,27 @@ def check_reload(folder):
     checks.true("the socket is removed by Ctrl-C", not os.path.exists(path))
 
 
+def check_a_file_above_the_memory(folder):
+    file, path = os.path.join(folder, "large.yaml"), os.path.join(folder, "large.sock")
+    write(file, FIRST)
+    server = Server(file, path, "--poll", "1000")
+    with open(f"/proc/{server.process.pid}/statm", encoding="ascii") as statm:
+        taken = int(statm.read().split()[0]) * resource.getpagesize()
+    if taken > 1 << 40:
+        print("not checked: a sanitizer takes all addresses there are")
+        server.end()
+        return
+    resource.prlimit(server.process.pid, resource.RLIMIT_AS, (taken + (32 << 20),) * 2)
+    write(file, "config: [" + "a, " * 200000 + "]\n")
+    checks.contains("why it is refused", server.until(server.err, "large.yaml"), "cannot be read: std::bad_alloc")
+    checks.contains("what becomes of it", server.until(server.err, "stays"), "what is served stays as it was")
+    checks.equal("trees under a file above the memory", list(mirrored(path)["config"]["intf"]), ["lo", "Ethernet2"])
+    write(file, FIRST.replace("1800", "600"))
+    server.until(server.out, "reloaded ")
+    checks.equal("the next file", mirrored(path)["config"]["intf"]["lo"]["raLifetime"], 600)
+    server.end()
+
+
 def check_link_to_the_file(folder):
     """As configuration is often put in place: a link to a link that is replaced."""
     for number in ("1", "2"):
@@ -370,7 +391,7 @@ def check_streams(folder):
 
 
 with tempfile.TemporaryDirectory() as temporary:
-    for check in (check_trees, check_captured_files, check_reload, check_link_to_the_file, check_restart,
+    for check in (check_trees, check_captured_files, check_reload, check_a_file_above_the_memory, check_link_to_the_file, check_restart,
                   check_refusals, check_output_that_ends, check_server_whose_output_ends, check_time_to_come, check_few_descriptors,
                   check_whoever_talks, check_hangup, check_streams):
         check(temporary)

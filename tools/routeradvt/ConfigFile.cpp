@@ -8,9 +8,13 @@
 #include <tools/routeradvt/YamlReader.h>
 
 #include <yaml-cpp/depthguard.h>
+#include <yaml-cpp/eventhandler.h>
 
 #include <algorithm>
 #include <array>
+#include <optional>
+#include <sstream>
+#include <utility>
 
 namespace Tool {
 
@@ -41,26 +45,78 @@ std::string tabHint(std::string_view text, int lastLine) {
   return {};
 }
 
+Place placeOfMark(YAML::Mark const& mark) {
+  return mark.is_null() ? startOfFile : Place{mark.line + 1, mark.column + 1};
+}
+
+/// Where a document and its uppermost node begin. The document may begin earlier: with "---".
+class DocumentPlaces final : public YAML::EventHandler {
+ public:
+  Place begin, root;
+
+  void OnDocumentStart(YAML::Mark const& mark) override { begin = placeOfMark(mark); }
+  void OnDocumentEnd() override {}
+  void OnNull(YAML::Mark const& mark, YAML::anchor_t) override { note(mark); }
+  void OnAlias(YAML::Mark const& mark, YAML::anchor_t) override { note(mark); }
+  void OnScalar(YAML::Mark const& mark, std::string const&, YAML::anchor_t, std::string const&) override { note(mark); }
+  void OnSequenceStart(YAML::Mark const& mark, std::string const&, YAML::anchor_t, YAML::EmitterStyle::value) override {
+    note(mark);
+  }
+  void OnSequenceEnd() override {}
+  void OnMapStart(YAML::Mark const& mark, std::string const&, YAML::anchor_t, YAML::EmitterStyle::value) override {
+    note(mark);
+  }
+  void OnMapEnd() override {}
+
+ private:
+  void note(YAML::Mark const& mark) {
+    if (!std::exchange(hasRoot_, true)) root = placeOfMark(mark);
+  }
+
+  bool hasRoot_ = false;
+};
+
+/// Places of what stands behind the first document of a text, and must not.
+struct BehindTheDocument {
+  std::optional<Place> document;
+  std::optional<Place> comma;
+};
+
+BehindTheDocument findBehindTheDocument(std::string const& text) {
+  std::istringstream octets(text);
+  YAML::Parser parser(octets);
+  DocumentPlaces first, second, third;
+  if (!parser.HandleNextDocument(first) || !parser.HandleNextDocument(second)) return {};
+  // The parser makes an empty document of a comma and does not pass it: there, documents never end.
+  if (second.begin == first.begin || (parser.HandleNextDocument(third) && third.begin == second.begin))
+    return {{}, second.begin};
+  return {second.root, {}};
+}
+
 class FileReader {
  public:
   explicit FileReader(ConfigFile& file) : file_(file), reader_(file) {}
 
   void read(std::string const& text) {
     if (!isText(text)) return reader_.error({}, {}, "is not a text file");
-    std::vector<YAML::Node> documents;
+    YAML::Node document;
+    BehindTheDocument behind;
     try {
-      documents = YAML::LoadAll(text);
+      behind = findBehindTheDocument(text);
+      document = YAML::Load(text);
     } catch (YAML::DeepRecursion const&) {
       return reader_.error(startOfFile, {}, "not YAML that can be read: nested too deeply");
     } catch (YAML::Exception const& e) {
-      Place const place = e.mark.is_null() ? startOfFile : Place{e.mark.line + 1, e.mark.column + 1};
+      Place const place = placeOfMark(e.mark);
       return reader_.error(place, {}, "not YAML: " + printable(e.msg) + tabHint(text, place.line));
     }
-    if (documents.empty() || documents[0].IsNull())
+    if (behind.comma)
+      reader_.error(*behind.comma, {}, "a comma stands where a document begins");
+    else if (document.IsNull())
       return reader_.error(startOfFile, {}, "the file is empty; a section config is meant");
-    if (documents.size() > 1)
-      reader_.error(placeOf(documents[1], startOfFile), {}, "a second document begins; one is meant");
-    readSections({documents[0], {}, placeOf(documents[0], startOfFile)});
+    else if (behind.document)
+      reader_.error(*behind.document, {}, "a second document begins; one is meant");
+    readSections({document, {}, placeOf(document, startOfFile)});
   }
 
  private:

@@ -2,8 +2,10 @@
 #include <RouterPlatform/Fwk/TreeAssign.h>
 #include <tools/routeradvt/Command.h>
 #include <tools/routeradvt/ServedModel.h>
+#include <tools/routeradvt/Text.h>
 
 #include <algorithm>
+#include <exception>
 #include <ostream>
 
 namespace Tool {
@@ -40,10 +42,16 @@ ServedModel::ServedModel(std::string fileName, std::ostream& err, ProcFiles proc
 }
 
 ServedModel::Reload ServedModel::reload(std::ostream& err) {
-  FileText read = readRegularFileText(fileName_);
-  if (read.text == read_.text && read.error == read_.error) return Reload::unchanged;
-  read_ = std::move(read);
-  ConfigFile const file = readConfigText(fileName_, read_);
+  ConfigFile file;
+  try {
+    FileText read = readRegularFileText(fileName_);
+    if (read.text == read_.text && read.error == read_.error) return Reload::unchanged;
+    read_ = std::move(read);
+    file = readConfigText(fileName_, read_);
+  } catch (std::exception const& e) {  // the file takes more memory than there is
+    err << printable(fileName_) << ": cannot be read: " << e.what() << std::endl;
+    return Reload::refused;
+  }
   tell(err, file);
   if (!file) return Reload::refused;
   Fwk::assignTree(file.config, config_, comesInAnyOrder);

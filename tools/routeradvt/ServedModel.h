@@ -29,7 +29,8 @@ class ServedModel {
     refused     ///< the trees are as they were
   };
   /// Reads the file again if it is another one than it was, and applies what differs. Warnings, and the errors of a
-  /// file that is refused, go to `err`, once for each state of the file.
+  /// file that is refused, go to `err`, once for each state of the file. A file that takes more memory than there is
+  /// is refused, too.
   Reload reload(std::ostream& err);
 
   /// Captures the files of some interfaces, the next ones each time, so that no call takes long. True: it was the last
