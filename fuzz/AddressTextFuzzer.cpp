@@ -2,7 +2,7 @@
 // an equal hash, and that prints as itself: printing is canonical. An IPv6 address is read exactly when the C library
 // reads it, as the same octets.
 
-#include <RouterPlatform/Fwk/Name.h>
+#include <RouterPlatform/Base/Name.h>
 #include <RouterPlatform/Net/EthAddr.h>
 #include <RouterPlatform/Net/Icmp6RouterAdvtRouterPreferenceType.h>
 #include <RouterPlatform/Net/IntfId.h>

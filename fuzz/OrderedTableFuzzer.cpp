@@ -2,7 +2,7 @@
 // plain vector holds, finds it, and shows it in the same order; a walk sees what was there when it began and still is.
 
 #include <fuzz/Fuzzer.h>
-#include <tests/RouterPlatform/Fwk/OrderedTableModel.h>
+#include <tests/RouterPlatform/Base/OrderedTableModel.h>
 
 namespace {
 

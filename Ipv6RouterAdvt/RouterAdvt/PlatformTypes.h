@@ -1,10 +1,10 @@
 #pragma once
 
-#include <RouterPlatform/Fwk/BaseTypes.h>
+#include <RouterPlatform/Base/BaseTypes.h>
+#include <RouterPlatform/Base/Name.h>
+#include <RouterPlatform/Base/Ptr.h>
 #include <RouterPlatform/Fwk/Collections.h>
 #include <RouterPlatform/Fwk/Entity.h>
-#include <RouterPlatform/Fwk/Name.h>
-#include <RouterPlatform/Fwk/Ptr.h>
 #include <RouterPlatform/Fwk/TextForm.h>
 #include <RouterPlatform/Fwk/TypeRecord.h>
 #include <RouterPlatform/Ip6/IntfStatus.h>

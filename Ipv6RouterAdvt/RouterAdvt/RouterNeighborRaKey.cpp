@@ -1,6 +1,6 @@
 #include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaKey.h>
+#include <RouterPlatform/Base/Text.h>
 #include <RouterPlatform/Fwk/Attributes.h>
-#include <RouterPlatform/Trace/Text.h>
 
 namespace RouterAdvt {
 

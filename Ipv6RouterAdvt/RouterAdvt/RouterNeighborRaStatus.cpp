@@ -1,6 +1,6 @@
 #include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaStatus.h>
+#include <RouterPlatform/Base/Steps.h>
 #include <RouterPlatform/Fwk/Attributes.h>
-#include <RouterPlatform/Fwk/Steps.h>
 
 #include <optional>
 

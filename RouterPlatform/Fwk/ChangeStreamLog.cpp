@@ -1,7 +1,7 @@
 #include <RouterPlatform/Fwk/ChangeStreamLog.h>
 
+#include <RouterPlatform/Base/Hash.h>
 #include <RouterPlatform/Fwk/ChangeStreamHub.h>
-#include <RouterPlatform/Fwk/Hash.h>
 
 #include <algorithm>
 

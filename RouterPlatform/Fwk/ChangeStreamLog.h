@@ -1,8 +1,8 @@
 #pragma once
 
-#include <RouterPlatform/Fwk/BaseTypes.h>
+#include <RouterPlatform/Base/BaseTypes.h>
+#include <RouterPlatform/Base/Ptr.h>
 #include <RouterPlatform/Fwk/Notifiee.h>
-#include <RouterPlatform/Fwk/Ptr.h>
 #include <RouterPlatform/Fwk/StreamCodec.h>
 
 #include <span>

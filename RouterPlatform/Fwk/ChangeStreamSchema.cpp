@@ -1,5 +1,5 @@
+#include <RouterPlatform/Base/Hash.h>
 #include <RouterPlatform/Fwk/ChangeStreamSchema.h>
-#include <RouterPlatform/Fwk/Hash.h>
 #include <RouterPlatform/Fwk/TypeRegistry.h>
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <RouterPlatform/Base/OrderedMap.h>
+#include <RouterPlatform/Base/OrderedTable.h>
 #include <RouterPlatform/Fwk/Entity.h>
-#include <RouterPlatform/Fwk/OrderedMap.h>
-#include <RouterPlatform/Fwk/OrderedTable.h>
 
 #include <optional>
 #include <utility>

@@ -1,10 +1,11 @@
 #pragma once
 
+#include <RouterPlatform/Base/BaseTypes.h>
+#include <RouterPlatform/Base/Name.h>
+#include <RouterPlatform/Base/Ptr.h>
 #include <RouterPlatform/Export.h>
-#include <RouterPlatform/Fwk/BaseTypes.h>
-#include <RouterPlatform/Fwk/Name.h>
+#include <RouterPlatform/Fwk/AttrId.h>
 #include <RouterPlatform/Fwk/Notifiee.h>
-#include <RouterPlatform/Fwk/Ptr.h>
 #include <RouterPlatform/Fwk/TypeRecord.h>
 
 #include <utility>

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <RouterPlatform/Fwk/BaseTypes.h>
-#include <RouterPlatform/Trace/Text.h>
+#include <RouterPlatform/Base/BaseTypes.h>
+#include <RouterPlatform/Base/Text.h>
+#include <RouterPlatform/Fwk/AttrId.h>
 
 #include <typeinfo>
 

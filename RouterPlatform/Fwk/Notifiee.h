@@ -1,8 +1,8 @@
 #pragma once
 
+#include <RouterPlatform/Base/Ptr.h>
 #include <RouterPlatform/Export.h>
 #include <RouterPlatform/Fwk/Notification.h>
-#include <RouterPlatform/Fwk/Ptr.h>
 
 namespace Fwk {
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <RouterPlatform/Export.h>
+#include <RouterPlatform/Fwk/AttrId.h>
 #include <RouterPlatform/Fwk/ObjectRef.h>
 #include <RouterPlatform/Fwk/TypeRecord.h>
 

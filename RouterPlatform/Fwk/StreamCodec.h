@@ -1,8 +1,8 @@
 #pragma once
 
+#include <RouterPlatform/Base/BaseTypes.h>
+#include <RouterPlatform/Base/OrderedMap.h>
 #include <RouterPlatform/Export.h>
-#include <RouterPlatform/Fwk/BaseTypes.h>
-#include <RouterPlatform/Fwk/OrderedMap.h>
 #include <RouterPlatform/Fwk/TextForm.h>
 
 #include <bit>

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <RouterPlatform/Base/BaseTypes.h>
+#include <RouterPlatform/Base/Text.h>
 #include <RouterPlatform/Export.h>
-#include <RouterPlatform/Fwk/BaseTypes.h>
-#include <RouterPlatform/Trace/Text.h>
 
 #include <charconv>
 #include <concepts>

@@ -1,5 +1,5 @@
+#include <RouterPlatform/Base/Text.h>
 #include <RouterPlatform/Fwk/TextForm.h>
-#include <RouterPlatform/Trace/Text.h>
 
 #include <charconv>
 #include <cmath>

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <RouterPlatform/Base/BaseTypes.h>
 #include <RouterPlatform/Export.h>
-#include <RouterPlatform/Fwk/BaseTypes.h>
 
 #include <algorithm>
 #include <concepts>

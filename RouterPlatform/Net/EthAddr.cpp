@@ -1,8 +1,8 @@
 #include <RouterPlatform/Net/EthAddr.h>
 
-#include <RouterPlatform/Fwk/Hash.h>
+#include <RouterPlatform/Base/Hash.h>
+#include <RouterPlatform/Base/Text.h>
 #include <RouterPlatform/Net/BadText.h>
-#include <RouterPlatform/Trace/Text.h>
 
 namespace Net {
 

@@ -1,6 +1,6 @@
 #include <RouterPlatform/Net/Icmp6RouterAdvtRouterPreferenceType.h>
 
-#include <RouterPlatform/Trace/Text.h>
+#include <RouterPlatform/Base/Text.h>
 
 #include <array>
 

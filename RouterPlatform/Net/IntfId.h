@@ -1,6 +1,6 @@
 #pragma once
 
-#include <RouterPlatform/Fwk/BoundedText.h>
+#include <RouterPlatform/Base/BoundedText.h>
 
 namespace Net {
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <RouterPlatform/Base/BaseTypes.h>
+#include <RouterPlatform/Base/Hash.h>
 #include <RouterPlatform/Export.h>
-#include <RouterPlatform/Fwk/BaseTypes.h>
-#include <RouterPlatform/Fwk/Hash.h>
 
 #include <array>
 #include <bit>

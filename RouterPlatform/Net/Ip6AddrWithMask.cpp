@@ -1,7 +1,7 @@
 #include <RouterPlatform/Net/Ip6AddrWithMask.h>
 
+#include <RouterPlatform/Base/Text.h>
 #include <RouterPlatform/Net/BadText.h>
-#include <RouterPlatform/Trace/Text.h>
 
 #include <algorithm>
 #include <charconv>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <RouterPlatform/Fwk/BaseTypes.h>
-#include <RouterPlatform/Fwk/Ptr.h>
+#include <RouterPlatform/Base/BaseTypes.h>
+#include <RouterPlatform/Base/Ptr.h>
 
 #include <mutex>
 

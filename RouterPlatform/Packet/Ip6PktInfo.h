@@ -1,7 +1,7 @@
 #pragma once
 
+#include <RouterPlatform/Base/Ptr.h>
 #include <RouterPlatform/Export.h>
-#include <RouterPlatform/Fwk/Ptr.h>
 #include <RouterPlatform/Net/Ip6Addr.h>
 #include <RouterPlatform/Packet/PktManager.h>
 

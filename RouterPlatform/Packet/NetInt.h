@@ -1,6 +1,6 @@
 #pragma once
 
-#include <RouterPlatform/Fwk/BaseTypes.h>
+#include <RouterPlatform/Base/BaseTypes.h>
 
 #include <array>
 #include <bit>

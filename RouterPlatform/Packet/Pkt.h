@@ -1,7 +1,7 @@
 #pragma once
 
+#include <RouterPlatform/Base/Ptr.h>
 #include <RouterPlatform/Export.h>
-#include <RouterPlatform/Fwk/Ptr.h>
 #include <RouterPlatform/Packet/Icmp6Hdr.h>
 #include <RouterPlatform/Packet/Ip6Hdr.h>
 #include <RouterPlatform/Packet/NetInt.h>

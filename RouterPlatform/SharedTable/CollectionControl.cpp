@@ -1,5 +1,5 @@
+#include <RouterPlatform/Base/Steps.h>
 #include <RouterPlatform/Fwk/Attributes.h>
-#include <RouterPlatform/Fwk/Steps.h>
 #include <RouterPlatform/SharedTable/CollectionControl.h>
 
 #include <utility>

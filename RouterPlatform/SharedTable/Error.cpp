@@ -1,5 +1,5 @@
+#include <RouterPlatform/Base/Text.h>
 #include <RouterPlatform/SharedTable/Error.h>
-#include <RouterPlatform/Trace/Text.h>
 
 namespace SharedTable {
 

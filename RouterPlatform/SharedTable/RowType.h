@@ -1,6 +1,6 @@
 #pragma once
 
-#include <RouterPlatform/Fwk/Hash.h>
+#include <RouterPlatform/Base/Hash.h>
 #include <RouterPlatform/SharedTable/Format.h>
 #include <RouterPlatform/Trace/Assert.h>
 

@@ -1,4 +1,4 @@
-#include <RouterPlatform/Fwk/Steps.h>
+#include <RouterPlatform/Base/Steps.h>
 #include <RouterPlatform/SharedTable/Publication.h>
 #include <RouterPlatform/SharedTable/WriterBase.h>
 #include <RouterPlatform/SharedTable/WriterCore.h>

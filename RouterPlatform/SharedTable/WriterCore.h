@@ -1,6 +1,6 @@
 #pragma once
 
-#include <RouterPlatform/Fwk/FunctionRef.h>
+#include <RouterPlatform/Base/FunctionRef.h>
 #include <RouterPlatform/SharedTable/Error.h>
 #include <RouterPlatform/SharedTable/Format.h>
 #include <RouterPlatform/SharedTable/Memory.h>

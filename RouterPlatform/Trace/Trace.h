@@ -1,7 +1,7 @@
 #pragma once
 
+#include <RouterPlatform/Base/Text.h>
 #include <RouterPlatform/Export.h>
-#include <RouterPlatform/Trace/Text.h>
 
 #include <atomic>
 #include <cstddef>

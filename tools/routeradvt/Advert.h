@@ -1,6 +1,6 @@
 #pragma once
 
-#include <RouterPlatform/Fwk/Ptr.h>
+#include <RouterPlatform/Base/Ptr.h>
 #include <RouterPlatform/Ip6/IntfStatus.h>
 #include <RouterPlatform/Ip6/VirtualRouterStatusV6.h>
 #include <RouterPlatform/Packet/Pkt.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <RouterPlatform/Fwk/BaseTypes.h>
+#include <RouterPlatform/Base/BaseTypes.h>
 #include <RouterPlatform/Net/EthAddr.h>
 #include <RouterPlatform/Net/Ip6Addr.h>
 

@@ -1,4 +1,4 @@
-#include <RouterPlatform/Fwk/Name.h>
+#include <RouterPlatform/Base/Name.h>
 #include <RouterPlatform/Net/Icmp6RouterAdvtRouterPreferenceType.h>
 #include <RouterPlatform/Net/IntfId.h>
 #include <tools/routeradvt/Text.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <RouterPlatform/Fwk/FunctionRef.h>
+#include <RouterPlatform/Base/FunctionRef.h>
 #include <tools/routeradvt/ConfigFile.h>
 
 #include <yaml-cpp/yaml.h>

@@ -1,4 +1,4 @@
-#include <RouterPlatform/Fwk/Name.h>
+#include <RouterPlatform/Base/Name.h>
 #include <RouterPlatform/Fwk/StreamCodec.h>
 #include <RouterPlatform/Net/EthAddr.h>
 #include <RouterPlatform/Net/Icmp6RouterAdvtRouterPreferenceType.h>

@@ -1,4 +1,4 @@
-#include <RouterPlatform/Fwk/Name.h>
+#include <RouterPlatform/Base/Name.h>
 #include <RouterPlatform/Fwk/TextCodec.h>
 #include <RouterPlatform/Net/Ip6AddrWithMask.h>
 #include <tests/RouterPlatform/Fwk/TestModel.h>

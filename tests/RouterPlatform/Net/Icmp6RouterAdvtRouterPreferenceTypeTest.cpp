@@ -1,5 +1,5 @@
+#include <RouterPlatform/Base/Text.h>
 #include <RouterPlatform/Net/Icmp6RouterAdvtRouterPreferenceType.h>
-#include <RouterPlatform/Trace/Text.h>
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include <RouterPlatform/Fwk/OrderedMap.h>
+#include <RouterPlatform/Base/OrderedMap.h>
 #include <tests/RouterPlatform/Support/AllocationCount.h>
 
 #include <gmock/gmock.h>

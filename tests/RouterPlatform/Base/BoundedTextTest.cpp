@@ -1,8 +1,8 @@
-#include <RouterPlatform/Fwk/BoundedText.h>
-#include <RouterPlatform/Fwk/Name.h>
+#include <RouterPlatform/Base/BoundedText.h>
+#include <RouterPlatform/Base/Name.h>
+#include <RouterPlatform/Base/Text.h>
 #include <RouterPlatform/Net/IntfId.h>
 #include <RouterPlatform/Net/VrfName.h>
-#include <RouterPlatform/Trace/Text.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-#include <RouterPlatform/Fwk/Hash.h>
-#include <RouterPlatform/Fwk/Name.h>
+#include <RouterPlatform/Base/Hash.h>
+#include <RouterPlatform/Base/Name.h>
 #include <RouterPlatform/Net/IntfId.h>
 #include <RouterPlatform/Net/Ip6AddrWithMask.h>
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <RouterPlatform/Fwk/BaseTypes.h>
-#include <RouterPlatform/Fwk/Hash.h>
-#include <RouterPlatform/Fwk/OrderedIndex.h>
-#include <RouterPlatform/Fwk/Ptr.h>
+#include <RouterPlatform/Base/BaseTypes.h>
+#include <RouterPlatform/Base/Hash.h>
+#include <RouterPlatform/Base/OrderedIndex.h>
+#include <RouterPlatform/Base/Ptr.h>
 
 #include <algorithm>
 #include <concepts>

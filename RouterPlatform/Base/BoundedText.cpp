@@ -1,4 +1,4 @@
-#include <RouterPlatform/Fwk/BoundedText.h>
+#include <RouterPlatform/Base/BoundedText.h>
 
 #include <stdexcept>
 

@@ -1,5 +1,5 @@
-#include <RouterPlatform/Fwk/OrderedTable.h>
-#include <tests/RouterPlatform/Fwk/OrderedTableModel.h>
+#include <RouterPlatform/Base/OrderedTable.h>
+#include <tests/RouterPlatform/Base/OrderedTableModel.h>
 #include <tests/RouterPlatform/Support/AllocationCount.h>
 
 #include <gmock/gmock.h>

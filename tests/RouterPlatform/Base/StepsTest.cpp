@@ -1,4 +1,4 @@
-#include <RouterPlatform/Fwk/Steps.h>
+#include <RouterPlatform/Base/Steps.h>
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include <RouterPlatform/Fwk/FunctionRef.h>
+#include <RouterPlatform/Base/FunctionRef.h>
 #include <tests/RouterPlatform/Support/AllocationCount.h>
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <RouterPlatform/Fwk/OrderedTable.h>
+#include <RouterPlatform/Base/OrderedTable.h>
 
 namespace Fwk {
 

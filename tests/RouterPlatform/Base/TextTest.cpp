@@ -1,4 +1,4 @@
-#include <RouterPlatform/Trace/Text.h>
+#include <RouterPlatform/Base/Text.h>
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include <RouterPlatform/Fwk/Ptr.h>
+#include <RouterPlatform/Base/Ptr.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

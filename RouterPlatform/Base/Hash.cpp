@@ -1,4 +1,4 @@
-#include <RouterPlatform/Fwk/Hash.h>
+#include <RouterPlatform/Base/Hash.h>
 
 #include <sys/random.h>
 #include <chrono>

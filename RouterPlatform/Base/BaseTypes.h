@@ -18,22 +18,13 @@ using S64 = std::int64_t;
 /// Floating-point seconds.
 using Seconds = double;
 
-/// Identifies an attribute within its type; declaration order is the numbering.
-using AttrId = U16;
-
-/// The five attributes that every entity has ahead of its own.
-enum BaseAttr : AttrId { nameAttr = 253, fullNameAttr, parentAttr, parentAttrNameAttr, entityAttr };
-
-/// Identifier of the first attribute that a type declares itself.
-inline constexpr AttrId firstOwnAttr = 258;
-
 /// Text of the model: a standard string with the iterator name that text readers take.
 class String : public std::string {
  public:
   using std::string::string;
   using IteratorConst = std::string::const_iterator;
   String() = default;
-  String(std::string text) : std::string(std::move(text)) {}  // NOLINT(google-explicit-constructor)
+  String(std::string text) : std::string(std::move(text)) {}
 };
 
 }  // namespace Fwk

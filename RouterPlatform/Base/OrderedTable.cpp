@@ -1,4 +1,4 @@
-#include <RouterPlatform/Fwk/OrderedTable.h>
+#include <RouterPlatform/Base/OrderedTable.h>
 
 namespace Fwk {
 

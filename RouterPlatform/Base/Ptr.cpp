@@ -1,4 +1,4 @@
-#include <RouterPlatform/Fwk/Ptr.h>
+#include <RouterPlatform/Base/Ptr.h>
 
 namespace Fwk {
 

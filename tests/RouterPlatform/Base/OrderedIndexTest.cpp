@@ -1,4 +1,4 @@
-#include <RouterPlatform/Fwk/OrderedIndex.h>
+#include <RouterPlatform/Base/OrderedIndex.h>
 
 #include <gtest/gtest.h>
 
