@@ -3,9 +3,9 @@
 #include <RouterPlatform/Base/BaseTypes.h>
 #include <RouterPlatform/Base/Name.h>
 #include <RouterPlatform/Base/Ptr.h>
+#include <RouterPlatform/Forms/TextForm.h>
 #include <RouterPlatform/Fwk/Collections.h>
 #include <RouterPlatform/Fwk/Entity.h>
-#include <RouterPlatform/Fwk/TextForm.h>
 #include <RouterPlatform/Fwk/TypeRecord.h>
 #include <RouterPlatform/Ip6/IntfStatus.h>
 #include <RouterPlatform/Ip6/VirtualRouterStatusV6.h>

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <RouterPlatform/Forms/StreamCodec.h>
 #include <RouterPlatform/Fwk/Collections.h>
 #include <RouterPlatform/Fwk/MemberAccess.h>
-#include <RouterPlatform/Fwk/StreamCodec.h>
 #include <RouterPlatform/Fwk/TypeRecord.h>
 
 #include <memory>

@@ -1,13 +1,13 @@
 #pragma once
 
+#include <RouterPlatform/Forms/StreamCodec.h>
+#include <RouterPlatform/Forms/TextCodec.h>
+#include <RouterPlatform/Forms/TextForm.h>
 #include <RouterPlatform/Fwk/AttributeCollections.h>
 #include <RouterPlatform/Fwk/Entity.h>
 #include <RouterPlatform/Fwk/MemberAccess.h>
 #include <RouterPlatform/Fwk/ObjectRef.h>
 #include <RouterPlatform/Fwk/ReflectedText.h>
-#include <RouterPlatform/Fwk/StreamCodec.h>
-#include <RouterPlatform/Fwk/TextCodec.h>
-#include <RouterPlatform/Fwk/TextForm.h>
 #include <RouterPlatform/Fwk/TypeRecord.h>
 
 #include <array>

@@ -2,8 +2,8 @@
 
 #include <RouterPlatform/Base/BaseTypes.h>
 #include <RouterPlatform/Export.h>
+#include <RouterPlatform/Forms/StreamCodec.h>
 #include <RouterPlatform/Fwk/Entity.h>
-#include <RouterPlatform/Fwk/StreamCodec.h>
 
 #include <functional>
 #include <limits>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <RouterPlatform/Fwk/StreamCodec.h>
+#include <RouterPlatform/Forms/StreamCodec.h>
 
 #include <string_view>
 

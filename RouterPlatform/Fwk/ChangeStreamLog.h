@@ -2,8 +2,8 @@
 
 #include <RouterPlatform/Base/BaseTypes.h>
 #include <RouterPlatform/Base/Ptr.h>
+#include <RouterPlatform/Forms/StreamCodec.h>
 #include <RouterPlatform/Fwk/Notifiee.h>
-#include <RouterPlatform/Fwk/StreamCodec.h>
 
 #include <span>
 #include <vector>

@@ -2,9 +2,9 @@
 
 #include <RouterPlatform/Base/FunctionRef.h>
 #include <RouterPlatform/Base/Ptr.h>
+#include <RouterPlatform/Forms/TextCodec.h>
 #include <RouterPlatform/Fwk/ReflectedObject.h>
 #include <RouterPlatform/Fwk/ReflectionResult.h>
-#include <RouterPlatform/Fwk/TextCodec.h>
 
 #include <memory>
 #include <span>

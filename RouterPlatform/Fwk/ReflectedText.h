@@ -1,6 +1,6 @@
 #pragma once
 
-#include <RouterPlatform/Fwk/TextCodec.h>
+#include <RouterPlatform/Forms/TextCodec.h>
 #include <RouterPlatform/Fwk/TypeRecord.h>
 
 #include <string_view>

@@ -4,12 +4,12 @@
 #include <RouterPlatform/Base/FunctionRef.h>
 #include <RouterPlatform/Base/Ptr.h>
 #include <RouterPlatform/Export.h>
+#include <RouterPlatform/Forms/TextCodec.h>
 #include <RouterPlatform/Fwk/AttrId.h>
 #include <RouterPlatform/Fwk/CollectionRecord.h>
 #include <RouterPlatform/Fwk/LiveCount.h>
 #include <RouterPlatform/Fwk/ReflectedObject.h>
 #include <RouterPlatform/Fwk/ReflectionResult.h>
-#include <RouterPlatform/Fwk/TextCodec.h>
 
 #include <span>
 

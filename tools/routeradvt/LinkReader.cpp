@@ -1,4 +1,4 @@
-#include <RouterPlatform/Fwk/TextCodec.h>
+#include <RouterPlatform/Forms/TextCodec.h>
 #include <tools/routeradvt/LinkReader.h>
 #include <tools/routeradvt/NearestName.h>
 #include <tools/routeradvt/Text.h>

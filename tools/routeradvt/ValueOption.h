@@ -1,6 +1,6 @@
 #pragma once
 
-#include <RouterPlatform/Fwk/TextCodec.h>
+#include <RouterPlatform/Forms/TextCodec.h>
 #include <tools/routeradvt/Text.h>
 #include <tools/routeradvt/ValueTypes.h>
 

@@ -1,4 +1,4 @@
-#include <RouterPlatform/Fwk/StreamCodec.h>
+#include <RouterPlatform/Forms/StreamCodec.h>
 
 #include <array>
 

@@ -1,4 +1,4 @@
-#include <RouterPlatform/Fwk/TextForm.h>
+#include <RouterPlatform/Forms/TextForm.h>
 #include <RouterPlatform/Net/EthAddr.h>
 #include <RouterPlatform/Net/VrfName.h>
 #include <tests/RouterPlatform/Fwk/TestModel.h>

@@ -1,5 +1,5 @@
 #include <RouterPlatform/Base/Name.h>
-#include <RouterPlatform/Fwk/TextCodec.h>
+#include <RouterPlatform/Forms/TextCodec.h>
 #include <RouterPlatform/Net/Ip6AddrWithMask.h>
 #include <tests/RouterPlatform/Fwk/TestModel.h>
 

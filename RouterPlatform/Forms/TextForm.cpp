@@ -1,5 +1,5 @@
 #include <RouterPlatform/Base/Text.h>
-#include <RouterPlatform/Fwk/TextForm.h>
+#include <RouterPlatform/Forms/TextForm.h>
 
 #include <charconv>
 #include <cmath>

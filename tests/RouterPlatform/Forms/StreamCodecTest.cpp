@@ -1,5 +1,5 @@
 #include <RouterPlatform/Base/Name.h>
-#include <RouterPlatform/Fwk/StreamCodec.h>
+#include <RouterPlatform/Forms/StreamCodec.h>
 #include <RouterPlatform/Net/EthAddr.h>
 #include <RouterPlatform/Net/Icmp6RouterAdvtRouterPreferenceType.h>
 #include <RouterPlatform/Net/VrfName.h>

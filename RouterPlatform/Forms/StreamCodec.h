@@ -3,7 +3,7 @@
 #include <RouterPlatform/Base/BaseTypes.h>
 #include <RouterPlatform/Base/OrderedMap.h>
 #include <RouterPlatform/Export.h>
-#include <RouterPlatform/Fwk/TextForm.h>
+#include <RouterPlatform/Forms/TextForm.h>
 
 #include <bit>
 #include <concepts>
