@@ -1,7 +1,7 @@
 // What a mirror costs: a snapshot of 10,000 interfaces, written and read, and changes, from the setter to the mirror.
 
 #include <Ipv6RouterAdvt/RouterAdvt.h>
-#include <RouterPlatform/Fwk/ChangeStream.h>
+#include <RouterPlatform/Mirror/ChangeStream.h>
 
 #include <benchmark/benchmark.h>
 

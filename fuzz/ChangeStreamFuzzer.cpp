@@ -3,10 +3,10 @@
 // original.
 
 #include <Ipv6RouterAdvt/RouterAdvt.h>
-#include <RouterPlatform/Fwk/ChangeStream.h>
+#include <RouterPlatform/Mirror/ChangeStream.h>
 #include <fuzz/Fuzzer.h>
 #include <tests/Ipv6RouterAdvt/Support/TreeMutator.h>
-#include <tests/RouterPlatform/Fwk/TreeText.h>
+#include <tests/RouterPlatform/Mirror/TreeText.h>
 
 #include <algorithm>
 #include <random>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <RouterPlatform/Fwk/ChangeStream.h>
+#include <RouterPlatform/Mirror/ChangeStream.h>
 
 #include <asio/io_context.hpp>
 #include <asio/local/stream_protocol.hpp>

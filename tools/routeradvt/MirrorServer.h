@@ -1,6 +1,6 @@
 #pragma once
 
-#include <RouterPlatform/Fwk/ChangeStream.h>
+#include <RouterPlatform/Mirror/ChangeStream.h>
 #include <tools/routeradvt/SocketPath.h>
 
 #include <asio/io_context.hpp>

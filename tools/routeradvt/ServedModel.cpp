@@ -1,5 +1,5 @@
 #include <Ipv6RouterAdvt/RouterAdvt/Factories.h>
-#include <RouterPlatform/Fwk/TreeAssign.h>
+#include <RouterPlatform/Mirror/TreeAssign.h>
 #include <tools/routeradvt/Command.h>
 #include <tools/routeradvt/ServedModel.h>
 #include <tools/routeradvt/Text.h>

@@ -1,10 +1,10 @@
 #include <Ipv6RouterAdvt/RouterAdvt.h>
-#include <RouterPlatform/Fwk/ChangeStream.h>
 #include <RouterPlatform/Fwk/Observe.h>
 #include <RouterPlatform/Fwk/TypeRegistry.h>
+#include <RouterPlatform/Mirror/ChangeStream.h>
 #include <tests/Ipv6RouterAdvt/Support/TreeMutator.h>
-#include <tests/RouterPlatform/Fwk/StreamText.h>
-#include <tests/RouterPlatform/Fwk/TreeText.h>
+#include <tests/RouterPlatform/Mirror/StreamText.h>
+#include <tests/RouterPlatform/Mirror/TreeText.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

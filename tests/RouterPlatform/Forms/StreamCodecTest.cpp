@@ -3,8 +3,8 @@
 #include <RouterPlatform/Net/EthAddr.h>
 #include <RouterPlatform/Net/Icmp6RouterAdvtRouterPreferenceType.h>
 #include <RouterPlatform/Net/VrfName.h>
-#include <tests/RouterPlatform/Fwk/StreamText.h>
 #include <tests/RouterPlatform/Fwk/TestModel.h>
+#include <tests/RouterPlatform/Mirror/StreamText.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

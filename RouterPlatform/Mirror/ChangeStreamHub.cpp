@@ -1,6 +1,6 @@
-#include <RouterPlatform/Fwk/ChangeStreamHub.h>
+#include <RouterPlatform/Mirror/ChangeStreamHub.h>
 
-#include <RouterPlatform/Fwk/ChangeStreamFormat.h>
+#include <RouterPlatform/Mirror/ChangeStreamFormat.h>
 
 #include <algorithm>
 #include <stdexcept>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <RouterPlatform/Fwk/ChangeStreamFormat.h>
+#include <RouterPlatform/Mirror/ChangeStreamFormat.h>
 
 #include <cstdio>
 #include <span>

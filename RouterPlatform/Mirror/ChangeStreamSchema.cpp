@@ -1,6 +1,6 @@
 #include <RouterPlatform/Base/Hash.h>
-#include <RouterPlatform/Fwk/ChangeStreamSchema.h>
 #include <RouterPlatform/Fwk/TypeRegistry.h>
+#include <RouterPlatform/Mirror/ChangeStreamSchema.h>
 
 #include <algorithm>
 

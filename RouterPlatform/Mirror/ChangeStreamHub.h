@@ -1,10 +1,10 @@
 #pragma once
 
-#include <RouterPlatform/Fwk/ChangeStream.h>
-#include <RouterPlatform/Fwk/ChangeStreamLog.h>
-#include <RouterPlatform/Fwk/ChangeStreamSchema.h>
 #include <RouterPlatform/Fwk/Entity.h>
 #include <RouterPlatform/Fwk/Notifiee.h>
+#include <RouterPlatform/Mirror/ChangeStream.h>
+#include <RouterPlatform/Mirror/ChangeStreamLog.h>
+#include <RouterPlatform/Mirror/ChangeStreamSchema.h>
 
 #include <unordered_map>
 #include <vector>

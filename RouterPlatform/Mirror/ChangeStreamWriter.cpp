@@ -1,6 +1,6 @@
-#include <RouterPlatform/Fwk/ChangeStream.h>
-#include <RouterPlatform/Fwk/ChangeStreamFormat.h>
-#include <RouterPlatform/Fwk/ChangeStreamHub.h>
+#include <RouterPlatform/Mirror/ChangeStream.h>
+#include <RouterPlatform/Mirror/ChangeStreamFormat.h>
+#include <RouterPlatform/Mirror/ChangeStreamHub.h>
 
 #include <utility>
 

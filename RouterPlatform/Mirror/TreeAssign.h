@@ -1,7 +1,7 @@
 #pragma once
 
-#include <RouterPlatform/Fwk/ChangeStream.h>
 #include <RouterPlatform/Fwk/Entity.h>
+#include <RouterPlatform/Mirror/ChangeStream.h>
 
 namespace Fwk {
 

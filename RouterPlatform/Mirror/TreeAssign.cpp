@@ -1,5 +1,5 @@
-#include <RouterPlatform/Fwk/ChangeStream.h>
-#include <RouterPlatform/Fwk/TreeAssign.h>
+#include <RouterPlatform/Mirror/ChangeStream.h>
+#include <RouterPlatform/Mirror/TreeAssign.h>
 
 #include <stdexcept>
 

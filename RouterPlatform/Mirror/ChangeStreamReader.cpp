@@ -1,7 +1,7 @@
-#include <RouterPlatform/Fwk/ChangeStream.h>
-#include <RouterPlatform/Fwk/ChangeStreamFormat.h>
-#include <RouterPlatform/Fwk/ChangeStreamSchema.h>
 #include <RouterPlatform/Fwk/TypeRegistry.h>
+#include <RouterPlatform/Mirror/ChangeStream.h>
+#include <RouterPlatform/Mirror/ChangeStreamFormat.h>
+#include <RouterPlatform/Mirror/ChangeStreamSchema.h>
 
 #include <algorithm>
 #include <optional>

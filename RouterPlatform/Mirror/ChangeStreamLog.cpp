@@ -1,7 +1,7 @@
-#include <RouterPlatform/Fwk/ChangeStreamLog.h>
+#include <RouterPlatform/Mirror/ChangeStreamLog.h>
 
 #include <RouterPlatform/Base/Hash.h>
-#include <RouterPlatform/Fwk/ChangeStreamHub.h>
+#include <RouterPlatform/Mirror/ChangeStreamHub.h>
 
 #include <algorithm>
 

@@ -1,9 +1,9 @@
-#include <RouterPlatform/Fwk/ChangeStream.h>
-#include <RouterPlatform/Fwk/ChangeStreamFormat.h>
-#include <RouterPlatform/Fwk/ChangeStreamSchema.h>
-#include <tests/RouterPlatform/Fwk/ChangeStreamModel.h>
-#include <tests/RouterPlatform/Fwk/StreamText.h>
-#include <tests/RouterPlatform/Fwk/TreeText.h>
+#include <RouterPlatform/Mirror/ChangeStream.h>
+#include <RouterPlatform/Mirror/ChangeStreamFormat.h>
+#include <RouterPlatform/Mirror/ChangeStreamSchema.h>
+#include <tests/RouterPlatform/Mirror/ChangeStreamModel.h>
+#include <tests/RouterPlatform/Mirror/StreamText.h>
+#include <tests/RouterPlatform/Mirror/TreeText.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include <RouterPlatform/Fwk/ChangeStream.h>
 #include <RouterPlatform/Fwk/Observe.h>
-#include <RouterPlatform/Fwk/TreeAssign.h>
+#include <RouterPlatform/Mirror/ChangeStream.h>
+#include <RouterPlatform/Mirror/TreeAssign.h>
 #include <tests/RouterPlatform/Fwk/TestModel.h>
 
 #include <gmock/gmock.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <RouterPlatform/Fwk/ChangeStream.h>
+#include <RouterPlatform/Mirror/ChangeStream.h>
 #include <tests/RouterPlatform/Fwk/TestModel.h>
 
 #include <optional>

@@ -1,8 +1,8 @@
-#include <RouterPlatform/Fwk/ChangeStream.h>
 #include <RouterPlatform/Fwk/Observe.h>
-#include <tests/RouterPlatform/Fwk/ChangeStreamModel.h>
-#include <tests/RouterPlatform/Fwk/StreamText.h>
-#include <tests/RouterPlatform/Fwk/TreeText.h>
+#include <RouterPlatform/Mirror/ChangeStream.h>
+#include <tests/RouterPlatform/Mirror/ChangeStreamModel.h>
+#include <tests/RouterPlatform/Mirror/StreamText.h>
+#include <tests/RouterPlatform/Mirror/TreeText.h>
 #include <tests/RouterPlatform/Support/AllocationCount.h>
 
 #include <gmock/gmock.h>
