@@ -2,7 +2,7 @@
 #include <Ipv6RouterAdvt/RouterAdvtUtils/AdvertisedPrefixes.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils/OptionWriter.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils/PrefixInfoOption.h>
-#include <RouterPlatform/Packet/Icmp6HdrOptions.h>
+#include <RouterPlatform/Nd/Icmp6HdrOptions.h>
 #include <RouterPlatform/Trace/Assert.h>
 
 #include <cstring>

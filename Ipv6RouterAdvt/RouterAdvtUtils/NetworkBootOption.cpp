@@ -1,6 +1,6 @@
 #include <Ipv6RouterAdvt/RouterAdvtUtils/NetworkBootOption.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils/OptionWriter.h>
-#include <RouterPlatform/Packet/Icmp6HdrOptions.h>
+#include <RouterPlatform/Nd/Icmp6HdrOptions.h>
 
 #include <cstring>
 

@@ -1,6 +1,6 @@
 #include <Ipv6RouterAdvt/RouterAdvtUtils/OptionWriter.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils/PrefixInfoOption.h>
-#include <RouterPlatform/Packet/Icmp6HdrOptions.h>
+#include <RouterPlatform/Nd/Icmp6HdrOptions.h>
 
 namespace RouterAdvt {
 

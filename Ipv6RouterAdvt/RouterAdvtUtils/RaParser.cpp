@@ -1,8 +1,8 @@
-#include <Ipv6RouterAdvt/RouterAdvtUtils/OptionReader.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils/RaParser.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils/UtilsTrace.h>
+#include <RouterPlatform/Nd/Icmp6RouterAdvertisementHdr.h>
+#include <RouterPlatform/Nd/OptionReader.h>
 #include <RouterPlatform/Packet/HeaderAt.h>
-#include <RouterPlatform/Packet/Icmp6RouterAdvertisementHdr.h>
 
 #include <cstring>
 
@@ -27,7 +27,7 @@ struct Header {
   Icmp6Hdr icmp6;
   Icmp6RouterAdvertisementHdr advertisement;
 };
-static_assert(sizeof(Header) == OptionReader::optionsOffset);
+static_assert(sizeof(Header) == Net::OptionReader::optionsOffset);
 
 /// The header of a message that is shorter than one: what it lacks is 0.
 Header paddedHeader(Octets octets) {
@@ -67,7 +67,7 @@ void takePrefix(Icmp6HdrPrefixInfoOption const& option, RaPacket& packet) {
 
 /// False: there is an option of length 0, and what was read is worth nothing.
 bool readOptions(Octets message, RaPacket& packet) {
-  for (OptionReader reader(message); reader.next();) {
+  for (Net::OptionReader reader(message); reader.next();) {
     if (reader.length() == 0) return false;
     if (reader.type() == Icmp6HdrPrefixInfoOption::typeValue) {
       if (auto const* const option = reader.as<Icmp6HdrPrefixInfoOption>()) takePrefix(*option, packet);

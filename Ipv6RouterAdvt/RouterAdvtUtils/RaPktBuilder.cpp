@@ -4,10 +4,10 @@
 #include <Ipv6RouterAdvt/RouterAdvtUtils/OptionWriter.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils/RaPktBuilder.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils/RecursiveDnsServerOption.h>
+#include <RouterPlatform/Nd/Icmp6HdrOptions.h>
+#include <RouterPlatform/Nd/Icmp6RouterAdvertisementHdr.h>
 #include <RouterPlatform/Packet/EthernetHdr.h>
 #include <RouterPlatform/Packet/Icmp6Hdr.h>
-#include <RouterPlatform/Packet/Icmp6HdrOptions.h>
-#include <RouterPlatform/Packet/Icmp6RouterAdvertisementHdr.h>
 #include <RouterPlatform/Packet/Ip6Hdr.h>
 #include <RouterPlatform/Packet/PktManager.h>
 #include <RouterPlatform/Trace/Assert.h>

@@ -1,7 +1,7 @@
 #include <Ipv6RouterAdvt/RouterAdvt/LifeTimeHashMap.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils/OptionWriter.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils/RecursiveDnsServerOption.h>
-#include <RouterPlatform/Packet/Icmp6HdrOptions.h>
+#include <RouterPlatform/Nd/Icmp6HdrOptions.h>
 
 #include <algorithm>
 #include <span>

@@ -1,5 +1,5 @@
 #include <RouterPlatform/Packet/Icmp6Hdr.h>
-#include <tests/Ipv6RouterAdvt/Support/RaMessage.h>
+#include <tests/RouterPlatform/Nd/RaMessage.h>
 #include <tools/routeradvt/RaValidity.h>
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include <RouterPlatform/Packet/Icmp6HdrOptions.h>
+#include <RouterPlatform/Nd/Icmp6HdrOptions.h>
 #include <RouterPlatform/Trace/Trace.h>
 #include <tools/routeradvt/DnsNames.h>
 #include <tools/routeradvt/RaMessage.h>

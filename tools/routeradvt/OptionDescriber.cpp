@@ -1,6 +1,6 @@
+#include <RouterPlatform/Nd/Icmp6HdrOptions.h>
 #include <RouterPlatform/Net/EthAddr.h>
 #include <RouterPlatform/Net/Ip6AddrWithMask.h>
-#include <RouterPlatform/Packet/Icmp6HdrOptions.h>
 #include <tools/routeradvt/BlockWriter.h>
 #include <tools/routeradvt/DnsNames.h>
 #include <tools/routeradvt/OptionDescriber.h>

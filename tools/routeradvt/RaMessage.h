@@ -1,7 +1,7 @@
 #pragma once
 
+#include <RouterPlatform/Nd/Icmp6RouterAdvertisementHdr.h>
 #include <RouterPlatform/Packet/Icmp6Hdr.h>
-#include <RouterPlatform/Packet/Icmp6RouterAdvertisementHdr.h>
 #include <tools/routeradvt/Octets.h>
 
 #include <optional>

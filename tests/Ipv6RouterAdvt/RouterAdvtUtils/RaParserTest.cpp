@@ -1,7 +1,7 @@
 #include <Ipv6RouterAdvt/RouterAdvt.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils.h>
 #include <RouterPlatform/Packet/PktManager.h>
-#include <tests/Ipv6RouterAdvt/Support/RaMessage.h>
+#include <tests/RouterPlatform/Nd/RaMessage.h>
 #include <tests/RouterPlatform/Support/AllocationCount.h>
 #include <tests/RouterPlatform/Trace/TraceCapture.h>
 

@@ -1,7 +1,7 @@
+#include <RouterPlatform/Nd/Icmp6HdrOptions.h>
+#include <RouterPlatform/Nd/Icmp6RouterAdvertisementHdr.h>
 #include <RouterPlatform/Packet/EthernetHdr.h>
 #include <RouterPlatform/Packet/Icmp6Hdr.h>
-#include <RouterPlatform/Packet/Icmp6HdrOptions.h>
-#include <RouterPlatform/Packet/Icmp6RouterAdvertisementHdr.h>
 #include <RouterPlatform/Packet/Ip6Hdr.h>
 
 #include <gmock/gmock.h>

@@ -1,12 +1,11 @@
 #pragma once
 
-#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
+#include <RouterPlatform/Nd/Icmp6HdrOptions.h>
 #include <RouterPlatform/Packet/HeaderAt.h>
-#include <RouterPlatform/Packet/Icmp6HdrOptions.h>
 
 #include <span>
 
-namespace RouterAdvt {
+namespace Net {
 
 /// Goes from option to option of a Router Advertisement, RFC 4861 4.6. Only type and length of an option have to lie in
 /// the message; its fields are read through `as`. Refers to the message.
@@ -24,7 +23,7 @@ class OptionReader {
 
   /// Goes to the next option; false: there is none. An option of length 0 is followed by itself.
   bool next() noexcept {
-    Net::Icmp6HdrOption const* const found = Net::headerAt<Net::Icmp6HdrOption>(message_, nextOffset_);
+    Icmp6HdrOption const* const found = headerAt<Icmp6HdrOption>(message_, nextOffset_);
     if (!found || count_ == optionsMax) return false;
     ++count_;
     option_ = found;
@@ -43,15 +42,15 @@ class OptionReader {
   /// The option's fields, whatever its length says; null when they pass the end of the message.
   template <class Option>
   Option const* as() const noexcept {
-    return Net::headerAt<Option>(message_, offset_);
+    return headerAt<Option>(message_, offset_);
   }
 
  private:
   std::span<U8 const> message_;
-  Net::Icmp6HdrOption const* option_ = nullptr;
+  Icmp6HdrOption const* option_ = nullptr;
   U16 offset_ = 0;
   U16 nextOffset_ = optionsOffset;
   U32 count_ = 0;
 };
 
-}  // namespace RouterAdvt
+}  // namespace Net

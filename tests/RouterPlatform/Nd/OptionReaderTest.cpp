@@ -1,5 +1,5 @@
-#include <Ipv6RouterAdvt/RouterAdvtUtils/OptionReader.h>
-#include <tests/Ipv6RouterAdvt/Support/RaMessage.h>
+#include <RouterPlatform/Nd/OptionReader.h>
+#include <tests/RouterPlatform/Nd/RaMessage.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,6 +7,9 @@
 namespace RouterAdvt {
 namespace {
 
+using Net::OptionReader;
+using Net::U16;
+using Net::U32;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
