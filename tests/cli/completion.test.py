@@ -4,7 +4,7 @@ import subprocess
 
 from support import PROGRAM, ROOT, Checks
 
-SCRIPT = os.path.join(ROOT, "tools", "routeradvt", "completion", "routeradvt.bash")
+SCRIPT = os.path.join(ROOT, "programs", "routeradvt", "completion", "routeradvt.bash")
 checks = Checks()
 
 

@@ -1,7 +1,7 @@
 // Keeps the table of neighbouring routers for a test: says "mounted", then hears a router for each line "INTERFACE
 // ADDRESS" of standard input and says "written".
 
-#include <tools/routeradvt/NeighborTable.h>
+#include <programs/common/trees/NeighborTable.h>
 
 #include <iostream>
 #include <string>

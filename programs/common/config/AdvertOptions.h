@@ -1,0 +1,33 @@
+#pragma once
+
+#include <RouterPlatform/Base/BaseTypes.h>
+#include <RouterPlatform/Net/EthAddr.h>
+#include <RouterPlatform/Net/Ip6Addr.h>
+
+#include <optional>
+#include <string>
+
+namespace Tool {
+
+/// What one advertisement is made of, as far as the command line says: the options that `build` and `send` share.
+struct AdvertOptions {
+  std::string file;
+  std::string intf;
+  std::optional<Net::Ip6Addr> src;
+  std::optional<Net::Ip6Addr> dst;
+  std::optional<Net::EthAddr> srcMac;
+  std::optional<Net::EthAddr> dstMac;
+  std::optional<Fwk::S32> mtu;
+  bool noLifetime = false;
+  bool death = false;
+  bool virtualRouter = false;
+
+  bool hex = false;
+  std::string write;  ///< name of a capture file; empty: none
+  std::string trace;  ///< as `Trace::levelsIs` takes it; empty: as the environment says
+};
+
+/// Sets the trace levels back to those of the environment and `settings`.
+void traceLevelsAre(std::string const& settings);
+
+}  // namespace Tool

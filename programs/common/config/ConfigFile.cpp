@@ -1,0 +1,214 @@
+#include <Ipv6RouterAdvt/RouterAdvt/Factories.h>
+#include <programs/common/config/ConfigFile.h>
+#include <programs/common/config/LinkReader.h>
+#include <programs/common/config/ModelReader.h>
+#include <programs/common/config/YamlReader.h>
+#include <programs/common/text/Failure.h>
+#include <programs/common/text/NearestName.h>
+#include <programs/common/text/Text.h>
+
+#include <yaml-cpp/depthguard.h>
+#include <yaml-cpp/eventhandler.h>
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <sstream>
+#include <utility>
+
+namespace Tool {
+
+namespace {
+
+// The configuration's name, and so the first part of every path in it, is that of its section.
+constexpr std::string_view configSection = "config";
+constexpr std::string_view linksSection = "links";
+
+constexpr Place startOfFile{1, 1};
+
+/// A NUL stands in no text but one of 16 or 32 bits a character, which begins with a byte order mark.
+bool isText(std::string_view octets) {
+  using namespace std::string_view_literals;
+  if (octets.find('\0') == std::string_view::npos) return true;
+  constexpr std::array marks{"\xfe\xff"sv, "\xff\xfe"sv, "\0\0\xfe\xff"sv};  // the fourth begins as the second
+  return std::ranges::any_of(marks, [&](std::string_view mark) { return octets.starts_with(mark); });
+}
+
+/// The parser does not say what is most often wrong when it stumbles over a line, or over what went before it.
+std::string tabHint(std::string_view text, int lastLine) {
+  for (int line = 1; line <= lastLine && !text.empty(); ++line) {
+    std::string_view const blanks = text.substr(0, text.find_first_not_of(" \t"));
+    if (blanks.size() < text.size() && text[blanks.size()] != '\n' && blanks.find('\t') != std::string_view::npos)
+      return "; line " + std::to_string(line) + " begins with a tab, and YAML is indented with blanks alone";
+    text.remove_prefix(std::min(text.find('\n'), text.size() - 1) + 1);
+  }
+  return {};
+}
+
+Place placeOfMark(YAML::Mark const& mark) {
+  return mark.is_null() ? startOfFile : Place{mark.line + 1, mark.column + 1};
+}
+
+/// Where a document and its uppermost node begin. The document may begin earlier: with "---".
+class DocumentPlaces final : public YAML::EventHandler {
+ public:
+  Place begin, root;
+
+  void OnDocumentStart(YAML::Mark const& mark) override { begin = placeOfMark(mark); }
+  void OnDocumentEnd() override {}
+  void OnNull(YAML::Mark const& mark, YAML::anchor_t) override { note(mark); }
+  void OnAlias(YAML::Mark const& mark, YAML::anchor_t) override { note(mark); }
+  void OnScalar(YAML::Mark const& mark, std::string const&, YAML::anchor_t, std::string const&) override { note(mark); }
+  void OnSequenceStart(YAML::Mark const& mark, std::string const&, YAML::anchor_t, YAML::EmitterStyle::value) override {
+    note(mark);
+  }
+  void OnSequenceEnd() override {}
+  void OnMapStart(YAML::Mark const& mark, std::string const&, YAML::anchor_t, YAML::EmitterStyle::value) override {
+    note(mark);
+  }
+  void OnMapEnd() override {}
+
+ private:
+  void note(YAML::Mark const& mark) {
+    if (!std::exchange(hasRoot_, true)) root = placeOfMark(mark);
+  }
+
+  bool hasRoot_ = false;
+};
+
+/// Places of what stands behind the first document of a text, and must not.
+struct BehindTheDocument {
+  std::optional<Place> document;
+  std::optional<Place> comma;
+};
+
+BehindTheDocument findBehindTheDocument(std::string const& text) {
+  std::istringstream octets(text);
+  YAML::Parser parser(octets);
+  DocumentPlaces first, second, third;
+  if (!parser.HandleNextDocument(first) || !parser.HandleNextDocument(second)) return {};
+  // The parser makes an empty document of a comma and does not pass it: there, documents never end.
+  if (second.begin == first.begin || (parser.HandleNextDocument(third) && third.begin == second.begin))
+    return {{}, second.begin};
+  return {second.root, {}};
+}
+
+class FileReader {
+ public:
+  explicit FileReader(ConfigFile& file) : file_(file), reader_(file) {}
+
+  void read(std::string const& text) {
+    if (!isText(text)) return reader_.error({}, {}, "is not a text file");
+    YAML::Node document;
+    BehindTheDocument behind;
+    try {
+      behind = findBehindTheDocument(text);
+      document = YAML::Load(text);
+    } catch (YAML::DeepRecursion const&) {
+      return reader_.error(startOfFile, {}, "not YAML that can be read: nested too deeply");
+    } catch (YAML::Exception const& e) {
+      Place const place = placeOfMark(e.mark);
+      return reader_.error(place, {}, "not YAML: " + printable(e.msg) + tabHint(text, place.line));
+    }
+    if (behind.comma)
+      reader_.error(*behind.comma, {}, "a comma stands where a document begins");
+    else if (document.IsNull())
+      return reader_.error(startOfFile, {}, "the file is empty; a section config is meant");
+    else if (behind.document)
+      reader_.error(*behind.document, {}, "a second document begins; one is meant");
+    readSections({document, {}, placeOf(document, startOfFile)});
+  }
+
+ private:
+  void readSections(YamlValue const& top) {
+    file_.config = RouterAdvt::configFactory(RouterAdvt::Name(configSection));
+    reader_.forEachEntry(top, "a mapping with the sections config and links",
+                         [&](YamlEntry const& entry) { readSection(entry); });
+    if (file_.errors.empty() && !hasConfig_) reader_.error(top.place, {}, "there is no section config");
+    for (LinkConfig const& link : file_.links) warnWithoutConfig(link);
+  }
+
+  void readSection(YamlEntry const& entry) {
+    reader_.notePlace(entry.key, entry.keyPlace);
+    if (entry.key == configSection) {
+      hasConfig_ = true;
+      readEntity(reader_, entry.value(entry.key), file_.config);
+    } else if (entry.key == linksSection) {
+      readLinks(reader_, entry.value(entry.key), file_.links);
+    } else {
+      reader_.error(entry.keyPlace, entry.key,
+                    "there is no such section" + nearestNameHint(entry.key, {configSection, linksSection}));
+    }
+  }
+
+  /// Harmless by itself, and most likely a slip of the pen.
+  void warnWithoutConfig(LinkConfig const& link) {
+    if (file_.config->intf(link.intfId)) return;
+    std::vector<std::string> names;
+    for (auto const& [intfId, intf] : file_.config->intf()) names.push_back(intfId.toString());
+    std::string const name = link.intfId.toString();
+    reader_.warning(link.place, linkPath(link.intfId),
+                    "nothing is advertised there: config/intf has no such interface" +
+                        nearestNameHint(name, {names.begin(), names.end()}));
+  }
+
+  ConfigFile& file_;
+  YamlReader reader_;
+  bool hasConfig_ = false;
+};
+
+}  // namespace
+
+LinkConfig const* ConfigFile::link(Net::IntfId const& intfId) const {
+  auto const found = std::ranges::find(links, intfId, &LinkConfig::intfId);
+  return found == links.end() ? nullptr : &*found;
+}
+
+Place ConfigFile::placeOf(std::string path) const {
+  while (!path.empty()) {
+    if (auto const found = places.find(path); found != places.end()) return found->second;
+    // A key may have slashes of its own; what is left of it then is no path, and so found nowhere.
+    auto const separator = path.find_last_of("/[");
+    path.resize(separator == std::string::npos ? 0 : separator);
+  }
+  return {};
+}
+
+ConfigFile readConfigText(std::string name, std::string const& text) {
+  ConfigFile file;
+  file.name = std::move(name);
+  FileReader(file).read(text);
+  sortByPlace(file.errors);
+  sortByPlace(file.warnings);
+  if (!file.errors.empty()) {
+    file.config = nullptr;
+    file.links.clear();
+  }
+  return file;
+}
+
+ConfigFile readConfigText(std::string name, FileText const& read) {
+  if (read.error.empty()) return readConfigText(std::move(name), read.text);
+  ConfigFile file;
+  file.name = std::move(name);
+  file.errors.push_back({{}, {}, read.error});
+  return file;
+}
+
+ConfigFile loadConfigFile(std::string const& fileName) {
+  return readConfigText(fileName == "-" ? "standard input" : fileName, readFileText(fileName));
+}
+
+ConfigFile loadConfigFileOrFail(std::string const& fileName) {
+  ConfigFile file = loadConfigFile(fileName);
+  failIfWrong(file);
+  return file;
+}
+
+void failIfWrong(ConfigFile const& file) {
+  std::string text;
+  for (Diagnostic const& error : file.errors) text += (text.empty() ? "" : "\n") + diagnosticLine(file.name, error);
+  if (!file) throw Failure(text);
+}
+
+}  // namespace Tool

@@ -1,0 +1,53 @@
+#include <Ipv6RouterAdvt/RouterAdvt/IntfConfig.h>
+#include <RouterPlatform/Fwk/Reflection.h>
+#include <programs/common/config/EffectiveValue.h>
+
+#include <cctype>
+
+namespace Tool {
+
+namespace {
+
+using Fwk::AttributeKind;
+using Fwk::AttributeRecord;
+
+Fwk::AttributeRecord const* effectiveAttribute(Fwk::TypeRecord const& type, AttributeRecord const& attr) {
+  std::string const name = attr.name;
+  if (attr.kind != AttributeKind::scalar || name.empty()) return nullptr;
+  std::string capitalized = name;
+  capitalized[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(name[0])));
+  for (std::string const& candidate : {name + "Value", "valid" + capitalized})
+    if (auto const* found = type.attribute(candidate); found && found->kind == AttributeKind::computed) return found;
+  return nullptr;
+}
+
+/// Of a DNS entry the model only tells given the interface's lifetime, which is what it falls back on.
+std::optional<std::string> dnsLifetime(Fwk::Entity const& entity) {
+  using namespace RouterAdvt;
+  auto const intf = Fwk::ptrCast<IntfConfig const>(entity.parent());
+  if (!intf) return std::nullopt;
+  if (auto const* server = dynamic_cast<DNSServerConfigEntry const*>(&entity))
+    return std::to_string(server->validLifetime(intf->validDnsServersLifetime()));
+  if (auto const* suffix = dynamic_cast<DNSSuffixConfigEntry const*>(&entity))
+    return std::to_string(suffix->validLifetime(intf->validDnsSuffixesLifetime()));
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<std::string> effectiveValue(Fwk::Entity const& entity, AttributeRecord const& attr) {
+  AttributeRecord const* const effective = effectiveAttribute(entity.fwkType(), attr);
+  if (!effective) return std::nullopt;
+  if (!effective->readable()) return dnsLifetime(entity);
+  std::string text;
+  effective->append(&entity, text);
+  return text;
+}
+
+bool isEffectiveValue(Fwk::TypeRecord const& type, AttributeRecord const& attr) {
+  for (AttributeRecord const& other : type.attributes)
+    if (effectiveAttribute(type, other) == &attr) return true;
+  return false;
+}
+
+}  // namespace Tool

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <programs/common/config/YamlReader.h>
+
+namespace Tool {
+
+/// Reads the section `links`: a mapping from interfaces to what is known of their links.
+void readLinks(YamlReader& reader, YamlValue const& section, std::vector<LinkConfig>& links);
+
+}  // namespace Tool

@@ -1,0 +1,96 @@
+#include <programs/common/config/YamlReader.h>
+#include <programs/common/text/Text.h>
+
+#include <map>
+#include <utility>
+
+namespace Tool {
+
+namespace {
+
+char const* kindOf(YAML::Node const& node) {
+  switch (node.Type()) {
+    case YAML::NodeType::Null:
+      return "nothing";
+    case YAML::NodeType::Scalar:
+      return "a single value";
+    case YAML::NodeType::Sequence:
+      return "a list";
+    case YAML::NodeType::Map:
+      return "a mapping";
+    case YAML::NodeType::Undefined:
+      break;
+  }
+  return "something undefined";
+}
+
+std::string wrongKind(YAML::Node const& node, std::string const& expected) {
+  return std::string("there is ") + kindOf(node) + " where " + expected + " is meant";
+}
+
+}  // namespace
+
+Place placeOf(YAML::Node const& node, Place otherwise) {
+  YAML::Mark const mark = node.Mark();
+  return mark.is_null() || mark.line < 0 ? otherwise : Place{mark.line + 1, mark.column + 1};
+}
+
+// Of nothing the parser notes where the next thing begins.
+YamlValue YamlEntry::value(std::string path) const {
+  return {node, std::move(path), node.IsNull() ? keyPlace : placeOf(node, keyPlace)};
+}
+
+void YamlReader::error(Place place, std::string path, std::string text) {
+  file_.errors.push_back({place, std::move(path), std::move(text)});
+}
+
+void YamlReader::warning(Place place, std::string path, std::string text) {
+  file_.warnings.push_back({place, std::move(path), std::move(text)});
+}
+
+std::optional<std::string> YamlReader::scalar(YamlValue const& value, std::string const& expected) {
+  if (value.node.IsScalar()) return value.node.Scalar();
+  error(value.place, value.path, wrongKind(value.node, expected));
+  return std::nullopt;
+}
+
+std::optional<std::string> YamlReader::keyOf(YAML::Node const& node, Place place, std::string const& path) {
+  if (node.IsScalar()) return node.Scalar();
+  error(place, path, std::string("a key is a text, and this is ") + kindOf(node));
+  return std::nullopt;
+}
+
+void YamlReader::forEachEntry(YamlValue const& value, std::string const& expected,
+                              Fwk::FunctionRef<void(YamlEntry const&)> visit) {
+  if (value.node.IsNull()) return;
+  if (!value.node.IsMap()) return error(value.place, value.path, wrongKind(value.node, expected));
+  std::map<std::string, Place> seen;
+  for (auto const& pair : value.node) {
+    Place const place = placeOf(pair.first, value.place);
+    auto key = keyOf(pair.first, place, value.path);
+    if (!key) continue;
+    if (*key == "<<") {
+      error(place, value.path, "a merge key (<<) is not followed; what it would bring in has to be written here");
+      continue;
+    }
+    auto const [first, isNew] = seen.emplace(*key, place);
+    if (isNew)
+      visit({std::move(*key), place, pair.second});
+    else
+      error(place, value.path,
+            "duplicate key " + inQuotes(*key) + ", which line " + std::to_string(first->second.line) + " has already");
+  }
+}
+
+void YamlReader::forEachElement(YamlValue const& value, std::string const& expected,
+                                Fwk::FunctionRef<void(YamlValue const&)> visit) {
+  if (value.node.IsNull()) return;
+  if (!value.node.IsSequence()) return error(value.place, value.path, wrongKind(value.node, expected));
+  std::size_t number = 0;
+  for (YAML::Node const& node : value.node) {
+    visit({node, value.path + '[' + std::to_string(number) + ']', placeOf(node, value.place)});
+    ++number;
+  }
+}
+
+}  // namespace Tool

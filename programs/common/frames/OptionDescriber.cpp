@@ -1,0 +1,272 @@
+#include <RouterPlatform/Nd/Icmp6HdrOptions.h>
+#include <RouterPlatform/Net/EthAddr.h>
+#include <RouterPlatform/Net/Ip6AddrWithMask.h>
+#include <programs/common/frames/BlockWriter.h>
+#include <programs/common/frames/DnsNames.h>
+#include <programs/common/frames/OptionDescriber.h>
+#include <programs/common/frames/RaMessage.h>
+#include <programs/common/text/Text.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <map>
+
+namespace Tool {
+
+namespace {
+
+using Fwk::U8;
+using Net::Ip6AddrWithMask;
+
+/// What a message has had so far, to tell what is there twice.
+struct SeenOptions {
+  std::map<Ip6AddrWithMask, std::size_t> prefixes;
+  bool mtu = false;
+};
+
+std::string lengthText(Octets const& option) {
+  return std::to_string(option[1]) + " (" + std::to_string(option[1] * 8) + " octets)";
+}
+
+/// Type and length, which every option has.
+void describeHead(BlockWriter& block, std::string const& typeName) {
+  Octets const& option = block.octets();
+  block.field(0, "type", std::to_string(option[0]) + (typeName.empty() ? "" : " (" + typeName + ')'));
+  block.field(1, "length", lengthText(option));
+}
+
+/// False, and said so, when the option has another size than it is to have.
+bool sizeIs(BlockWriter& block, std::size_t size) {
+  if (block.octets().size() == size) return true;
+  block.oddity("an option of this type has length " + std::to_string(size / 8));
+  return false;
+}
+
+std::string maskText(U8 length) { return std::to_string(length) + " bits"; }
+
+void checkPrefix(BlockWriter& block, Ip6AddrWithMask const& prefix) {
+  if (prefix.maskLen() > Ip6AddrWithMask::maxMaskLen)
+    block.oddity("a prefix has at most 128 bits");
+  else if (prefix.subnet() != prefix)
+    block.oddity("bits behind the prefix are set; receivers ignore them");
+}
+
+void describeLinkLayerAddr(BlockWriter& block, SeenOptions&) {
+  auto const option = block.octets().header<Net::Icmp6HdrLinkLayerAddrOption>();
+  if (sizeIs(block, sizeof *option))
+    block.field(2, "link-layer address", Net::EthAddr::fromBytes(option->linkLayerAddress).toString());
+  else
+    block.hexField(2, "link-layer address");
+}
+
+void checkPrefixInfo(BlockWriter& block, Net::Icmp6HdrPrefixInfoOption const& option, Ip6AddrWithMask const& prefix,
+                     SeenOptions& seen) {
+  checkPrefix(block, prefix);
+  if (prefix.address().isLinkLocal()) block.oddity("the link-local prefix; receivers ignore the option");
+  if (option.preferredLifetime > option.validLifetime)
+    block.oddity("preferred lifetime above valid lifetime; receivers ignore the option for addresses");
+  if (option.autoAddressFlag() && prefix.maskLen() != 64)
+    block.oddity("autonomous, and not of 64 bits; hosts with 64-bit interface identifiers ignore it");
+  block.mustBeZero("reserved flags", option.flags & 0x1fU);
+  block.mustBeZero("reserved2", option.reserved2);
+  if (auto const [first, isNew] = seen.prefixes.emplace(prefix, block.octets().offset()); !isNew)
+    block.oddity("the same prefix as in the option at " + std::to_string(first->second));
+}
+
+/// The option's fields as far as the block goes, the others 0. Says so when it has another size than it is to have.
+template <class Option>
+Option fieldsOf(BlockWriter& block) {
+  Option option{};
+  auto const present = block.octets().from(0, sizeof option).span();
+  std::memcpy(static_cast<void*>(&option), present.data(), present.size());
+  sizeIs(block, sizeof option);
+  return option;
+}
+
+void describePrefixInfo(BlockWriter& block, SeenOptions& seen) {
+  auto const option = fieldsOf<Net::Icmp6HdrPrefixInfoOption>(block);
+  std::size_t const size = block.octets().size();
+  Ip6AddrWithMask const prefix(Net::Ip6Addr::fromBytes(option.prefix), option.prefixLength);
+  std::string flags = hexText(option.flags, 2) + (option.onLinkFlag() ? " on-link" : " not on-link") +
+                      (option.autoAddressFlag() ? ", autonomous" : ", not autonomous");
+  if ((option.flags & Net::Icmp6HdrPrefixInfoOption::routerAddressBit) != 0) flags += ", router address";
+  block.field(2, "prefix length", maskText(option.prefixLength));
+  block.field(3, "flags", flags);
+  block.field(4, "valid lifetime", lifetimeText(option.validLifetime));
+  if (size > 8) block.field(8, "preferred lifetime", lifetimeText(option.preferredLifetime));
+  if (size > 8) block.field(12, "reserved2", std::to_string(option.reserved2));
+  if (size < sizeof option) return block.hexField(16, "prefix");
+  block.field(16, "prefix", prefix.toString());
+  block.hexField(sizeof option, "rest");
+  checkPrefixInfo(block, option, prefix, seen);
+}
+
+void describeMtu(BlockWriter& block, SeenOptions& seen) {
+  auto const option = fieldsOf<Net::Icmp6HdrMtuOption>(block);
+  block.field(2, "reserved", std::to_string(option.reserved));
+  block.field(4, "mtu", std::to_string(option.mtu) + " octets");
+  block.hexField(sizeof option, "rest");
+  block.mustBeZero("reserved", option.reserved);
+  if (option.mtu < 1280) block.oddity("IPv6 needs at least 1280 octets; receivers ignore the option");
+  if (seen.mtu) block.oddity("there was an MTU option before");
+  seen.mtu = true;
+}
+
+void describeRouteInfo(BlockWriter& block, SeenOptions&) {
+  auto const option = *block.octets().header<Net::Icmp6HdrRouteInfoOption>();
+  std::array<U8, 16> address{};
+  Octets const octets = block.octets().from(sizeof option, address.size());
+  std::ranges::copy(octets.span(), address.begin());
+  Ip6AddrWithMask const prefix(Net::Ip6Addr::fromBytes(address), option.prefixLength);
+  block.field(2, "prefix length", maskText(option.prefixLength));
+  block.field(3, "flags", hexText(option.flags, 2));
+  block.field(3, "route preference", preferenceText(option.routePreference()));
+  block.field(4, "route lifetime", lifetimeText(option.routeLifetime));
+  block.field(octets.empty() ? 2 : sizeof option, "prefix", prefix.toString());
+  checkPrefix(block, prefix);
+  block.mustBeZero("reserved flags", option.flags & ~U8{Net::Icmp6HdrRouteInfoOption::routePreferenceBits});
+  if (option.routePreference() == Net::Icmp6RouterAdvtRouterPreferenceType::reserved_)
+    block.oddity("the preference is the reserved one; receivers ignore the option");
+  if (block.octets().size() > sizeof option + address.size() || prefix.maskLen() > 8 * octets.size())
+    block.oddity("length " + std::to_string(block.octets()[1]) + " does not go with a prefix of " +
+                 maskText(option.prefixLength));
+}
+
+void describeRdnss(BlockWriter& block, SeenOptions&) {
+  auto const option = *block.octets().header<Net::Icmp6HdrRdnssOption>();
+  block.field(2, "reserved", std::to_string(option.reserved));
+  block.field(4, "lifetime", lifetimeText(option.lifetime));
+  std::size_t at = sizeof option;
+  for (; block.octets().size() - at >= 16; at += 16)
+    block.field(at, "server", addressText(block.octets().from(at).span().first<16>()));
+  block.hexField(at, "rest");
+  block.mustBeZero("reserved", option.reserved);
+  if (block.octets().size() < 24) block.oddity("there is no server in it");
+  if (at != block.octets().size()) block.oddity("the length is even: half an address is left over");
+}
+
+void describeDnssl(BlockWriter& block, SeenOptions&) {
+  auto const option = *block.octets().header<Net::Icmp6HdrDnsslOption>();
+  block.field(2, "reserved", std::to_string(option.reserved));
+  block.field(4, "lifetime", lifetimeText(option.lifetime));
+  Octets const encoded = block.octets().from(sizeof option);
+  DnsNames const decoded = decodeDnsNames(encoded);
+  block.mustBeZero("reserved", option.reserved);
+  for (DnsName const& name : decoded.names) {
+    block.field(sizeof option + name.at, "suffix", name.text);
+    for (std::string const& oddity : name.oddities) block.oddity(oddity);
+  }
+  if (decoded.paddingAt < encoded.size())
+    block.field(sizeof option + decoded.paddingAt, "padding",
+                std::to_string(encoded.size() - decoded.paddingAt) + " octets");
+  if (decoded.names.empty()) block.oddity("there is no suffix in it");
+}
+
+void describeNetworkBoot(BlockWriter& block, SeenOptions&) {
+  auto const option = *block.octets().header<Net::Icmp6HdrNetworkBootOption>();
+  block.field(2, "padding length", std::to_string(option.paddingLen));
+  block.field(4, "zero", std::to_string(option.zero));
+  block.field(6, "reserved1", std::to_string(option.reserved1));
+  block.mustBeZero("zero", option.zero);
+  block.mustBeZero("reserved1", option.reserved1);
+  Octets const rest = block.octets().from(sizeof option);
+  if (option.paddingLen > 7 || option.paddingLen > rest.size()) {
+    block.oddity("the padding length is not possible");
+    return block.hexField(sizeof option, "data");
+  }
+  Octets const url = rest.from(0, rest.size() - option.paddingLen);
+  if (!url.empty())
+    block.field(8, "boot file url", printable({reinterpret_cast<char const*>(url.span().data()), url.size()}));
+  if (option.paddingLen > 0) block.hexField(sizeof option + url.size(), "padding");
+}
+
+struct OptionType {
+  U8 type;
+  std::string_view name;
+  std::string_view clause;
+  void (*describe)(BlockWriter& block, SeenOptions& seen);  ///< null: shown as hex
+};
+constexpr OptionType optionTypes[] = {
+    {1, "Source Link-Layer Address", "RFC 4861 4.6.1", &describeLinkLayerAddr},
+    {2, "Target Link-Layer Address", "RFC 4861 4.6.1", &describeLinkLayerAddr},
+    {3, "Prefix Information", "RFC 4861 4.6.2", &describePrefixInfo},
+    {5, "MTU", "RFC 4861 4.6.4", &describeMtu},
+    {7, "Advertisement Interval", "RFC 6275 7.3", nullptr},
+    {8, "Home Agent Information", "RFC 6275 7.4", nullptr},
+    {14, "Nonce", "RFC 3971 5.3.2", nullptr},
+    {24, "Route Information", "RFC 4191 2.3", &describeRouteInfo},
+    {25, "Recursive DNS Server", "RFC 8106 5.1", &describeRdnss},
+    {26, "RA Flags Extension", "RFC 5175 4", nullptr},
+    {31, "DNS Search List", "RFC 8106 5.2", &describeDnssl},
+    {37, "Captive Portal", "RFC 8910 2.3", nullptr},
+    {38, "PREF64", "RFC 8781 4", nullptr},
+    {253, "Network Boot", "", &describeNetworkBoot},
+};
+
+OptionType const& optionType(U8 type) {
+  static constexpr OptionType unknown{0, "", "", nullptr};
+  for (OptionType const& known : optionTypes)
+    if (known.type == type) return known;
+  return unknown;
+}
+
+std::string titleOf(OptionType const& type) {
+  if (type.name.empty()) return "Option of a type that is not known here";
+  return std::string(type.name) + " option" + (type.clause.empty() ? "" : ", " + std::string(type.clause));
+}
+
+void describeOption(FrameDescription& description, Octets option, SeenOptions& seen) {
+  OptionType const& type = optionType(option[0]);
+  BlockWriter block(description, titleOf(type), option);
+  describeHead(block, std::string(type.name));
+  if (type.describe)
+    type.describe(block, seen);
+  else
+    block.hexField(2, "data");
+}
+
+/// Where the library's parser goes on behind an option that passes the end of the message.
+void checkOffset(BlockWriter& block, std::size_t nextOffset) {
+  constexpr std::size_t offsets = std::size_t{1} << 16;
+  if (nextOffset >= offsets)
+    block.oddity("offsets have 16 bits: the parser goes on at octet " + std::to_string(nextOffset % offsets) +
+                 " of the message");
+}
+
+/// What is left when it is no complete option; `at` octets into the message.
+void describeRest(FrameDescription& description, Octets rest, std::size_t at) {
+  if (rest.size() < 2) {
+    BlockWriter block(description, "Option that is cut short", rest);
+    block.hexField(0, "type");
+    return block.oddity("one octet is left over; an option has at least 8");
+  }
+  OptionType const& type = optionType(rest[0]);
+  BlockWriter block(description, titleOf(type), rest);
+  describeHead(block, std::string(type.name));
+  block.hexField(2, "rest");
+  if (rest[1] == 0) return block.oddity("length 0 is not possible; receivers drop the whole message");
+  block.oddity("the option passes the end of the message: " + std::to_string(rest.size()) + " octets are left");
+  checkOffset(block, at + std::size_t{8} * rest[1]);
+}
+
+}  // namespace
+
+std::string preferenceText(Net::Icmp6RouterAdvtRouterPreferenceType preference) {
+  std::string text;
+  appendText(text, preference);
+  if (text.ends_with('_')) text.pop_back();
+  return text + " (" + std::to_string(static_cast<unsigned>(preference)) + ')';
+}
+
+void describeOptions(FrameDescription& description, Octets options) {
+  SeenOptions seen;
+  std::size_t done = 0;
+  for (RaOption const& option : completeOptions(options)) {
+    describeOption(description, option.octets, seen);
+    done += option.octets.size();
+  }
+  if (done < options.size()) describeRest(description, options.from(done), raHeaderSize + done);
+}
+
+}  // namespace Tool

@@ -1,0 +1,80 @@
+#include <Ipv6RouterAdvt/RouterAdvt/Factories.h>
+#include <RouterPlatform/Mirror/TreeAssign.h>
+#include <programs/common/mirror/ServedModel.h>
+#include <programs/common/text/Failure.h>
+#include <programs/common/text/Text.h>
+
+#include <algorithm>
+#include <exception>
+#include <ostream>
+
+namespace Tool {
+
+namespace {
+
+// So many directories are read in some milliseconds.
+constexpr int interfacesAtOnce = 100;
+
+/// What belongs together is found by name in these; where they stand says nothing. Elsewhere order is advertised.
+bool comesInAnyOrder(Fwk::AttributeRecord const& attr) {
+  std::string_view const name = attr.name;
+  return name == "intf" || name == "prefixProfiles";
+}
+
+void tell(std::ostream& err, ConfigFile const& file) {
+  for (Diagnostic const& error : file.errors) err << diagnosticLine(file.name, error) << '\n';
+  for (Diagnostic const& warning : file.warnings) err << diagnosticLine(file.name, warning, "warning: ") << '\n';
+  err.flush();
+}
+
+}  // namespace
+
+ServedModel::ServedModel(std::string fileName, std::ostream& err, ProcFiles procFiles)
+    : fileName_(std::move(fileName)),
+      read_(readRegularFileText(fileName_)),
+      procFiles_(std::move(procFiles)),
+      status_(RouterAdvt::statusFactory("status")) {
+  ConfigFile const file = readConfigText(fileName_, read_);
+  failIfWrong(file);
+  tell(err, file);
+  config_ = file.config;
+  applyInterfaces();
+}
+
+ServedModel::Reload ServedModel::reload(std::ostream& err) {
+  ConfigFile file;
+  try {
+    FileText read = readRegularFileText(fileName_);
+    if (read.text == read_.text && read.error == read_.error) return Reload::unchanged;
+    read_ = std::move(read);
+    file = readConfigText(fileName_, read_);
+  } catch (std::exception const& e) {  // the file takes more memory than there is
+    err << printable(fileName_) << ": cannot be read: " << e.what() << std::endl;
+    return Reload::refused;
+  }
+  tell(err, file);
+  if (!file) return Reload::refused;
+  Fwk::assignTree(file.config, config_, comesInAnyOrder);
+  applyInterfaces();
+  return Reload::applied;
+}
+
+void ServedModel::applyInterfaces() {
+  for (auto const& [intfId, intf] : status_->intf())
+    if (!config_->intf(intfId)) status_->intfDel(intfId);
+  for (auto const& [intfId, intf] : config_->intf()) status_->intfIs(intfId);
+}
+
+bool ServedModel::captureSome() {
+  if (toCapture_.empty()) {
+    for (auto const& [intfId, intf] : status_->intf()) toCapture_.push_back(intfId);
+    std::ranges::reverse(toCapture_);
+  }
+  for (int i = 0; i < interfacesAtOnce && !toCapture_.empty(); ++i) {
+    if (auto const intf = status_->intf(toCapture_.back())) procFiles_.capture(*intf);
+    toCapture_.pop_back();
+  }
+  return toCapture_.empty();
+}
+
+}  // namespace Tool

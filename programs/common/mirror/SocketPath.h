@@ -1,0 +1,40 @@
+#pragma once
+
+#include <programs/common/text/FileDescriptor.h>
+
+#include <sys/types.h>
+
+#include <string>
+
+namespace Tool {
+
+/// A socket in the file system that this process listens on: made when nobody listens there, removed at the end.
+class SocketPath {
+ public:
+  /// Replaces a socket that a process has left behind. Throws `Failure` when somebody listens there, or something
+  /// stands there that is no socket, or the socket cannot be made.
+  explicit SocketPath(std::string path);
+  SocketPath(SocketPath const&) = delete;
+  SocketPath& operator=(SocketPath const&) = delete;
+  /// Removes the socket, unless another one has taken its place.
+  ~SocketPath();
+
+  /// The listening socket, nonblocking, for the caller to own. Once.
+  FileDescriptor takeListener() { return std::move(listener_); }
+
+ private:
+  void bindAndListen();
+
+  std::string path_;
+  FileDescriptor listener_;
+  dev_t device_ = 0;
+  ino_t inode_ = 0;
+};
+
+/// Whether there is a socket at `path`, or a link to one, or nothing.
+bool isSocket(std::string const& path);
+
+/// A connection to the socket at `path`, nonblocking. Without one: a negative descriptor, and why in `error`, an errno.
+FileDescriptor connectTo(std::string const& path, int& error);
+
+}  // namespace Tool

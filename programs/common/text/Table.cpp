@@ -1,0 +1,27 @@
+#include <programs/common/text/Table.h>
+
+#include <algorithm>
+
+namespace Tool {
+
+Table::Table(std::vector<std::string> header) { rows_.push_back(std::move(header)); }
+
+void Table::add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
+
+std::string Table::text() const {
+  std::vector<std::size_t> widths;
+  for (auto const& row : rows_) {
+    widths.resize(std::max(widths.size(), row.size()));
+    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
+  }
+  std::string out;
+  for (auto const& row : rows_) {
+    std::string line;
+    for (std::size_t i = 0; i < row.size(); ++i) line += row[i] + std::string(widths[i] - row[i].size() + 2, ' ');
+    line.erase(line.find_last_not_of(' ') + 1);
+    if (!line.empty()) out += line + '\n';
+  }
+  return out;
+}
+
+}  // namespace Tool

@@ -1,0 +1,104 @@
+#include <programs/common/text/Text.h>
+#include <programs/common/trees/NeighborReport.h>
+#include <programs/routeradvt/cli/ValueOption.h>
+#include <programs/routeradvt/commands/Commands.h>
+
+#include <CLI/CLI.hpp>
+
+#include <pwd.h>
+
+#include <chrono>
+#include <ostream>
+#include <thread>
+
+namespace Tool {
+
+namespace {
+
+using namespace std::chrono_literals;
+using RouterAdvt::RouterNeighborRaReader;
+using SharedTable::Errc;
+using SharedTable::WaitResult;
+
+Fwk::Seconds now() {
+  return std::chrono::duration<Fwk::Seconds>(std::chrono::system_clock::now().time_since_epoch()).count();
+}
+
+class NeighborsCommand final : public Command {
+ public:
+  CLI::App& addTo(CLI::App& program) override {
+    CLI::App& app = *program.add_subcommand("neighbors", "show which routers were heard, and when");
+    app.add_flag("--watch", watch_, "go on, and show the table again whenever it changes");
+    app.add_flag("--json", json_, "one JSON object; with --watch one a change, a line each");
+    addValueOption(app, "--intf", intf_, "NAME", "only this interface");
+    app.add_option("--sort", sort_, "by interface (intf), or the latest advertisement first (age)")
+        ->type_name("KEY")
+        ->default_str("intf")
+        ->check([](std::string const& key) {
+          return key == "intf" || key == "age" ? std::string() : inQuotes(key) + " is neither intf nor age";
+        });
+    namesA("user", app.add_option("--owner", owner_, "whose the table may be, besides root's and your own"))
+        ->type_name("USER");
+    app.footer(
+        "Reads the table that the router advertisement agent keeps in shared memory, or 'listen' while it\n"
+        "runs: interface, router, and the age of the last advertisement. Says so when no such program is\n"
+        "alive. --watch follows the table from one program to the next; Ctrl-C ends it.\n\n"
+        "  routeradvt neighbors\n"
+        "  routeradvt neighbors --watch --intf Ethernet1 --sort age");
+    return app;
+  }
+
+  void run(Console& console) override {
+    RouterNeighborRaReader reader({ownerId(), {}});
+    if (SharedTable::Error const error = reader.attach(); error && !watch_) {
+      if (error.code != Errc::noTable) throw Failure("the table cannot be read: " + error.text);
+      throw Failure("there is no table: no program keeps one (" + reader.path() + ")");
+    }
+    if (watch_)
+      follow(reader, console.out);
+    else
+      show(reader, console.out);
+  }
+
+ private:
+  std::optional<uid_t> ownerId() const {
+    if (owner_.empty()) return std::nullopt;
+    if (passwd const* const user = getpwnam(owner_.c_str())) return user->pw_uid;
+    throw UsageError("there is no user " + inQuotes(owner_));
+  }
+
+  void show(RouterNeighborRaReader const& reader, std::ostream& out) const {
+    NeighborReport::Order const order = sort_ == "age" ? NeighborReport::Order::age : NeighborReport::Order::intf;
+    NeighborReport const report = readNeighbors(reader, intf_.value_or(Net::IntfId()), order, now());
+    if (json_)
+      out << jsonText(neighborsJson(report), watch_ ? -1 : 2) << '\n';
+    else
+      out << neighborsText(report) << (watch_ ? "\n" : "");
+    out.flush();
+  }
+
+  /// Shows the table now and after each change, until a signal ends the program or the output is gone.
+  void follow(RouterNeighborRaReader& reader, std::ostream& out) const {
+    // Changes that come in a burst are shown together.
+    constexpr auto burst = 200ms;
+    while (out) {
+      Fwk::U64 const seen = reader.changeCount();
+      show(reader, out);
+      while (reader.wait(seen, 1h) == WaitResult::timedOut) continue;
+      std::this_thread::sleep_for(burst);
+    }
+    throw Failure("the output could not be written");
+  }
+
+  bool watch_ = false;
+  bool json_ = false;
+  std::optional<Net::IntfId> intf_;
+  std::string sort_ = "intf";
+  std::string owner_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> makeNeighborsCommand() { return std::make_unique<NeighborsCommand>(); }
+
+}  // namespace Tool

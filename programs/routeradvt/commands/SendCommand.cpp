@@ -1,0 +1,120 @@
+#include <programs/common/config/Advert.h>
+#include <programs/common/config/Warnings.h>
+#include <programs/common/frames/CaptureWriter.h>
+#include <programs/common/linux/PacketSocket.h>
+#include <programs/common/linux/StopSignals.h>
+#include <programs/common/text/Text.h>
+#include <programs/routeradvt/cli/AdvertArguments.h>
+#include <programs/routeradvt/cli/NumberOption.h>
+#include <programs/routeradvt/cli/ValueOption.h>
+#include <programs/routeradvt/commands/Commands.h>
+
+#include <CLI/CLI.hpp>
+
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <optional>
+#include <ostream>
+
+namespace Tool {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr double secondsDefault = 3;  // MIN_DELAY_BETWEEN_RAS, RFC 4861 10
+
+std::string secondsText(Clock::duration duration) {
+  std::array<char, 32> text;
+  int const size = std::snprintf(text.data(), text.size(), "%.1f", std::chrono::duration<double>(duration).count());
+  return {text.data(), static_cast<std::size_t>(size)};
+}
+
+class SendCommand final : public Command {
+ public:
+  CLI::App& addTo(CLI::App& program) override {
+    CLI::App& app = *program.add_subcommand("send", "send advertisements on an interface of this machine");
+    addAdvertOptions(app, options_, "DEV");
+    namesA("interface",
+           app.add_option("--via", device_,
+                          "interface to send on; where neither options nor file say, it gives\nthe source MAC, the "
+                          "addresses and the MTU"))
+        ->type_name("DEV")
+        ->required()
+        ->group("Sending");
+    addNumberOption(app, "--count", count_, {0, {}}, "N",
+                    "how many to send, 0: until Ctrl-C; else 1; with --interval, until Ctrl-C")
+        ->group("Sending");
+    addNumberOption(app, "--interval", seconds_, {0.001, 1e6}, "SECONDS", "time from one to the next; else 3 seconds")
+        ->group("Sending");
+    app.footer(
+        "Needs the right to open packet sockets (root, or CAP_NET_RAW). Ctrl-C ends it, with a summary.\n\n"
+        "  routeradvt send office.yaml Ethernet1 --via eth0\n"
+        "  routeradvt send office.yaml Ethernet1 --via eth0 --interval 10\n"
+        "  routeradvt send office.yaml Ethernet1 --via eth0 --death");
+    return app;
+  }
+
+  void run(Console& console) override {
+    if (options_.write == "-") throw UsageError("--write: a file is meant; standard output tells what is sent");
+    ConfigFile const file = loadConfigFileOrFail(options_.file);
+    findIntf(file, options_.intf);
+    NetworkInterface const device = lookUpEthernetInterface(device_);
+    Advert const advert = makeAdvert(file, options_, &device);
+    printAdvertWarnings(console.err, file, advert);
+    traceLevelsAre(options_.trace);
+    auto const packet = advert.build();
+    PacketSocket socket(device);
+    if (!options_.write.empty()) capture_ = std::make_unique<CaptureWriter>(options_.write);
+    StopSignals signals;  // held back before anything says that it has begun
+    if (options_.hex) console.out << toHex(packet->octets()) << '\n';
+    console.out << "sending " << packet->size() << " octets from " << advert.srcAddr.toString() << " ("
+                << advert.srcMac.toString() << ") to " << advert.dstAddr.toString() << " (" << advert.dstMac.toString()
+                << ") on " << device.name << std::endl;
+    sendAll(console, socket, *packet, signals);
+  }
+
+ private:
+  bool isEnough(Fwk::U64 sent) const {
+    Fwk::U64 const wanted = count_.value_or(seconds_ ? 0 : 1);
+    return wanted > 0 && sent >= wanted;
+  }
+
+  /// The summary comes in any case: an error does not take back what was sent before it.
+  void sendAll(Console& console, PacketSocket& socket, Net::Pkt const& packet, StopSignals& signals) {
+    auto const start = Clock::now();
+    Fwk::U64 sent = 0;
+    auto const summary = [&] {
+      console.out << "sent " << sent << (sent == 1 ? " advertisement" : " advertisements") << " in "
+                  << secondsText(Clock::now() - start) << " s" << std::endl;
+    };
+    auto const interval =
+        std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds_.value_or(secondsDefault)));
+    try {
+      for (auto next = start;; next += interval) {
+        if (signals.waitUntil(next)) break;
+        socket.send(packet.octets());
+        ++sent;
+        if (capture_) capture_->add(packet.octets());
+        if (isEnough(sent)) break;
+      }
+    } catch (Failure const&) {
+      summary();
+      throw;
+    }
+    summary();
+  }
+
+  AdvertOptions options_;
+  std::string device_;
+  std::optional<Fwk::U64> count_;  // 0: until it is told to stop
+  std::optional<double> seconds_;
+  std::unique_ptr<CaptureWriter> capture_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> makeSendCommand() { return std::make_unique<SendCommand>(); }
+
+}  // namespace Tool

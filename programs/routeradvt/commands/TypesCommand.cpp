@@ -1,0 +1,100 @@
+#include <RouterPlatform/Fwk/TypeRegistry.h>
+#include <programs/common/text/NearestName.h>
+#include <programs/common/text/Table.h>
+#include <programs/common/text/Text.h>
+#include <programs/routeradvt/cli/ValueOption.h>
+#include <programs/routeradvt/commands/Commands.h>
+
+#include <CLI/CLI.hpp>
+
+#include <ostream>
+
+namespace Tool {
+
+namespace {
+
+using Fwk::AttributeRecord;
+using Fwk::TypeRecord;
+
+std::string kindOf(TypeRecord const& type) { return type.kind == Fwk::TypeKind::entity ? "entity" : "value"; }
+
+/// The name without the namespaces that all types share.
+std::string_view shortName(TypeRecord const& type) {
+  std::string_view const name = type.name;
+  auto const colons = name.find("::");
+  return colons == std::string_view::npos ? name : name.substr(colons + 2);
+}
+
+TypeRecord const& findType(std::string const& name) {
+  std::vector<std::string_view> names;
+  for (TypeRecord const* type : Fwk::typeRegistry().types()) {
+    if (name == type->name || name == shortName(*type)) return *type;
+    names.emplace_back(name.find("::") == std::string::npos ? shortName(*type) : type->name);
+  }
+  throw Failure("there is no type " + inQuotes(name) + nearestNameHint(name, names));
+}
+
+std::string typeText(AttributeRecord const& attr) {
+  if (!attr.collection) return attr.typeName;
+  std::string text = attr.collection->keyTypeName;
+  if (attr.collection->memberTypeName[0] != '\0') text += std::string(" to ") + attr.collection->memberTypeName;
+  return text;
+}
+
+std::string remarkOf(AttributeRecord const& attr) {
+  if (!attr.reflected) return "not reached by reflection";
+  if (attr.settable()) return "settable";
+  if (attr.kind == Fwk::AttributeKind::computed && !attr.readable() && !attr.visit) return "takes an argument";
+  return {};
+}
+
+void addRows(Table& table, std::span<AttributeRecord const> attributes) {
+  for (AttributeRecord const& attr : attributes)
+    table.add({std::to_string(attr.id), attr.name, attr.reflected ? attributeKindName(attr.kind) : "-",
+               attr.reflected ? typeText(attr) : "-", remarkOf(attr)});
+}
+
+class TypesCommand final : public Command {
+ public:
+  CLI::App& addTo(CLI::App& program) override {
+    CLI::App& app = *program.add_subcommand("types", "list the model's types, or the attributes of one");
+    namesA("type", app.add_option("NAME", name_, "type, with or without its namespace"));
+    app.footer(
+        "A configuration file sets what is 'settable', and the members of collections that are configured;\n"
+        "it begins with the type Config. Numbers are those under which the model reflects and notifies.\n\n"
+        "  routeradvt types\n"
+        "  routeradvt types IntfConfig");
+    return app;
+  }
+
+  void run(Console& console) override {
+    if (name_.empty())
+      listTypes(console.out);
+    else
+      listAttributes(console.out, findType(name_));
+  }
+
+ private:
+  static void listTypes(std::ostream& out) {
+    Table table({"type", "kind", "attributes"});
+    for (TypeRecord const* type : Fwk::typeRegistry().types())
+      table.add({type->name, kindOf(*type), std::to_string(type->attributes.size())});
+    out << table.text();
+  }
+
+  static void listAttributes(std::ostream& out, TypeRecord const& type) {
+    out << type.name << " (" << kindOf(type) << ")\n\n";
+    Table table({"number", "attribute", "kind", "type", ""});
+    addRows(table, type.baseAttributes());
+    addRows(table, type.attributes);
+    out << table.text();
+  }
+
+  std::string name_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> makeTypesCommand() { return std::make_unique<TypesCommand>(); }
+
+}  // namespace Tool
