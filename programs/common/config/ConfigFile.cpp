@@ -49,31 +49,75 @@ Place placeOfMark(YAML::Mark const& mark) {
   return mark.is_null() ? startOfFile : Place{mark.line + 1, mark.column + 1};
 }
 
-/// Where a document and its uppermost node begin. The document may begin earlier: with "---".
-class DocumentPlaces final : public YAML::EventHandler {
+/// Nodes of a document: each value, each key, each list and each mapping is one, and takes some 500 octets of memory.
+constexpr std::size_t nodesMax = 1'000'000;
+/// Nodes that aliases add to a document, each alias as many as its anchor has. A few lines could add billions.
+constexpr std::size_t repeatedNodesMax = 200'000;
+
+/// Why a document is not read although it is YAML.
+struct Refusal {
+  Place place;
+  std::string text;
+};
+
+/// Where a document and its uppermost node begin, which may be later: behind "---". Throws `Refusal` for a document
+/// that is too large.
+class DocumentScan final : public YAML::EventHandler {
  public:
   Place begin, root;
 
   void OnDocumentStart(YAML::Mark const& mark) override { begin = placeOfMark(mark); }
   void OnDocumentEnd() override {}
-  void OnNull(YAML::Mark const& mark, YAML::anchor_t) override { note(mark); }
-  void OnAlias(YAML::Mark const& mark, YAML::anchor_t) override { note(mark); }
-  void OnScalar(YAML::Mark const& mark, std::string const&, YAML::anchor_t, std::string const&) override { note(mark); }
-  void OnSequenceStart(YAML::Mark const& mark, std::string const&, YAML::anchor_t, YAML::EmitterStyle::value) override {
-    note(mark);
+  void OnNull(YAML::Mark const& mark, YAML::anchor_t anchor) override {
+    open(mark, anchor);
+    close();
   }
-  void OnSequenceEnd() override {}
-  void OnMapStart(YAML::Mark const& mark, std::string const&, YAML::anchor_t, YAML::EmitterStyle::value) override {
-    note(mark);
+  void OnAlias(YAML::Mark const& mark, YAML::anchor_t anchor) override {
+    std::size_t const count = sizes_.at(anchor);
+    if (count == 0) throw Refusal{placeOfMark(mark), "an alias stands within what it names"};
+    repeated_ += count;
+    if (repeated_ > repeatedNodesMax)
+      throw Refusal{placeOfMark(mark), "aliases repeat more than " + std::to_string(repeatedNodesMax) + " values"};
   }
-  void OnMapEnd() override {}
+  void OnScalar(YAML::Mark const& mark, std::string const&, YAML::anchor_t anchor, std::string const&) override {
+    open(mark, anchor);
+    close();
+  }
+  void OnSequenceStart(YAML::Mark const& mark, std::string const&, YAML::anchor_t anchor,
+                       YAML::EmitterStyle::value) override {
+    open(mark, anchor);
+  }
+  void OnSequenceEnd() override { close(); }
+  void OnMapStart(YAML::Mark const& mark, std::string const&, YAML::anchor_t anchor,
+                  YAML::EmitterStyle::value) override {
+    open(mark, anchor);
+  }
+  void OnMapEnd() override { close(); }
 
  private:
-  void note(YAML::Mark const& mark) {
-    if (!std::exchange(hasRoot_, true)) root = placeOfMark(mark);
+  struct Open {
+    YAML::anchor_t anchor;
+    std::size_t before;  ///< nodes before it
+  };
+
+  void open(YAML::Mark const& mark, YAML::anchor_t anchor) {
+    if (nodes_ == 0) root = placeOfMark(mark);
+    if (nodes_ == nodesMax)
+      throw Refusal{placeOfMark(mark), "the file has more than " + std::to_string(nodesMax) + " values"};
+    open_.push_back({anchor, nodes_ + repeated_});
+    ++nodes_;
+    if (anchor >= sizes_.size()) sizes_.resize(anchor + 1);
+  }
+  void close() {
+    auto const [anchor, before] = open_.back();
+    open_.pop_back();
+    sizes_[anchor] = nodes_ + repeated_ - before;
   }
 
-  bool hasRoot_ = false;
+  std::size_t nodes_ = 0;     ///< as they stand there
+  std::size_t repeated_ = 0;  ///< that aliases add
+  std::vector<Open> open_;
+  std::vector<std::size_t> sizes_;  ///< of what each anchor names; 0: its end has not come. The first is of no anchor.
 };
 
 /// Places of what stands behind the first document of a text, and must not.
@@ -85,7 +129,7 @@ struct BehindTheDocument {
 BehindTheDocument findBehindTheDocument(std::string const& text) {
   std::istringstream octets(text);
   YAML::Parser parser(octets);
-  DocumentPlaces first, second, third;
+  DocumentScan first, second, third;
   if (!parser.HandleNextDocument(first) || !parser.HandleNextDocument(second)) return {};
   // The parser makes an empty document of a comma and does not pass it: there, documents never end.
   if (second.begin == first.begin || (parser.HandleNextDocument(third) && third.begin == second.begin))
@@ -104,6 +148,8 @@ class FileReader {
     try {
       behind = findBehindTheDocument(text);
       document = YAML::Load(text);
+    } catch (Refusal const& refusal) {
+      return reader_.error(refusal.place, {}, refusal.text);
     } catch (YAML::DeepRecursion const&) {
       return reader_.error(startOfFile, {}, "not YAML that can be read: nested too deeply");
     } catch (YAML::Exception const& e) {
@@ -113,10 +159,13 @@ class FileReader {
     if (behind.comma)
       reader_.error(*behind.comma, {}, "a comma stands where a document begins");
     else if (document.IsNull())
-      return reader_.error(startOfFile, {}, "the file is empty; a section config is meant");
+      return reader_.error(startOfFile, {}, "there is nothing in the file; a section config is meant");
     else if (behind.document)
       reader_.error(*behind.document, {}, "a second document begins; one is meant");
     readSections({document, {}, placeOf(document, startOfFile)});
+    if (file_.errors.size() >= YamlReader::errorsMax)
+      reader_.error(file_.errors.back().place, {},
+                    "there may be more errors; the first " + std::to_string(YamlReader::errorsMax) + " are told");
   }
 
  private:

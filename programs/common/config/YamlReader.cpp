@@ -66,6 +66,7 @@ void YamlReader::forEachEntry(YamlValue const& value, std::string const& expecte
   if (!value.node.IsMap()) return error(value.place, value.path, wrongKind(value.node, expected));
   std::map<std::string, Place> seen;
   for (auto const& pair : value.node) {
+    if (file_.errors.size() >= errorsMax) return;
     Place const place = placeOf(pair.first, value.place);
     auto key = keyOf(pair.first, place, value.path);
     if (!key) continue;
@@ -88,6 +89,7 @@ void YamlReader::forEachElement(YamlValue const& value, std::string const& expec
   if (!value.node.IsSequence()) return error(value.place, value.path, wrongKind(value.node, expected));
   std::size_t number = 0;
   for (YAML::Node const& node : value.node) {
+    if (file_.errors.size() >= errorsMax) return;
     visit({node, value.path + '[' + std::to_string(number) + ']', placeOf(node, value.place)});
     ++number;
   }

@@ -5,6 +5,7 @@
 
 #include <yaml-cpp/yaml.h>
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -31,6 +32,9 @@ struct YamlEntry {
 /// Takes a file's nodes apart, and notes what is wrong with them.
 class YamlReader {
  public:
+  /// With so many errors, no more entries and elements are visited.
+  static constexpr std::size_t errorsMax = 1000;
+
   explicit YamlReader(ConfigFile& file) : file_(file) {}
 
   void error(Place place, std::string path, std::string text);

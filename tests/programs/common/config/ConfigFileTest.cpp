@@ -33,6 +33,16 @@ std::string linkFile(std::string const& line) {
   return "config: {intf: {Ethernet1: {}}}\nlinks:\n  Ethernet1:\n    " + line + "\n";
 }
 
+std::string repeated(std::string const& text, int count) {
+  std::string result;
+  for (int i = 0; i < count; ++i) result += text;
+  return result;
+}
+/// A file whose first line is a list of `values`; each of the `aliases` lines that follow repeats it.
+std::string repeatingFile(int aliases, int values) {
+  return "a: &a [" + repeated("x,", values) + "]\n" + repeated("b: *a\n", aliases);
+}
+
 struct ErrorRow {
   char const* name;
   std::string text;
@@ -190,8 +200,11 @@ ErrorRow const linkErrors[] = {
 INSTANTIATE_TEST_SUITE_P(Link, ConfigFileError, testing::ValuesIn(linkErrors));
 
 ErrorRow const fileErrors[] = {
-    {"Empty", "", "f:1:1: the file is empty; a section config is meant"},
-    {"OnlyAComment", "# nothing\n", "f:1:1: the file is empty; a section config is meant"},
+    {"Empty", "", "f:1:1: there is nothing in the file; a section config is meant"},
+    {"OnlyAComment", "# nothing\n", "f:1:1: there is nothing in the file; a section config is meant"},
+    {"OnlyTabs", std::string(1000, '\t'), "f:1:1: there is nothing in the file; a section config is meant"},
+    {"OnlyAnchorsWithoutANameOrAValue", std::string(1000, '&'),
+     "f:1:1: there is nothing in the file; a section config is meant"},
     {"OnlyAValue", "hello",
      "f:1:1: there is a single value where a mapping with the sections config and links is meant"},
     {"WithoutConfig", "links: {}\n", "f:1:1: there is no section config"},
@@ -208,6 +221,15 @@ ErrorRow const fileErrors[] = {
     {"CommaBehindTheDocument", "{\"config\": {}},\n", "f:1:15: a comma stands where a document begins"},
     {"CommaBetweenDocuments", "{\"config\": {}},\n{}\n", "f:1:15: a comma stands where a document begins"},
     {"CommaBeforeAText", ",x", "f:1:1: a comma stands where a document begins"},
+    {"AnAliasWithinWhatItNames", "config: &a\n  intf: {E1: *a}\n", "f:2:14: an alias stands within what it names"},
+    {"AliasesThatRepeatTooMuch", repeatingFile(12, 20000), "f:11:4: aliases repeat more than 200000 values"},
+    {"AliasesOfAliasesThatRepeatTooMuch",
+     "a: &a [x, x, x, x, x, x, x, x, x, x]\nb: &b [*a, *a, *a, *a, *a, *a, *a, *a, *a, *a]\n"
+     "c: &c [*b, *b, *b, *b, *b, *b, *b, *b, *b, *b]\nd: &d [*c, *c, *c, *c, *c, *c, *c, *c, *c, *c]\n"
+     "e: &e [*d, *d, *d, *d, *d, *d, *d, *d, *d, *d]\nf: [*e, *e, *e, *e, *e, *e, *e, *e, *e, *e]\n",
+     "f:6:5: aliases repeat more than 200000 values"},
+    {"TooManyValues", "config: [" + repeated("x,", 1'000'000) + "]\n",
+     "f:1:2000004: the file has more than 1000000 values"},
     {"TabAsIndentation", "config:\n  intf:\n\n    E1:\n    \traLifetime: 5\n",
      "f:5:16: not YAML: illegal map value; line 5 begins with a tab, and YAML is indented with blanks alone"},
     {"TabBehindAValueIsNoMistake", "config:\t{}\n\t\nlinks: {a\n", "f:4:1: not YAML: end of map flow not found"},
@@ -228,6 +250,15 @@ TEST(ConfigFile, TellsAllErrorsInTheirOrder) {
       errorsOf("config:\n  hopLimt: 1\n  raConsistency: 7\nlinks:\n  a: {mtu: 1}\n"),
       ElementsAre(testing::StartsWith("f:2:3: config/hopLimt: "), testing::StartsWith("f:3:18: config/raConsistency: "),
                   testing::StartsWith("f:5:12: links[a]/mtu: ")));
+}
+
+TEST(ConfigFile, TellsNoMoreThanAThousandErrors) {
+  std::string text = "config: {";
+  for (int i = 0; i < 2000; ++i) text += "x" + std::to_string(i) + ",\n";
+  std::vector<std::string> const errors = errorsOf(text + "}");
+  ASSERT_THAT(errors, testing::SizeIs(1001));
+  EXPECT_THAT(errors[999], testing::StartsWith("f:1000:1: config/x999: there is no such attribute"));
+  EXPECT_EQ(errors[1000], "f:1000:1: there may be more errors; the first 1000 are told");
 }
 
 TEST(ConfigFile, ControlCharactersDoNotReachTheTerminal) {
