@@ -194,7 +194,8 @@ class FileReader {
   void warnWithoutConfig(LinkConfig const& link) {
     if (file_.config->intf(link.intfId)) return;
     std::vector<std::string> names;
-    for (auto const& [intfId, intf] : file_.config->intf()) names.push_back(intfId.toString());
+    if (file_.config->intf().size() <= candidatesPerLineMax)
+      for (auto const& [intfId, intf] : file_.config->intf()) names.push_back(intfId.toString());
     std::string const name = link.intfId.toString();
     reader_.warning(link.place, linkPath(link.intfId),
                     "nothing is advertised there: config/intf has no such interface" +

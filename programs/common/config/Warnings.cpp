@@ -75,7 +75,8 @@ void checkProfile(Findings& findings, RouterAdvt::Config const& config, PrefixCo
   if (!prefix.useProfile()) {
     if (prefix.profile().empty()) return;
     std::vector<std::string> names;
-    for (auto const& [name, profile] : config.prefixProfiles()) names.push_back(name.toString());
+    if (config.prefixProfiles().size() <= candidatesPerLineMax)
+      for (auto const& [name, profile] : config.prefixProfiles()) names.push_back(name.toString());
     return findings.add("profile", "there is no profile " + inQuotes(prefix.profile()) +
                                        nearestNameHint(prefix.profile(), {names.begin(), names.end()}));
   }

@@ -435,6 +435,13 @@ TEST(ConfigFileWarning, ALinkWithoutItsInterface) {
                           "did you mean Ethernet1?"));
 }
 
+TEST(ConfigFileWarning, NoNearestNameAmongMoreThanAHundred) {
+  std::string text = "config: {intf: {";
+  for (int i = 0; i < 101; ++i) text += "E" + std::to_string(i) + ": {}, ";
+  EXPECT_THAT(warningsOf(text + "}}\nlinks: {E1O: {}}\n"),
+              ElementsAre("f:2:9: links[E1O]: nothing is advertised there: config/intf has no such interface"));
+}
+
 TEST(ConfigFileWarning, AnMtuThatIsTooSmallForIPv6) {
   EXPECT_THAT(warningsOf(linkFile("mtu: 1279")),
               ElementsAre("f:4:10: links[Ethernet1]/mtu: IPv6 needs links of at least 1280 octets (RFC 8200 5)"));

@@ -135,6 +135,13 @@ TEST(IntfWarnings, AMissingProfileComesWithTheNearestOne) {
                   "guest?"));
 }
 
+TEST(IntfWarnings, AMissingProfileComesWithoutTheNearestOneOfMoreThanAHundred) {
+  std::string text = "config: {prefixProfiles: {";
+  for (int i = 0; i < 101; ++i) text += "guest" + std::to_string(i) + ": {}, ";
+  EXPECT_THAT(warningsOf(text + "},\n intf: {E: {prefixes: {\"::/64\": {profile: gest1}}}}}"),
+              ElementsAre("f:2:34: config/intf[E]/prefixes[::/64]/profile: there is no profile \"gest1\""));
+}
+
 TEST(IntfWarnings, AProfileThatDiffersFromWhatIsSentIsTold) {
   EXPECT_THAT(
       warningsOf("config:\n  prefixProfiles: {guest: {noAdvertise: true, validLifetime: 5, preferredLifetime: "
