@@ -1,3 +1,4 @@
+#include <RouterPlatform/Base/Printable.h>
 #include <RouterPlatform/Trace/Trace.h>
 
 #include <fnmatch.h>
@@ -82,19 +83,7 @@ class SettingsReader {
   std::string_view text_;
 };
 
-/// Appends `text` so that it stays on one line and cannot drive a terminal.
-void appendPrintable(std::string& out, std::string_view text) {
-  static constexpr char hex[] = "0123456789abcdef";
-  for (char const c : text) {
-    auto const octet = static_cast<unsigned char>(c);
-    if (octet >= 0x20 && octet != 0x7f)
-      out += c;
-    else
-      appendTexts(out, "\\x", hex[octet >> 4], hex[octet & 15]);
-  }
-}
-
-/// One write a message, so that lines of several threads and processes do not mix.
+/// One write per message, so that lines of several threads and processes do not mix.
 void writeToStandardError(Record const& record) try {
   std::string line;
   appendTexts(line, record.handle, '/', record.level, ' ', record.source, ':', record.line, ": ", record.function,
@@ -143,7 +132,9 @@ class Registry {
     try {
       settings_ = SettingsReader(text).read();
     } catch (SettingsError const& error) {
-      std::fprintf(stderr, "environment variable TRACE: %s\n", error.what());
+      std::string line = "environment variable TRACE: ";
+      appendPrintable(line, error.what());
+      std::fprintf(stderr, "%s\n", line.c_str());
     }
   }
 
