@@ -1,11 +1,13 @@
 #include <programs/common/frames/CaptureWriter.h>
 #include <programs/common/text/Failure.h>
-#include <programs/common/text/Text.h>
+#include <programs/common/text/FileDescriptor.h>
 
+#include <fcntl.h>
 #include <pcap/pcap.h>
 #include <sys/time.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 namespace Tool {
@@ -15,12 +17,19 @@ namespace {
 constexpr int largestFrame = 65535;
 
 [[noreturn]] void failToWrite(std::string const& fileName, std::string const& reason) {
-  throw Failure(printable(fileName) + ": cannot be written: " + reason);
+  throw Failure(fileName + ": cannot be written: " + reason);
 }
 
-/// libpcap begins this message with the name of the file.
-std::string withoutFileName(std::string const& fileName, std::string const& message) {
-  return message.starts_with(fileName + ": ") ? message.substr(fileName.size() + 2) : message;
+/// Opens the file for writing and empties it. A FIFO needs a reader: without one it is refused instead of waited for.
+std::FILE* openToWrite(std::string const& fileName) {
+  if (fileName == "-") return stdout;
+  FileDescriptor file(open(fileName.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666));
+  if (file.get() < 0) failToWrite(fileName, errno == ENXIO ? "nothing reads from it" : std::strerror(errno));
+  fcntl(file.get(), F_SETFL, O_WRONLY);  // blocking again: a slow reader is waited for
+  std::FILE* const stream = fdopen(file.get(), "wb");
+  if (!stream) failToWrite(fileName, std::strerror(errno));
+  file.release();
+  return stream;
 }
 
 }  // namespace
@@ -31,8 +40,11 @@ void CaptureWriter::Close::operator()(pcap_dumper* dumper) const { pcap_dump_clo
 CaptureWriter::CaptureWriter(std::string const& fileName)
     : fileName_(fileName), handle_(pcap_open_dead(DLT_EN10MB, largestFrame)) {
   if (!handle_) failToWrite(fileName, "no memory");
-  dumper_.reset(pcap_dump_open(handle_.get(), fileName.c_str()));
-  if (!dumper_) failToWrite(fileName, withoutFileName(fileName, pcap_geterr(handle_.get())));
+  std::FILE* const file = openToWrite(fileName);
+  dumper_.reset(pcap_dump_fopen(handle_.get(), file));
+  if (dumper_) return;
+  if (file != stdout) std::fclose(file);
+  failToWrite(fileName, pcap_geterr(handle_.get()));
 }
 
 void CaptureWriter::add(std::span<Fwk::U8 const> frame) {
