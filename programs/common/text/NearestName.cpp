@@ -1,5 +1,4 @@
 #include <programs/common/text/NearestName.h>
-#include <programs/common/text/Text.h>
 
 #include <algorithm>
 #include <cctype>
@@ -11,8 +10,11 @@ namespace {
 
 constexpr std::size_t wholeChange = 2;
 
-// Names are shorter than this; it bounds the work on a key that somebody else wrote.
+// Bounds the work on a key that somebody else wrote; valid names are shorter.
 constexpr std::size_t longestName = 128;
+
+// More names do not fit in one line.
+constexpr std::size_t listedMax = 10;
 
 bool sameLetter(char a, char b) {
   return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
@@ -51,10 +53,15 @@ std::string_view nearestName(std::string_view name, std::vector<std::string_view
 
 std::string nearestNameHint(std::string_view name, std::vector<std::string_view> const& candidates) {
   if (candidates.empty()) return {};
+  name = name.substr(0, longestName);
   std::string_view const nearest = nearestName(name, candidates);
-  bool const near =
-      distance(name.substr(0, longestName), nearest.substr(0, longestName)) <= wholeChange * (nearest.size() / 3 + 1);
-  return (near ? "; did you mean " : "; the nearest valid name is ") + printable(nearest) + (near ? "?" : "");
+  std::size_t const changesMax = std::max<std::size_t>(1, std::min(name.size(), nearest.size()) / 3);
+  if (distance(name, nearest.substr(0, longestName)) <= wholeChange * changesMax)
+    return "; did you mean " + std::string(nearest) + '?';
+  if (candidates.size() > listedMax) return {};
+  std::string list;
+  for (std::string_view const candidate : candidates) list += (list.empty() ? "" : ", ") + std::string(candidate);
+  return (candidates.size() == 1 ? "; the only valid name is " : "; valid names: ") + list;
 }
 
 }  // namespace Tool

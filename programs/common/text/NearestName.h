@@ -7,15 +7,15 @@
 
 namespace Tool {
 
-/// The candidate that `name` takes the fewest changes to become: letters put in, left out, exchanged or swapped with
-/// their neighbour; a letter in the other case counts half. The first of equals; empty when there are no candidates.
+/// The candidate nearest to `name`: the one with the fewest letters to insert, delete, replace or swap with their
+/// neighbour, where a change of case counts half. The first of equals; empty when there are no candidates.
 std::string_view nearestName(std::string_view name, std::vector<std::string_view> const& candidates);
 
-/// Of more names, the nearest one is not looked for where a file can ask for it as often as it has lines.
+/// More names than this are not searched where each line of a file may ask for a near one.
 constexpr std::size_t candidatesPerLineMax = 100;
 
-/// The same as a clause that ends a message: `; did you mean raLifetime?`, for a far one `; the nearest valid name is
-/// raLifetime`, and nothing when there are no candidates.
+/// The end of a message about an unknown name: `; did you mean raLifetime?` when at most a third of the shorter name
+/// (but always one letter) has to change; else the list of the candidates when it is short; else nothing.
 std::string nearestNameHint(std::string_view name, std::vector<std::string_view> const& candidates);
 
 }  // namespace Tool

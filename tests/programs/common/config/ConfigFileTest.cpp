@@ -67,7 +67,7 @@ ErrorRow const attributeErrors[] = {
     {"UnknownAttributeInTheOtherCase", intfFile("ralifetime: 5"),
      "f:4:7: config/intf[Ethernet1]/ralifetime: there is no such attribute; did you mean raLifetime?"},
     {"UnknownAttributeFarFromAll", "config: {zzz: 5}",
-     "f:1:10: config/zzz: there is no such attribute; the nearest valid name is intf"},
+     "f:1:10: config/zzz: there is no such attribute; valid names: intf, hopLimit, raConsistency, prefixProfiles"},
     {"ConstantIsNoCandidate", intfFile("hopLimitMx: 5"),
      "f:4:7: config/intf[Ethernet1]/hopLimitMx: there is no such attribute; did you mean hopLimit?"},
     {"Constant", intfFile("hopLimitMax: 5"),
@@ -263,7 +263,8 @@ TEST(ConfigFile, TellsNoMoreThanAThousandErrors) {
 
 TEST(ConfigFile, ControlCharactersDoNotReachTheTerminal) {
   EXPECT_THAT(errorsOf("config: {\"a\\e[31m\": 1}"),
-              ElementsAre("f:1:10: config/a\\x1b[31m: there is no such attribute; the nearest valid name is intf"));
+              ElementsAre("f:1:10: config/a\\x1b[31m: there is no such attribute; valid names: intf, hopLimit, "
+                          "raConsistency, prefixProfiles"));
 }
 
 TEST(ConfigFile, AFileThatIsNotThereIsAnError) {
