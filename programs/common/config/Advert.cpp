@@ -18,7 +18,7 @@ using Net::Ip6AddrWithMask;
 constexpr char const* allNodes = "ff02::1";
 
 [[noreturn]] void fail(ConfigFile const& file, std::string const& path, std::string text) {
-  throw Failure(diagnosticLine(file.name, {file.placeOf(path), path, std::move(text)}));
+  throw Failure(diagnosticText(file.name, {file.placeOf(path), path, std::move(text)}));
 }
 
 EthAddr sourceMac(ConfigFile const& file, AdvertOptions const& options, LinkConfig const* link,
@@ -88,7 +88,7 @@ Ptr<RouterAdvt::IntfConfig> findIntf(ConfigFile const& file, std::string const& 
   std::string const section = "config/intf";
   if (intfId && file.link(*intfId))
     fail(file, section,
-         "there is no interface " + inQuotes(name) + ", only a link of that name; with '" + printable(name) +
+         "there is no interface " + inQuotes(name) + ", only a link of that name; with '" + name +
              ": {}' here it is advertised by the defaults");
   std::vector<std::string> names;
   for (auto const& [key, intf] : file.config->intf()) names.push_back(key.toString());

@@ -6,7 +6,7 @@
 
 namespace Tool {
 
-/// A place in a file, counted from 1. Line 0: none in particular.
+/// A place in a file, counted from 1. Line 0: the file as a whole.
 struct Place {
   int line = 0;
   int column = 0;
@@ -15,17 +15,20 @@ struct Place {
   auto operator<=>(Place const&) const = default;
 };
 
-/// What is wrong, or odd, about one thing in a file.
+/// An error in a file, or a warning about it. Names stand in it as they are.
 struct Diagnostic {
   Place place;
   std::string path;  ///< of the attribute, such as `config/intf[Ethernet1]/raLifetime`; empty: the file as a whole
   std::string text;
 };
 
-/// `FILE:LINE:COLUMN: PATH: TEXT`; `label`, such as `warning: `, stands before the path.
+/// `FILE:LINE:COLUMN: PATH: TEXT`, for a `Failure`.
+std::string diagnosticText(std::string_view file, Diagnostic const& diagnostic, std::string_view label = {});
+
+/// The same as one printable line, for the console. `label`, such as `warning: `, stands before the path.
 std::string diagnosticLine(std::string_view file, Diagnostic const& diagnostic, std::string_view label = {});
 
-/// In the order of the file; those of one place stay in the order in which they were found.
+/// Sorts by place. Diagnostics of one place keep their order.
 void sortByPlace(std::vector<Diagnostic>& diagnostics);
 
 }  // namespace Tool

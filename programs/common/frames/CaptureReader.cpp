@@ -1,7 +1,6 @@
 #include <programs/common/frames/CaptureReader.h>
 #include <programs/common/frames/FrameDescriber.h>
 #include <programs/common/text/Failure.h>
-#include <programs/common/text/Text.h>
 
 #include <pcap/pcap.h>
 
@@ -17,7 +16,7 @@ namespace {
 std::FILE* openFile(std::string const& fileName) {
   if (fileName == "-") return stdin;
   if (std::FILE* const file = std::fopen(fileName.c_str(), "rbe")) return file;
-  throw Failure(printable(fileName) + ": cannot be opened: " + std::strerror(errno));
+  throw Failure(fileName + ": cannot be opened: " + std::strerror(errno));
 }
 
 }  // namespace
@@ -30,13 +29,13 @@ CaptureReader::CaptureReader(std::string const& fileName) : fileName_(fileName =
   handle_.reset(pcap_fopen_offline(file, error.data()));
   if (!handle_) {
     if (file != stdin) std::fclose(file);
-    throw Failure(printable(fileName_) + ": is no capture file that can be read: " + printable(error.data()));
+    throw Failure(fileName_ + ": is no capture file that can be read: " + error.data());
   }
   int const linkType = pcap_datalink(handle_.get());
   isEthernet_ = linkType == DLT_EN10MB;
   if (isEthernet_ || linkType == DLT_RAW || linkType == DLT_IPV6) return;
   char const* const name = pcap_datalink_val_to_name(linkType);
-  throw Failure(printable(fileName_) + ": packets of link type " + (name ? name : std::to_string(linkType)) +
+  throw Failure(fileName_ + ": packets of link type " + (name ? name : std::to_string(linkType)) +
                 "; Ethernet and raw IP can be read");
 }
 
@@ -47,8 +46,7 @@ std::optional<CapturedPacket> CaptureReader::next() {
   if (result == PCAP_ERROR_BREAK) return std::nullopt;
   ++read_;
   if (result == 1) return CapturedPacket{read_, {octets, header->caplen}};
-  throw Failure(printable(fileName_) + ": packet " + std::to_string(read_) + ": " +
-                printable(pcap_geterr(handle_.get())));
+  throw Failure(fileName_ + ": packet " + std::to_string(read_) + ": " + pcap_geterr(handle_.get()));
 }
 
 Net::Ip6PktInfo::Result CaptureReader::receive(CapturedPacket const& packet) const {

@@ -1,6 +1,5 @@
 #include <programs/common/linux/LinkWatch.h>
 #include <programs/common/text/Failure.h>
-#include <programs/common/text/Text.h>
 
 #include <linux/netlink.h>
 #include <linux/rtnetlink.h>
@@ -34,7 +33,7 @@ void LinkWatch::check() const {
 
 void LinkWatch::requireDevice() const {
   std::array<char, IF_NAMESIZE> name;
-  if (!if_indextoname(index_, name.data())) throw Failure(printable(name_) + " is gone");
+  if (!if_indextoname(index_, name.data())) throw Failure(name_ + " is gone");
 }
 
 }  // namespace Tool

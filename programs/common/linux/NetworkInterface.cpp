@@ -63,7 +63,7 @@ ifreq askKernel(FileDescriptor const& socket, std::string const& name, unsigned 
   // A name that is cut must not be taken for that of another interface.
   bool const fits = name.size() < sizeof request.ifr_name;
   if (fits && ioctl(socket.get(), question, &request) == 0) return request;
-  if (fits && errno != ENODEV) throw Failure(printable(name) + ": " + std::strerror(errno));
+  if (fits && errno != ENODEV) throw Failure(name + ": " + std::strerror(errno));
   auto const names = interfaceNames();
   throw Failure("there is no interface " + inQuotes(name) + " on this machine" +
                 nearestNameHint(name, {names.begin(), names.end()}));
@@ -93,7 +93,7 @@ NetworkInterface lookUpInterface(std::string const& name) {
 
 NetworkInterface lookUpEthernetInterface(std::string const& name) {
   NetworkInterface result = lookUpInterface(name);
-  if (!result.mac) throw Failure(printable(name) + " is no Ethernet interface");
+  if (!result.mac) throw Failure(name + " is no Ethernet interface");
   return result;
 }
 

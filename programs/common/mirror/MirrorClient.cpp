@@ -1,7 +1,6 @@
 #include <programs/common/mirror/MirrorClient.h>
 #include <programs/common/mirror/SocketPath.h>
 #include <programs/common/text/Failure.h>
-#include <programs/common/text/Text.h>
 
 #include <asio/buffer.hpp>
 #include <asio/post.hpp>
@@ -35,8 +34,8 @@ void MirrorClient::attach() {
   int error = 0;
   FileDescriptor connection = connectTo(path_, error);
   if (std::string const reason = passingReason(path_, error); !reason.empty()) return missing(reason);
-  if (error == ECONNREFUSED) throw Failure(printable(path_) + ": there is something that is no socket");
-  if (error != 0) throw Failure(printable(path_) + ": cannot be connected to: " + std::strerror(error));
+  if (error == ECONNREFUSED) throw Failure(path_ + ": there is something that is no socket");
+  if (error != 0) throw Failure(path_ + ": cannot be connected to: " + std::strerror(error));
   socket_.assign(asio::local::stream_protocol(), connection.release());
   reader_.attach();
   observer_.onAttached();
@@ -62,8 +61,8 @@ void MirrorClient::unreadable() {
   using Fwk::ChangeStream::ReadErrorKind;
   ReadErrorKind const kind = reader_.error().kind;
   if (kind != ReadErrorKind::gap && kind != ReadErrorKind::lost)
-    throw Failure(printable(path_) + ": what comes from there cannot be read: " + printable(reader_.error().text) +
-                  " (octet " + std::to_string(reader_.error().offset) + ')');
+    throw Failure(path_ + ": what comes from there cannot be read: " + reader_.error().text + " (octet " +
+                  std::to_string(reader_.error().offset) + ')');
   socket_.close();
   missing("something of the changes is missing");
 }

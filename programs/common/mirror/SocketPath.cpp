@@ -1,6 +1,5 @@
 #include <programs/common/mirror/SocketPath.h>
 #include <programs/common/text/Failure.h>
-#include <programs/common/text/Text.h>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -19,7 +18,7 @@ namespace Tool {
 
 namespace {
 
-[[noreturn]] void fail(std::string const& path, std::string const& why) { throw Failure(printable(path) + ": " + why); }
+[[noreturn]] void fail(std::string const& path, std::string const& why) { throw Failure(path + ": " + why); }
 
 /// Nothing when the path is too long, or empty.
 std::optional<sockaddr_un> addressOf(std::string const& path) {

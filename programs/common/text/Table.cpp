@@ -1,4 +1,5 @@
 #include <programs/common/text/Table.h>
+#include <programs/common/text/Text.h>
 
 #include <algorithm>
 
@@ -12,12 +13,12 @@ std::string Table::text() const {
   std::vector<std::size_t> widths;
   for (auto const& row : rows_) {
     widths.resize(std::max(widths.size(), row.size()));
-    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
+    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], displayWidth(row[i]));
   }
   std::string out;
   for (auto const& row : rows_) {
     std::string line;
-    for (std::size_t i = 0; i < row.size(); ++i) line += row[i] + std::string(widths[i] - row[i].size() + 2, ' ');
+    for (std::size_t i = 0; i < row.size(); ++i) line += padded(row[i], widths[i] + 2);
     line.erase(line.find_last_not_of(' ') + 1);
     if (!line.empty()) out += line + '\n';
   }

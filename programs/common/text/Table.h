@@ -5,16 +5,16 @@
 
 namespace Tool {
 
-/// Rows of text in columns, each as wide as it has to be.
+/// Rows of printable text, aligned in columns.
 class Table {
  public:
-  /// `header`: empty texts for columns without one; no row of its own when all are.
+  /// `header`: one text per column, empty for a column without a title; without any title there is no header line.
   explicit Table(std::vector<std::string> header);
 
-  /// A row with as many texts as there are columns.
+  /// Adds a row with one text per column.
   void add(std::vector<std::string> row);
 
-  /// Two blanks between the columns, none at the end of a line.
+  /// The lines, with two blanks between columns and none at the end of a line.
   std::string text() const;
 
  private:

@@ -1,4 +1,5 @@
 #include <RouterPlatform/Fwk/ObjectRef.h>
+#include <programs/common/text/Text.h>
 #include <programs/common/trees/ListenReport.h>
 
 #include <algorithm>
@@ -10,7 +11,7 @@ namespace Tool {
 using Net::Ip6Addr;
 
 void ListenReport::listening(std::string const& device) {
-  if (!json_) say("listening on " + device + " for Router Advertisements\n");
+  if (!json_) say("listening on " + printable(device) + " for Router Advertisements\n");
 }
 
 void ListenReport::onChange(RouterAdvt::RaPacket const& packet, std::vector<RecordChange> const& changes) {

@@ -1,4 +1,5 @@
 #include <programs/common/text/Table.h>
+#include <programs/common/text/Text.h>
 #include <programs/common/trees/NeighborReport.h>
 
 #include <algorithm>
@@ -78,7 +79,7 @@ NeighborReport readNeighbors(RouterAdvt::RouterNeighborRaReader const& reader, N
 }
 
 std::string neighborsText(NeighborReport const& report) {
-  if (!report.problem.empty()) return "the table cannot be read: " + report.problem + '\n';
+  if (!report.problem.empty()) return "the table cannot be read: " + printable(report.problem) + '\n';
   if (!report.attached) return "there is no table: no program keeps one\n";
   std::string text;
   if (report.neighbors.empty()) {
@@ -86,7 +87,7 @@ std::string neighborsText(NeighborReport const& report) {
   } else {
     Table table({"interface", "router", "last advertisement"});
     for (RouterNeighborRa const& neighbor : report.neighbors)
-      table.add({neighbor.key().intfId().toString(), neighbor.key().neighborAddr().toString(),
+      table.add({printable(neighbor.key().intfId().toString()), neighbor.key().neighborAddr().toString(),
                  neighbor.lastRaReceived() == 0 ? "never" : durationText(ageOf(neighbor, report.now)) + " ago"});
     text = table.text();
   }

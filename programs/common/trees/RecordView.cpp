@@ -41,7 +41,7 @@ std::string valueText(Json const& value) {
 template <class Items>
 std::size_t pathWidth(Items const& items) {
   std::size_t width = 0;
-  for (auto const& item : items) width = std::max(width, item.path.size());
+  for (auto const& item : items) width = std::max(width, displayWidth(printable(item.path)));
   return width;
 }
 

@@ -15,14 +15,14 @@ namespace {
 constexpr char const* programName = "routeradvt";
 
 ExitStatus failed(Console& console, std::string const& text) {
-  console.err << programName << ": " << text << '\n';
+  console.err << programName << ": " << printable(text) << '\n';
   return ExitStatus::failed;
 }
 
 /// `command`: whose help to point at; empty: that of the program.
 ExitStatus wrongUsage(Console& console, std::string const& command, std::string const& text) {
-  console.err << programName << ": " << text << "\n'" << programName << (command.empty() ? "" : " ") << command
-              << " --help' tells what is possible\n";
+  console.err << programName << ": " << printable(text) << "\n'" << programName << (command.empty() ? "" : " ")
+              << command << " --help' tells what is possible\n";
   return ExitStatus::usage;
 }
 
@@ -83,7 +83,7 @@ ExitStatus run(std::string const& name, Command& command, Console& console) {
   try {
     command.run(console);
   } catch (Failure const& e) {
-    console.err << e.what() << '\n';
+    for (std::string const& message : e.messages()) console.err << printable(message) << '\n';
     return ExitStatus::failed;
   } catch (UsageError const& e) {
     return wrongUsage(console, name, e.what());

@@ -3,6 +3,7 @@
 #include <programs/common/linux/LinkWatch.h>
 #include <programs/common/linux/RaSocket.h>
 #include <programs/common/linux/StopSignals.h>
+#include <programs/common/text/Text.h>
 #include <programs/common/trees/ListenReport.h>
 #include <programs/common/trees/NeighborTable.h>
 #include <programs/routeradvt/cli/NumberOption.h>
@@ -52,7 +53,8 @@ class ListenCommand final : public Command {
     ListenReport report(console.out, json_);
     RouterWatch watch(Net::IntfId(device.name), report);
     NeighborTable table;
-    if (!table.problem().empty()) console.err << "the table of neighbours is not kept: " << table.problem() << '\n';
+    if (!table.problem().empty())
+      console.err << "the table of neighbours is not kept: " << printable(table.problem()) << '\n';
     auto const start = Clock::now();
     report.listening(device.name);
     auto const summary = [&] {

@@ -20,7 +20,7 @@ using Roots = std::vector<Fwk::Ptr<Fwk::Entity>>;
 
 void failIfNoneIsKnown(std::string const& path, Roots const& roots) {
   if (std::ranges::none_of(roots, [](auto const& root) { return static_cast<bool>(root); }))
-    throw Failure(printable(path) + ": serves no tree that this program knows");
+    throw Failure(path + ": serves no tree that this program knows");
 }
 
 /// Prints the trees once they are there.
@@ -32,7 +32,7 @@ class Once final : public MirrorClient::Observer {
   }
 
   void onAttached() override {}
-  void onMissing(std::string const& why) override { throw Failure(printable(path_) + ": " + why); }
+  void onMissing(std::string const& why) override { throw Failure(path_ + ": " + why); }
   void onOctets() override { wait(); }
   void onSynchronized(Roots const& roots) override {
     failIfNoneIsKnown(path_, roots);
@@ -48,7 +48,7 @@ class Once final : public MirrorClient::Observer {
     patience_.expires_after(10s);
     patience_.async_wait([this](std::error_code aborted) {
       if (!aborted)
-        throw Failure(printable(path_) + ": nothing has come for 10 seconds; it may have as many mirrors as it serves");
+        throw Failure(path_ + ": nothing has come for 10 seconds; it may have as many mirrors as it serves");
     });
   }
 
@@ -93,7 +93,7 @@ class Following final : public MirrorClient::Observer {
     watch_.rootsAre(roots);
     json_ ? say(Json{{"event", "attached"}, {"trees", treesJson(roots)}}) : say(treesText(roots));
   }
-  void tell(std::string const& what) { console_.err << printable(path_) << ": " << what << std::endl; }
+  void tell(std::string const& what) { console_.err << printable(path_ + ": " + what) << std::endl; }
   void say(Json const& json) { say(jsonText(json) + '\n'); }
   void say(std::string const& text) { console_.out << text; }
   void flush() {

@@ -71,7 +71,7 @@ class SendCommand final : public Command {
     if (options_.hex) console.out << toHex(packet->octets()) << '\n';
     console.out << "sending " << packet->size() << " octets from " << advert.srcAddr.toString() << " ("
                 << advert.srcMac.toString() << ") to " << advert.dstAddr.toString() << " (" << advert.dstMac.toString()
-                << ") on " << device.name << std::endl;
+                << ") on " << printable(device.name) << std::endl;
     sendAll(console, socket, *packet, signals);
   }
 
