@@ -61,9 +61,9 @@ def check_failures(pair, path):
     send = [PROGRAM, "send", path, "lan", "--via"]
     check_failure("unknown device", pair.router.run(*send, "routr", check=False),
                   "there is no interface \"routr\" on this machine; did you mean router?")
-    check_failure("loopback", pair.router.run(*send, "lo", check=False), "lo is no Ethernet interface")
+    check_failure("loopback", pair.router.run(*send, "lo", check=False), "lo is not an Ethernet interface")
     check_failure("no rights", pair.router.run("setpriv", "--bounding-set=-net_raw", "--inh-caps=-net_raw", *send, "router",
-                                               check=False), "takes the right to open packet sockets")
+                                               check=False), "without the right to open packet sockets")
     pair.router.run("ip", "link", "set", "router", "mtu", "1280")
     big = os.path.join(os.path.dirname(path), "big.yaml")
     with open(big, "w", encoding="ascii") as file:

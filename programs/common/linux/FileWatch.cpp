@@ -26,10 +26,10 @@ void FileWatch::lookAgain() {
 }
 
 void FileWatch::watchDirectoryOf(std::string const& path) const {
-  // Not that a file was made: somebody is going to write it.
+  // Without IN_CREATE: a new file is reported when its writer closes it.
   constexpr uint32_t events = IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE | IN_ONLYDIR;
   auto const directory = std::filesystem::path(path).parent_path();
-  // The same directory again keeps its watch; one that is not there is looked for again later.
+  // A directory that is watched already keeps its watch. lookAgain() retries a directory that is missing.
   inotify_add_watch(inotify_.get(), directory.empty() ? "." : directory.c_str(), events);
 }
 

@@ -6,19 +6,19 @@
 
 namespace Tool {
 
-/// Tells when something happened to a file: written, replaced by renaming, removed. What is watched is its directory,
-/// and that of the file it is a link to, so that a file may come and go. Other files of the directories are noticed as
-/// well: whether the file has changed is for its reader to find out.
+/// Notices that a file was written, replaced by renaming, or removed; inotify(7). It watches the directory of the file,
+/// and the directory of the target when the file is a symbolic link, so the file may come and go. Changes of other
+/// files in these directories are noticed too: the reader of the file has to compare.
 class FileWatch {
  public:
   explicit FileWatch(std::string fileName);
 
-  /// Becomes readable when something happened. Negative: nothing can be watched.
+  /// For poll(2): readable after a change. Negative: inotify is not available.
   int descriptor() const { return inotify_.get(); }
 
-  /// Forgets what happened so far, and looks anew where the file is.
+  /// Discards the changes noticed so far, and does `lookAgain`.
   void restart();
-  /// Looks anew where the file is: its directory may be another one than it was, of which nothing is told.
+  /// Watches the directories where the file is now. inotify does not tell when a directory on the way is replaced.
   void lookAgain();
 
  private:

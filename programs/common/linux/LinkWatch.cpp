@@ -21,13 +21,13 @@ LinkWatch::LinkWatch(NetworkInterface const& device)
   groups.nl_groups = RTMGRP_LINK;
   if (socket_.get() < 0 || bind(socket_.get(), reinterpret_cast<sockaddr const*>(&groups), sizeof groups) != 0)
     throw Failure(std::string("changes of interfaces cannot be watched: ") + std::strerror(errno));
-  requireDevice();  // which may have been taken away before they were
+  requireDevice();  // it may have been removed before the watch began
 }
 
 void LinkWatch::check() const {
   bool changed = false;
   while (recv(socket_.get(), nullptr, 0, MSG_TRUNC) >= 0 || errno == ENOBUFS) changed = true;
-  // What has changed is not read but asked for: of many changes some may have been lost.
+  // The messages are discarded: after ENOBUFS some are missing, so the kernel is asked for the state instead.
   if (changed) requireDevice();
 }
 

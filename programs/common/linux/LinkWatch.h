@@ -7,16 +7,16 @@
 
 namespace Tool {
 
-/// Notices when an interface is taken away: a socket that is bound to one only falls silent then. rtnetlink(7).
+/// Notices that an interface was removed; rtnetlink(7). A socket bound to a removed interface only falls silent.
 class LinkWatch {
  public:
-  /// Throws `Failure`, as `check` does too.
+  /// Throws `Failure` when the interface is gone, or changes of interfaces cannot be watched.
   explicit LinkWatch(NetworkInterface const& device);
 
-  /// For poll(2): readable when something has changed about some interface.
+  /// For poll(2): readable after a change of any interface.
   int descriptor() const noexcept { return socket_.get(); }
 
-  /// Throws `Failure`, which says so, when the interface is gone.
+  /// Throws `Failure` when the interface is gone.
   void check() const;
 
  private:

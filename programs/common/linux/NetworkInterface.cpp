@@ -39,7 +39,8 @@ Fwk::U8 maskLengthOf(sockaddr const* mask) {
 
 std::vector<Ip6AddrWithMask> addressesOf(std::string const& name) {
   ifaddrs* list = nullptr;
-  if (getifaddrs(&list) != 0) throw Failure(std::string("getifaddrs: ") + std::strerror(errno));
+  if (getifaddrs(&list) != 0)
+    throw Failure(std::string("cannot list the addresses of interfaces: ") + std::strerror(errno));
   std::unique_ptr<ifaddrs, void (*)(ifaddrs*)> const owner(list, &freeifaddrs);
   std::vector<Ip6AddrWithMask> result;
   for (ifaddrs const* entry = list; entry; entry = entry->ifa_next)
@@ -48,7 +49,6 @@ std::vector<Ip6AddrWithMask> addressesOf(std::string const& name) {
   return result;
 }
 
-/// Of all interfaces of this machine.
 std::vector<std::string> interfaceNames() {
   std::unique_ptr<struct if_nameindex, void (*)(struct if_nameindex*)> const list(if_nameindex(), &if_freenameindex);
   std::vector<std::string> names;
@@ -60,7 +60,7 @@ std::vector<std::string> interfaceNames() {
 ifreq askKernel(FileDescriptor const& socket, std::string const& name, unsigned long question) {
   ifreq request{};
   name.copy(request.ifr_name, sizeof request.ifr_name - 1);
-  // A name that is cut must not be taken for that of another interface.
+  // A truncated name could name another interface.
   bool const fits = name.size() < sizeof request.ifr_name;
   if (fits && ioctl(socket.get(), question, &request) == 0) return request;
   if (fits && errno != ENODEV) throw Failure(name + ": " + std::strerror(errno));
@@ -73,7 +73,7 @@ ifreq askKernel(FileDescriptor const& socket, std::string const& name, unsigned 
 
 NetworkInterface lookUpInterface(std::string const& name) {
   FileDescriptor const socket(::socket(AF_INET6, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-  if (socket.get() < 0) throw Failure(std::string("a socket cannot be had: ") + std::strerror(errno));
+  if (socket.get() < 0) throw Failure(std::string("cannot open a socket: ") + std::strerror(errno));
   NetworkInterface result;
   result.name = name;
   result.index = askKernel(socket, name, SIOCGIFINDEX).ifr_ifindex;
@@ -93,7 +93,7 @@ NetworkInterface lookUpInterface(std::string const& name) {
 
 NetworkInterface lookUpEthernetInterface(std::string const& name) {
   NetworkInterface result = lookUpInterface(name);
-  if (!result.mac) throw Failure(name + " is no Ethernet interface");
+  if (!result.mac) throw Failure(name + " is not an Ethernet interface");
   return result;
 }
 

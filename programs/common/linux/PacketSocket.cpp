@@ -32,8 +32,8 @@ std::string whyNotSent(std::string const& device, std::size_t size, int error) {
 PacketSocket::PacketSocket(NetworkInterface const& device)
     : name_(device.name), index_(device.index), socket_(::socket(AF_PACKET, SOCK_RAW | SOCK_CLOEXEC, 0)) {
   if (socket_.get() < 0 && (errno == EPERM || errno == EACCES))
-    throw Failure("to send on " + name_ + " takes the right to open packet sockets: be root, or have CAP_NET_RAW");
-  if (socket_.get() < 0) throw Failure(std::string("a packet socket cannot be had: ") + std::strerror(errno));
+    throw Failure("cannot send on " + name_ + " without the right to open packet sockets (root, or CAP_NET_RAW)");
+  if (socket_.get() < 0) throw Failure(std::string("cannot open a packet socket: ") + std::strerror(errno));
   if (!device.up) throw Failure(name_ + " is down; 'ip link set " + name_ + " up' brings it up");
 }
 

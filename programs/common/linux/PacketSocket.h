@@ -8,13 +8,13 @@
 
 namespace Tool {
 
-/// Puts Ethernet frames on an interface as they are: a packet socket, packet(7).
+/// Sends complete Ethernet frames on an interface; packet(7).
 class PacketSocket {
  public:
-  /// Throws `Failure`: no rights, or the interface is down.
+  /// Throws `Failure` without the right to open packet sockets, and when the interface is down.
   explicit PacketSocket(NetworkInterface const& device);
 
-  /// Throws `Failure`, which says what is wrong.
+  /// Throws `Failure` when the frame cannot be sent.
   void send(std::span<Fwk::U8 const> frame);
 
  private:

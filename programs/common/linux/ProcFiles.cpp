@@ -12,12 +12,13 @@ namespace {
 using RouterAdvt::ProcFileDirDataSet;
 using Files = std::map<std::string, std::string>;
 
-// Such files have a line or a few; what is longer is none of them.
-constexpr std::size_t greatestFile = 65536;
+// Octets. The files of these directories have a few lines.
+constexpr std::size_t fileSizeMax = 65536;
 
 struct Directory {
   bool present = false;
-  std::optional<Files> files;  ///< by name; none when it could not be read, such as for want of a file descriptor
+  std::optional<Files>
+      files;  ///< by name; nothing when the directory could not be read, for example for lack of descriptors
 };
 
 Directory readDirectory(std::filesystem::path const& directory) {
@@ -25,7 +26,7 @@ Directory readDirectory(std::filesystem::path const& directory) {
   Files files;
   std::filesystem::directory_iterator at(directory, error);
   while (!error && at != std::filesystem::directory_iterator()) {
-    if (FileText read = readRegularFileText(at->path(), greatestFile); read.error.empty())
+    if (FileText read = readRegularFileText(at->path(), fileSizeMax); read.error.empty())
       files.emplace(at->path().filename(), std::move(read.text));
     at.increment(error);
   }
@@ -39,8 +40,7 @@ void store(ProcFileDirDataSet& set, Files const& files) {
   for (auto const& [name, contents] : files) set.fileDataIs(name, contents);
 }
 
-/// Whether the kernel may have an interface of that name, rather than a directory of that name: two are there for all
-/// interfaces together.
+/// Whether an interface can have that name. "all" and "default" are directories of the kernel, not interfaces.
 bool mayBeInterface(std::string_view name) {
   for (std::string_view const other : {"", ".", "..", "all", "default"})
     if (name == other) return false;

@@ -6,15 +6,14 @@
 
 namespace Tool {
 
-/// What the kernel says of the IPv6 of an interface: the files of two directories, which go into the interface's status
-/// as they are.
+/// Copies the kernel's IPv6 settings of an interface into the interface's status: the files of two directories.
 class ProcFiles {
  public:
   explicit ProcFiles(std::string root = "/proc/sys/net/ipv6") : root_(std::move(root)) {}
 
-  /// Brings both file sets of `status` up to date, each named after its directory. Observers hear of the files that
-  /// differ. An interface that this machine does not have has no sets; a file that cannot be read is left out; a
-  /// directory that is there and cannot be read leaves its set as it is.
+  /// Updates both file sets of `status`, each named after its directory. Observers are notified of the files that
+  /// differ. Without a directory, as for an interface that this machine does not have, the set is removed. A file that
+  /// cannot be read is left out. A directory that exists and cannot be read leaves its set unchanged.
   void capture(RouterAdvt::IntfStatus& status) const;
 
  private:

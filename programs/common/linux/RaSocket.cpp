@@ -45,7 +45,7 @@ void join(Options const& options, int index, char const* group) {
   options.set(IPPROTO_IPV6, IPV6_JOIN_GROUP, request, "cannot join a multicast group");
 }
 
-/// Lets these messages in, or none.
+/// Lets only messages of that type in; without a type, none.
 void filterFor(Options const& options, std::optional<int> messageType) {
   icmp6_filter filter;
   ICMP6_FILTER_SETBLOCKALL(&filter);
@@ -53,12 +53,12 @@ void filterFor(Options const& options, std::optional<int> messageType) {
   options.set(IPPROTO_ICMPV6, ICMP6_FILTER, filter, "cannot set the filter");
 }
 
-/// Throws away what has come in so far.
+/// Discards the messages received so far.
 void drain(int socket) {
   while (recv(socket, nullptr, 0, MSG_TRUNC) >= 0) continue;
 }
 
-/// Where a message is from, and what comes beside it.
+/// The addresses of a message and its ancillary data.
 struct Envelope {
   Ip6Addr source;
   Ip6Addr dest;
@@ -84,12 +84,12 @@ void readControl(msghdr& header, Envelope& envelope) {
       envelope.dest = addressOf(info.ipi6_addr);
       envelope.intfIndex = static_cast<int>(info.ipi6_ifindex);
     } else if (item->cmsg_type == IPV6_RECVFRAGSIZE) {
-      envelope.fragmented = true;  // comes with what was put together, and with nothing else
+      envelope.fragmented = true;  // present for reassembled messages only
     }
   }
 }
 
-/// recvmsg(2): the size of the message, or below 0 with `errno`.
+/// recvmsg(2): the size of the message; negative: see `errno`.
 ssize_t receiveMessage(int socket, std::span<Fwk::U8> buffer, Envelope& envelope) {
   sockaddr_in6 from{};
   iovec octets{buffer.data(), buffer.size()};
@@ -116,19 +116,19 @@ RaSocket::RaSocket(NetworkInterface const& device)
       socket_(::socket(AF_INET6, SOCK_RAW | SOCK_CLOEXEC | SOCK_NONBLOCK, IPPROTO_ICMPV6)),
       buffer_(messageSizeMax) {
   if (socket_.get() < 0 && (errno == EPERM || errno == EACCES))
-    throw Failure("to listen on " + name_ + " takes the right to open raw sockets: be root, or have CAP_NET_RAW");
-  if (socket_.get() < 0) throw Failure(std::string("a raw socket cannot be had: ") + std::strerror(errno));
+    throw Failure("cannot listen on " + name_ + " without the right to open raw sockets (root, or CAP_NET_RAW)");
+  if (socket_.get() < 0) throw Failure(std::string("cannot open a raw socket: ") + std::strerror(errno));
   if (!device.up) throw Failure(name_ + " is down; 'ip link set " + name_ + " up' brings it up");
   Options const options(socket_.get(), name_);
-  // A raw socket takes every ICMPv6 message of the machine from its first moment on.
+  // From its creation on, a raw socket receives every ICMPv6 message of the machine: block, bind, discard, then admit.
   filterFor(options, std::nullopt);
-  options.setOctets(SOL_SOCKET, SO_BINDTODEVICE, name_.data(), name_.size(), "cannot listen on this interface alone");
+  options.setOctets(SOL_SOCKET, SO_BINDTODEVICE, name_.data(), name_.size(), "cannot bind to the interface");
   drain(socket_.get());
   options.set(IPPROTO_IPV6, IPV6_RECVHOPLIMIT, int{1}, "cannot ask for the hop limit");
   options.set(IPPROTO_IPV6, IPV6_RECVPKTINFO, int{1}, "cannot ask for the destination");
   options.set(IPPROTO_IPV6, IPV6_RECVFRAGSIZE, int{1}, "cannot ask for fragments");
-  // At this level Linux lets one switch off its own check: what is wrong is to be said, not to be swallowed.
-  options.set(IPPROTO_RAW, IPV6_CHECKSUM, int{-1}, "cannot ask for wrong checksums");
+  // Messages with a wrong checksum are to be reported; at this level Linux permits to switch its own check off.
+  options.set(IPPROTO_RAW, IPV6_CHECKSUM, int{-1}, "cannot switch off the checksum check");
   filterFor(options, ND_ROUTER_ADVERT);
   join(options, device.index, "ff02::1");
   join(options, device.index, "ff02::2");
@@ -140,7 +140,7 @@ std::optional<RaSocket::Received> RaSocket::receive() {
     ssize_t const size = receiveMessage(socket_.get(), buffer_, envelope);
     if (size < 0 && (errno == EAGAIN || errno == EINTR)) return std::nullopt;
     if (size < 0) throw Failure(name_ + ": cannot receive: " + std::strerror(errno));
-    // While the filter was being set, another processor may have let one in after all.
+    // Another processor may have queued a message while the filter was being set.
     if (size == 0 || buffer_[0] != ND_ROUTER_ADVERT || envelope.intfIndex != index_) continue;
     if (envelope.fragmented) return Received{envelope.source, {nullptr, Net::Ip6PktInfo::Reason::fragment}};
     std::span<Fwk::U8 const> const message(buffer_.data(), static_cast<std::size_t>(size));
@@ -153,7 +153,7 @@ Fwk::U32 RaSocket::lost() const {
   std::array<Fwk::U32, SK_MEMINFO_VARS> counts{};
   socklen_t size = sizeof counts;
   if (getsockopt(socket_.get(), SOL_SOCKET, SO_MEMINFO, counts.data(), &size) != 0)
-    throw Failure(name_ + ": cannot ask what was lost: " + std::strerror(errno));
+    throw Failure(name_ + ": cannot read the number of lost messages: " + std::strerror(errno));
   return counts[SK_MEMINFO_DROPS];
 }
 

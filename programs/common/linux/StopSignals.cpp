@@ -31,7 +31,7 @@ bool StopSignals::waitUntil(std::chrono::steady_clock::time_point time) {
     auto const whole = duration_cast<seconds>(left);
     timespec const timeout{static_cast<time_t>(whole.count()), static_cast<long>(nanoseconds(left - whole).count())};
     if (sigtimedwait(&signals_, nullptr, &timeout) > 0) return true;
-    if (errno == EAGAIN) return false;  // the time has come; EINTR: another signal did, which is none of ours
+    if (errno == EAGAIN) return false;  // the time is over; EINTR: another signal
   }
 }
 

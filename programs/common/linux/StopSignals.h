@@ -9,11 +9,11 @@
 
 namespace Tool {
 
-/// The signals that are to end the program: Ctrl-C and its like, but for those that it was started to ignore, as
-/// nohup(1) does.
+/// The signals that end the program: SIGINT, SIGTERM and SIGHUP, without those that it was started to ignore, as by
+/// nohup(1).
 std::vector<int> stopSignals();
 
-/// Ctrl-C and its like, held back while this lives and asked for instead: a command ends where it is ready to.
+/// Blocks the stop signals while it lives, so that a command can ask for them where it is ready to end.
 class StopSignals {
  public:
   StopSignals();
@@ -21,9 +21,9 @@ class StopSignals {
   StopSignals& operator=(StopSignals const&) = delete;
   ~StopSignals();
 
-  /// Waits for that time, which may be past; true: it is to stop.
+  /// Waits until that time, which may be past, or a stop signal; true: a signal came.
   bool waitUntil(std::chrono::steady_clock::time_point time);
-  /// For poll(2): readable when one of them is pending.
+  /// For poll(2): readable when a stop signal is pending.
   FileDescriptor descriptor() const;
 
  private:

@@ -6,7 +6,7 @@
 
 namespace Tool {
 
-/// Owns a file descriptor; negative: none.
+/// Owns a file descriptor. A negative number stands for no descriptor.
 class FileDescriptor {
  public:
   explicit FileDescriptor(int fd) noexcept : fd_(fd) {}
@@ -19,7 +19,7 @@ class FileDescriptor {
     if (fd_ >= 0) close(fd_);
   }
   int get() const noexcept { return fd_; }
-  /// The descriptor is the caller's from now on.
+  /// Passes the descriptor to the caller, who has to close it.
   int release() noexcept { return std::exchange(fd_, -1); }
 
  private:

@@ -12,9 +12,9 @@ namespace Tool {
 
 namespace {
 
-FileText cannot(char const* what) { return {{}, std::string("cannot be ") + what + ": " + std::strerror(errno)}; }
+FileText cannotBe(char const* verb) { return {{}, std::string("cannot be ") + verb + ": " + std::strerror(errno)}; }
 
-FileText readToTheEnd(int file, std::size_t sizeMax = std::string::npos) {
+FileText readToEnd(int file, std::size_t sizeMax = std::string::npos) {
   FileText result;
   std::array<char, 65536> chunk;
   while (true) {
@@ -23,7 +23,7 @@ FileText readToTheEnd(int file, std::size_t sizeMax = std::string::npos) {
     if (count > 0)
       result.text.append(chunk.data(), static_cast<std::size_t>(count));
     else if (errno != EINTR)
-      return cannot("read");
+      return cannotBe("read");
     if (result.text.size() > sizeMax) return {{}, "has more than " + std::to_string(sizeMax) + " octets"};
   }
 }
@@ -31,17 +31,17 @@ FileText readToTheEnd(int file, std::size_t sizeMax = std::string::npos) {
 }  // namespace
 
 FileText readFileText(std::string const& fileName) {
-  if (fileName == "-") return readToTheEnd(STDIN_FILENO);
+  if (fileName == "-") return readToEnd(STDIN_FILENO);
   FileDescriptor const file(open(fileName.c_str(), O_RDONLY | O_CLOEXEC));
-  return file.get() < 0 ? cannot("opened") : readToTheEnd(file.get());
+  return file.get() < 0 ? cannotBe("opened") : readToEnd(file.get());
 }
 
 FileText readRegularFileText(std::string const& fileName, std::size_t sizeMax) {
-  // To open a FIFO would otherwise wait for a writer.
+  // O_NONBLOCK: opening a FIFO would otherwise wait for a writer.
   FileDescriptor const file(open(fileName.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   struct stat found {};
-  if (file.get() < 0 || fstat(file.get(), &found) != 0) return cannot("opened");
-  return S_ISREG(found.st_mode) ? readToTheEnd(file.get(), sizeMax) : FileText{{}, "is no regular file"};
+  if (file.get() < 0 || fstat(file.get(), &found) != 0) return cannotBe("opened");
+  return S_ISREG(found.st_mode) ? readToEnd(file.get(), sizeMax) : FileText{{}, "is not a regular file"};
 }
 
 }  // namespace Tool

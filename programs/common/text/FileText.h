@@ -5,16 +5,16 @@
 
 namespace Tool {
 
-/// The octets of a file, or why there are none.
+/// The octets of a file, or the reason why it was not read.
 struct FileText {
   std::string text;
-  std::string error;  ///< empty: it was read
+  std::string error;  ///< continues a sentence that begins with the file's name; empty: the file was read
 };
 
-/// `-`: standard input.
+/// Reads a file of any kind; `-`: standard input.
 FileText readFileText(std::string const& fileName);
 
-/// Of a regular file; anything else is an error, and is not waited for. So is one of more octets than that.
+/// Reads a regular file of at most `sizeMax` octets. A file of another kind is an error; a FIFO is not waited for.
 FileText readRegularFileText(std::string const& fileName, std::size_t sizeMax = std::string::npos);
 
 }  // namespace Tool

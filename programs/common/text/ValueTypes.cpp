@@ -18,15 +18,14 @@ std::string refuseReservedPreference(std::string_view text) {
   Preference value{};
   if (!parseText(text, value) || value != Preference::reserved_) return {};
   return inQuotes(text) +
-         " is the reserved router preference, which is never sent (RFC 4191 2.1); medium, high or low "
-         "is meant";
+         " is the reserved router preference, which is never sent (RFC 4191 2.1); expected medium, high or low";
 }
 
 std::string refuseNoInterface(std::string_view text) {
   return text.empty() ? "the empty name stands for no interface" : std::string();
 }
 
-/// Other ways in which YAML and its like write these.
+/// Suggests the spelling of a boolean that other YAML readers accept.
 std::string boolHint(std::string_view text) {
   constexpr std::string_view yes[] = {"true", "yes", "on", "y", "1"};
   constexpr std::string_view no[] = {"false", "no", "off", "n", "0"};
@@ -42,10 +41,10 @@ struct ValueType {
   std::string expected;
   std::string example;
   std::string (*refuse)(std::string_view text) = nullptr;
-  std::string (*hint)(std::string_view text) = nullptr;  ///< ends the message about a text that is none
+  std::string (*hint)(std::string_view text) = nullptr;  ///< ends the message about a malformed text
 };
 
-/// The types of values, not the attributes: those are the type records' business.
+/// The types of values. The attributes are described by their type records.
 ValueType const* valueType(std::string_view typeName) {
   static std::array const types{
       ValueType{"bool", "true or false", "true", nullptr, &boolHint},
@@ -88,7 +87,7 @@ std::string badTextMessage(std::string_view typeName, std::string_view text, Fwk
   ValueType const* const type = valueType(typeName);
   switch (result.error) {
     case Fwk::ReflectionError::outOfRange:
-      return inQuotes(text) + " is out of range; " + expectedText(typeName) + " is meant";
+      return inQuotes(text) + " is out of range; expected " + expectedText(typeName);
     case Fwk::ReflectionError::malformed:
       return inQuotes(text) + " is not " + expectedText(typeName) + (type && type->hint ? type->hint(text) : "");
     default:

@@ -121,7 +121,7 @@ TEST_F(ServedModelTest, AFifoInTheFilesPlaceIsRefusedAndNotWaitedFor) {
   std::filesystem::remove(file);
   ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
   EXPECT_EQ(model.reload(err), Reload::refused);
-  EXPECT_EQ(err.str(), file + ": is no regular file\n");
+  EXPECT_EQ(err.str(), file + ": is not a regular file\n");
   EXPECT_THROW(ServedModel(file, err), Failure);
 }
 
@@ -129,7 +129,7 @@ TEST_F(ServedModelTest, AFolderInTheFilesPlaceIsRefused) {
   std::filesystem::remove(file);
   std::filesystem::create_directory(file);
   EXPECT_EQ(model.reload(err), Reload::refused);
-  EXPECT_EQ(err.str(), file + ": is no regular file\n");
+  EXPECT_EQ(err.str(), file + ": is not a regular file\n");
 }
 
 TEST_F(ServedModelTest, CapturesTheFilesOfEveryInterfaceInRounds) {

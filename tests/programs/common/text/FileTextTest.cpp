@@ -25,7 +25,7 @@ TEST_F(FileTextTest, OfNoFileSaysWhy) {
 
 TEST_F(FileTextTest, OfAFolderSaysWhy) {
   EXPECT_EQ(readFileText(folder / ".").error, "cannot be read: Is a directory");
-  EXPECT_EQ(readRegularFileText(folder / ".").error, "is no regular file");
+  EXPECT_EQ(readRegularFileText(folder / ".").error, "is not a regular file");
 }
 
 TEST_F(FileTextTest, OfARegularFileMayBeLimited) {

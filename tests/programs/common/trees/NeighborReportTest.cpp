@@ -40,6 +40,18 @@ TEST(NeighborsText, ShowsInterfaceRouterAndAge) {
       "Ethernet10  fe80::2  never\n");
 }
 
+TEST(NeighborsText, MakesInterfaceNamesPrintable) {
+  EXPECT_EQ(neighborsText(reportOf({neighborOf("g\x1b[1m\xff\\", "fe80::1", 992.5)})),
+            "interface       router   last advertisement\n"
+            "g\\x1b[1m\\xff\\\\  fe80::1  7.5 s ago\n");
+}
+
+TEST(NeighborsText, MakesTheProblemPrintable) {
+  NeighborReport report;
+  report.problem = "/tables\x1b[1m\n";
+  EXPECT_EQ(neighborsText(report), "the table cannot be read: /tables\\x1b[1m\\x0a\n");
+}
+
 TEST(NeighborsText, SaysWhenThereIsNone) { EXPECT_EQ(neighborsText(reportOf({})), "no neighbouring router\n"); }
 
 TEST(NeighborsText, SaysWhenThereIsNoTable) {

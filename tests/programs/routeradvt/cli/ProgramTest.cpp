@@ -394,7 +394,7 @@ TEST(SendCommand, ADeviceWithoutEthernetIsTold) {
   TemporaryFile const file(smallFile);
   Outcome const outcome = run({"send", file.name(), "E1", "--via", "lo"});
   EXPECT_EQ(outcome.status, ExitStatus::failed);
-  EXPECT_THAT(outcome.err, HasSubstr("lo is no Ethernet interface\n"));
+  EXPECT_THAT(outcome.err, HasSubstr("lo is not an Ethernet interface\n"));
 }
 
 TEST(ShowCommand, MarksDefaultsAndEffectiveValues) {
