@@ -1,4 +1,4 @@
-# Libraries, headers, CMake package, pkg-config files, guide and manual pages. The tools install themselves.
+# Libraries, headers, CMake package, pkg-config files and guide. The programs install themselves, with their manual pages.
 include(CMakePackageConfigHelpers)
 
 # Components are what the Debian packages are made of.
@@ -48,12 +48,3 @@ install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/LICENSE DEST
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT Development
         FILES_MATCHING PATTERN *.md PATTERN man EXCLUDE)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT Development)
-
-if(TARGET routeradvt_manual)
-  install(
-    DIRECTORY ${PROJECT_BINARY_DIR}/man/
-    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
-    COMPONENT Tools
-    FILES_MATCHING
-    PATTERN *.1)
-endif()
