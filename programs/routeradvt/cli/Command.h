@@ -4,24 +4,32 @@
 
 #include <iosfwd>
 #include <memory>
-
-namespace CLI {
-class App;
-}
+#include <vector>
 
 namespace Tool {
 
-/// What the program ends with.
+class Options;
+
 enum class ExitStatus : int {
   success = 0,
-  failed = 1,  ///< what was asked for could not be done
-  usage = 2,   ///< what was asked for makes no sense
+  failed = 1,  ///< the command could not do its work
+  usage = 2,   ///< the command line makes no sense
 };
 
 /// Where a command writes. Results go to `out`; errors, warnings and traces to `err`.
 struct Console {
   std::ostream& out;
   std::ostream& err;
+  unsigned columns = 80;  ///< the help is folded to that many
+};
+
+/// The words of a command in the help.
+struct CommandText {
+  char const* name;
+  char const* summary;
+  /// Follows the options: paragraphs, which are folded, with an empty line between them, and examples, which are
+  /// indented.
+  char const* details;
 };
 
 /// One subcommand: a file of its own, and a line in Commands.cpp.
@@ -29,11 +37,13 @@ class Command {
  public:
   virtual ~Command() = default;
 
-  /// Adds the subcommand to the program, with its options and its help. Options are stored in this object.
-  virtual CLI::App& addTo(CLI::App& program) = 0;
-
+  virtual CommandText text() const = 0;
+  /// Adds the options and arguments. Their values are stored in this object.
+  virtual void addTo(Options& options) = 0;
   /// Does what the options ask for. Throws `Failure` or `UsageError`.
   virtual void run(Console& console) = 0;
 };
+
+using Commands = std::vector<std::unique_ptr<Command>>;
 
 }  // namespace Tool

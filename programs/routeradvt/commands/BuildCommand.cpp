@@ -6,8 +6,6 @@
 #include <programs/routeradvt/cli/AdvertArguments.h>
 #include <programs/routeradvt/commands/Commands.h>
 
-#include <CLI/CLI.hpp>
-
 #include <ostream>
 
 namespace Tool {
@@ -16,18 +14,18 @@ namespace {
 
 class BuildCommand final : public Command {
  public:
-  CLI::App& addTo(CLI::App& program) override {
-    CLI::App& app = *program.add_subcommand("build", "build one advertisement, and print it or write it to a file");
-    addAdvertOptions(app, options_);
-    app.footer(
-        "Without --hex and --write the frame is printed field by field, with the offset of each. Warnings,\n"
-        "on standard error, are about what is not sent as it is written, or is not heeded by receivers.\n\n"
+  CommandText text() const override {
+    return {
+        "build", "build one advertisement, and print it or write it to a file",
+        "Without --hex and --write the frame is printed field by field, with the offset of each field. Warnings go to "
+        "standard error: they name values that are not sent as the file has them, or that receivers ignore.\n\n"
         "  routeradvt build office.yaml Ethernet1\n"
         "  routeradvt build office.yaml Ethernet1 --write ra.pcap\n"
         "  routeradvt build office.yaml Ethernet1 --write - | tcpdump -vr -\n"
-        "  routeradvt build office.yaml Ethernet1 --death --hex");
-    return app;
+        "  routeradvt build office.yaml Ethernet1 --death --hex"};
   }
+
+  void addTo(Options& options) override { addAdvertOptions(options, options_); }
 
   void run(Console& console) override {
     if (options_.hex && options_.write == "-") throw UsageError("--hex and --write - both mean standard output");

@@ -2,8 +2,8 @@
 
 namespace Tool {
 
-std::vector<std::unique_ptr<Command>> makeCommands() {
-  std::vector<std::unique_ptr<Command>> commands;
+Commands makeCommands() {
+  Commands commands;
   commands.push_back(makeBuildCommand());
   commands.push_back(makeSendCommand());
   commands.push_back(makeParseCommand());

@@ -3,12 +3,11 @@
 #include <programs/routeradvt/cli/Command.h>
 
 #include <memory>
-#include <vector>
 
 namespace Tool {
 
 /// Every subcommand, in the order of the help.
-std::vector<std::unique_ptr<Command>> makeCommands();
+Commands makeCommands();
 
 std::unique_ptr<Command> makeBuildCommand();
 std::unique_ptr<Command> makeListenCommand();

@@ -6,11 +6,8 @@
 #include <programs/common/text/Text.h>
 #include <programs/common/trees/ListenReport.h>
 #include <programs/common/trees/NeighborTable.h>
-#include <programs/routeradvt/cli/NumberOption.h>
-#include <programs/routeradvt/cli/ValueOption.h>
+#include <programs/routeradvt/cli/Options.h>
 #include <programs/routeradvt/commands/Commands.h>
-
-#include <CLI/CLI.hpp>
 
 #include <poll.h>
 
@@ -28,20 +25,21 @@ using Net::Ip6Addr;
 
 class ListenCommand final : public Command {
  public:
-  CLI::App& addTo(CLI::App& program) override {
-    CLI::App& app = *program.add_subcommand("listen", "report the advertisements that arrive on an interface");
-    namesA("interface", app.add_option("DEV", device_, "interface of this machine"))->required();
-    addNumberOption(app, "--count", wanted_, {1, {}}, "N", "end after that many valid advertisements");
-    addNumberOption(app, "--for", seconds_, {0.0, 1e9}, "SECONDS", "end after that time");
-    app.add_flag("--json", json_, "one JSON object an event, a line each");
-    app.footer(
-        "Reports routers as they come and go, what changes in what they advertise, and what is dropped\n"
-        "and why. An advertisement that says what the one before it said is counted and not shown.\n"
-        "Keeps the table of neighbouring routers meanwhile, unless another program does: see 'neighbors'.\n"
-        "Needs the right to open raw sockets (root, or CAP_NET_RAW). Ctrl-C ends it, with a summary.\n\n"
-        "  routeradvt listen eth0\n"
-        "  routeradvt listen eth0 --for 60 --json");
-    return app;
+  CommandText text() const override {
+    return {"listen", "report the advertisements that arrive on an interface",
+            "Reports routers that appear or withdraw, changes in their advertisements, and dropped messages with the "
+            "reason. An advertisement that repeats the previous one is counted and not shown. Also keeps the table of "
+            "neighbouring routers, unless another program does: see 'neighbors'. Needs the right to open raw sockets "
+            "(root, or CAP_NET_RAW). Ctrl-C ends it, with a summary.\n\n"
+            "  routeradvt listen eth0\n"
+            "  routeradvt listen eth0 --for 60 --json"};
+  }
+
+  void addTo(Options& options) override {
+    options.argument("DEV", device_, "interface", "interface of this machine");
+    options.number("--count", "N", wanted_, {1, {}}, "end after that many valid advertisements");
+    options.number("--for", "SECONDS", seconds_, {0.0, 1e9}, "end after that time");
+    options.flag("--json", json_, "print one JSON object per event, each on a line");
   }
 
   void run(Console& console) override {

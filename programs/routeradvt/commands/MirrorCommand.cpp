@@ -2,10 +2,9 @@
 #include <programs/common/mirror/MirrorClient.h>
 #include <programs/common/text/Text.h>
 #include <programs/common/trees/TreeReport.h>
-#include <programs/routeradvt/cli/ValueOption.h>
+#include <programs/routeradvt/cli/Options.h>
 #include <programs/routeradvt/commands/Commands.h>
 
-#include <CLI/CLI.hpp>
 #include <asio/signal_set.hpp>
 
 #include <algorithm>
@@ -111,17 +110,19 @@ class Following final : public MirrorClient::Observer {
 
 class MirrorCommand final : public Command {
  public:
-  CLI::App& addTo(CLI::App& program) override {
-    CLI::App& app = *program.add_subcommand("mirror", "show the trees that 'serve' holds, and how they change");
-    namesA("socket", app.add_option("PATH", path_, "Unix socket that 'serve' listens on"))->required();
-    app.add_flag("--follow", follow_, "go on, and show every change as it comes");
-    app.add_flag("--json", json_, "one JSON object; with --follow one an event, a line each");
-    app.footer(
-        "Without --follow, it ends when the trees are shown. With it, it waits for a server, outlives its\n"
-        "server and waits for another one, and shows what then differs. Ctrl-C ends it.\n\n"
+  CommandText text() const override {
+    return {
+        "mirror", "show the trees that 'serve' holds, and how they change",
+        "Without --follow, it shows the trees and ends. With --follow, it also waits for a server that is not there "
+        "yet or that ended, and then shows the differences. Ctrl-C ends it.\n\n"
         "  routeradvt mirror /run/routeradvt.sock\n"
-        "  routeradvt mirror /run/routeradvt.sock --follow --json");
-    return app;
+        "  routeradvt mirror /run/routeradvt.sock --follow --json"};
+  }
+
+  void addTo(Options& options) override {
+    options.argument("PATH", path_, "socket", "Unix socket that 'serve' listens on");
+    options.flag("--follow", follow_, "go on, and show every change when it happens");
+    options.flag("--json", json_, "print one JSON object; with --follow one per event, each on a line");
   }
 
   void run(Console& console) override {

@@ -1,9 +1,7 @@
 #include <programs/common/text/Text.h>
 #include <programs/common/trees/NeighborReport.h>
-#include <programs/routeradvt/cli/ValueOption.h>
+#include <programs/routeradvt/cli/Options.h>
 #include <programs/routeradvt/commands/Commands.h>
-
-#include <CLI/CLI.hpp>
 
 #include <pwd.h>
 
@@ -26,26 +24,27 @@ Fwk::Seconds now() {
 
 class NeighborsCommand final : public Command {
  public:
-  CLI::App& addTo(CLI::App& program) override {
-    CLI::App& app = *program.add_subcommand("neighbors", "show which routers were heard, and when");
-    app.add_flag("--watch", watch_, "go on, and show the table again whenever it changes");
-    app.add_flag("--json", json_, "one JSON object; with --watch one a change, a line each");
-    addValueOption(app, "--intf", intf_, "NAME", "only this interface");
-    app.add_option("--sort", sort_, "by interface (intf), or the latest advertisement first (age)")
-        ->type_name("KEY")
-        ->default_str("intf")
-        ->check([](std::string const& key) {
-          return key == "intf" || key == "age" ? std::string() : inQuotes(key) + " is neither intf nor age";
-        });
-    namesA("user", app.add_option("--owner", owner_, "whose the table may be, besides root's and your own"))
-        ->type_name("USER");
-    app.footer(
-        "Reads the table that the router advertisement agent keeps in shared memory, or 'listen' while it\n"
-        "runs: interface, router, and the age of the last advertisement. Says so when no such program is\n"
-        "alive. --watch follows the table from one program to the next; Ctrl-C ends it.\n\n"
+  CommandText text() const override {
+    return {
+        "neighbors", "show which routers were heard, and when",
+        "Reads the table that a router advertisement agent, or 'listen' while it runs, keeps in shared memory: "
+        "interface, router, and the age of its last advertisement. Says so when the program that keeps the table is "
+        "not alive. --watch follows the table from one program to the next; Ctrl-C ends it.\n\n"
         "  routeradvt neighbors\n"
-        "  routeradvt neighbors --watch --intf Ethernet1 --sort age");
-    return app;
+        "  routeradvt neighbors --watch --intf Ethernet1 --sort age"};
+  }
+
+  void addTo(Options& options) override {
+    options.flag("--watch", watch_, "go on, and show the table again whenever it changes");
+    options.flag("--json", json_, "print one JSON object; with --watch one per change, each on a line");
+    options.value("--intf", "NAME", intf_, "show this interface only");
+    auto const takeSort = [this](std::string const& key) {
+      sort_ = key;
+      return key == "intf" || key == "age" ? std::string() : inQuotes(key) + " is neither intf nor age";
+    };
+    options.add("--sort", "KEY", takeSort,
+                "by interface (intf), or the latest advertisement first (age); default intf");
+    options.name("--owner", "USER", owner_, "user", "owner that the table may have besides root and yourself");
   }
 
   void run(Console& console) override {

@@ -4,10 +4,8 @@
 #include <programs/common/frames/CaptureReader.h>
 #include <programs/common/frames/RaMessage.h>
 #include <programs/common/trees/RecordView.h>
-#include <programs/routeradvt/cli/ValueOption.h>
+#include <programs/routeradvt/cli/Options.h>
 #include <programs/routeradvt/commands/Commands.h>
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <ostream>
@@ -79,18 +77,19 @@ std::string wordsOf(CaptureReader const& reader, CapturedPacket const& packet, R
 
 class ParseCommand final : public Command {
  public:
-  CLI::App& addTo(CLI::App& program) override {
-    CLI::App& app = *program.add_subcommand("parse", "read the advertisements in a capture file");
-    namesA("file", app.add_option("FILE", file_, "capture file, pcap or pcapng; - is standard input"))->required();
-    addValueOption(app, "--intf", intfId_, "NAME", "interface that they are taken to have arrived on; else 'capture'");
-    app.add_flag("--json", json_, "one JSON object a packet, a line each");
-    app.footer(
-        "Shows what the router's own parser makes of each Router Advertisement, then every option,\n"
-        "and behind '!' what is odd. Ethernet and raw IP captures are read.\n\n"
-        "  routeradvt parse capture.pcap\n"
-        "  tcpdump -i eth0 -w - icmp6 | routeradvt parse -\n"
-        "  routeradvt parse --json capture.pcapng | jq .record");
-    return app;
+  CommandText text() const override {
+    return {"parse", "read the advertisements in a capture file",
+            "Shows how the router's own parser reads each Router Advertisement, then every option, and after '!' the "
+            "oddities. Reads captures of Ethernet and of raw IP.\n\n"
+            "  routeradvt parse capture.pcap\n"
+            "  tcpdump -i eth0 -w - icmp6 | routeradvt parse -\n"
+            "  routeradvt parse --json capture.pcapng | jq .record"};
+  }
+
+  void addTo(Options& options) override {
+    options.argument("FILE", file_, "file", "capture file, pcap or pcapng; - is standard input");
+    options.value("--intf", "NAME", intfId_, "interface that the packets count as received on; default 'capture'");
+    options.flag("--json", json_, "print one JSON object per packet, each on a line");
   }
 
   void run(Console& console) override {

@@ -5,11 +5,8 @@
 #include <programs/common/linux/StopSignals.h>
 #include <programs/common/text/Text.h>
 #include <programs/routeradvt/cli/AdvertArguments.h>
-#include <programs/routeradvt/cli/NumberOption.h>
-#include <programs/routeradvt/cli/ValueOption.h>
+#include <programs/routeradvt/cli/Options.h>
 #include <programs/routeradvt/commands/Commands.h>
-
-#include <CLI/CLI.hpp>
 
 #include <array>
 #include <chrono>
@@ -33,27 +30,26 @@ std::string secondsText(Clock::duration duration) {
 
 class SendCommand final : public Command {
  public:
-  CLI::App& addTo(CLI::App& program) override {
-    CLI::App& app = *program.add_subcommand("send", "send advertisements on an interface of this machine");
-    addAdvertOptions(app, options_, "DEV");
-    namesA("interface",
-           app.add_option("--via", device_,
-                          "interface to send on; where neither options nor file say, it gives\nthe source MAC, the "
-                          "addresses and the MTU"))
-        ->type_name("DEV")
-        ->required()
-        ->group("Sending");
-    addNumberOption(app, "--count", count_, {0, {}}, "N",
-                    "how many to send, 0: until Ctrl-C; else 1; with --interval, until Ctrl-C")
-        ->group("Sending");
-    addNumberOption(app, "--interval", seconds_, {0.001, 1e6}, "SECONDS", "time from one to the next; else 3 seconds")
-        ->group("Sending");
-    app.footer(
-        "Needs the right to open packet sockets (root, or CAP_NET_RAW). Ctrl-C ends it, with a summary.\n\n"
-        "  routeradvt send office.yaml Ethernet1 --via eth0\n"
-        "  routeradvt send office.yaml Ethernet1 --via eth0 --interval 10\n"
-        "  routeradvt send office.yaml Ethernet1 --via eth0 --death");
-    return app;
+  CommandText text() const override {
+    return {"send", "send advertisements on an interface of this machine",
+            "Needs the right to open packet sockets (root, or CAP_NET_RAW). Ctrl-C ends it, with a summary.\n\n"
+            "  routeradvt send office.yaml Ethernet1 --via eth0\n"
+            "  routeradvt send office.yaml Ethernet1 --via eth0 --interval 10\n"
+            "  routeradvt send office.yaml Ethernet1 --via eth0 --death"};
+  }
+
+  void addTo(Options& options) override {
+    addAdvertOptions(options, options_, "DEV");
+    options.heading("Sending");
+    options.name(
+        "--via", "DEV", device_, "interface",
+        "interface to send on; it also gives the source MAC, the addresses and the MTU that neither options nor "
+        "file give",
+        Need::required);
+    options.number("--count", "N", count_, {0, {}},
+                   "number of advertisements, 0: until Ctrl-C; default 1, with --interval 0");
+    options.number("--interval", "SECONDS", seconds_, {0.001, 1e6},
+                   "time between two advertisements; default 3 seconds");
   }
 
   void run(Console& console) override {

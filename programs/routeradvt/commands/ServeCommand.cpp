@@ -3,11 +3,9 @@
 #include <programs/common/mirror/MirrorServer.h>
 #include <programs/common/mirror/ServedModel.h>
 #include <programs/common/text/Text.h>
-#include <programs/routeradvt/cli/NumberOption.h>
-#include <programs/routeradvt/cli/ValueOption.h>
+#include <programs/routeradvt/cli/Options.h>
 #include <programs/routeradvt/commands/Commands.h>
 
-#include <CLI/CLI.hpp>
 #include <asio/posix/stream_descriptor.hpp>
 #include <asio/post.hpp>
 #include <asio/signal_set.hpp>
@@ -116,22 +114,21 @@ class Service {
 
 class ServeCommand final : public Command {
  public:
-  CLI::App& addTo(CLI::App& program) override {
-    CLI::App& app = *program.add_subcommand("serve", "hold a configuration file as live trees that others mirror");
-    namesA("file", app.add_option("FILE", fileName_, "configuration file"))->required();
-    namesA("socket", app.add_option("--socket", socketPath_, "Unix socket to listen on"))
-        ->required()
-        ->type_name("PATH");
-    addNumberOption(app, "--poll", poll_, {0.01, 1e6}, "SECONDS",
-                    "time between two looks at the kernel's files; else 5 seconds");
-    app.footer(
-        "Serves two trees: the configuration, and a status with the files that the kernel has in\n"
-        "/proc/sys/net/ipv6/conf and /proc/sys/net/ipv6/neigh on each interface that is configured and that\n"
-        "this machine has. The file is read again when it changes; only what differs is applied. A file\n"
-        "with an error changes nothing, and what is wrong goes to standard error. Ctrl-C ends it.\n\n"
-        "  routeradvt serve office.yaml --socket /run/routeradvt.sock\n"
-        "  routeradvt mirror /run/routeradvt.sock --follow");
-    return app;
+  CommandText text() const override {
+    return {"serve", "hold a configuration file as live trees that other processes mirror",
+            "Serves two trees: the configuration, and a status. The status holds the kernel's files in "
+            "/proc/sys/net/ipv6/conf and /proc/sys/net/ipv6/neigh for each configured interface that this machine has. "
+            "The file is read again when it changes; only the differences are applied. A file with an error changes "
+            "nothing, and its errors go to standard error. Ctrl-C ends it.\n\n"
+            "  routeradvt serve office.yaml --socket /run/routeradvt.sock\n"
+            "  routeradvt mirror /run/routeradvt.sock --follow"};
+  }
+
+  void addTo(Options& options) override {
+    options.argument("FILE", fileName_, "file", "configuration file");
+    options.name("--socket", "PATH", socketPath_, "socket", "Unix socket to listen on", Need::required);
+    options.number("--poll", "SECONDS", poll_, {0.01, 1e6},
+                   "time between two readings of the kernel's files; default 5 seconds");
   }
 
   void run(Console& console) override {

@@ -3,10 +3,8 @@
 #include <programs/common/config/Warnings.h>
 #include <programs/common/trees/EntityPrinter.h>
 #include <programs/common/trees/ReflectedJson.h>
-#include <programs/routeradvt/cli/ValueOption.h>
+#include <programs/routeradvt/cli/Options.h>
 #include <programs/routeradvt/commands/Commands.h>
-
-#include <CLI/CLI.hpp>
 
 #include <ostream>
 #include <set>
@@ -20,18 +18,19 @@ constexpr Net::EthAddr placeholderMac = Net::EthAddr::fromBytes(std::array<Fwk::
 
 class ShowCommand final : public Command {
  public:
-  CLI::App& addTo(CLI::App& program) override {
-    CLI::App& app = *program.add_subcommand("show", "show what a configuration file means, and what of it is odd");
-    namesA("file", app.add_option("FILE", fileName_, "configuration file; - is standard input"))->required();
-    namesA("interface", app.add_option("INTF", intf_, "only this interface"));
-    app.add_flag("--json", json_, "one JSON object");
-    app.footer(
-        "Everything that can be configured is shown, defaults too. 'effective' is what the model makes of a\n"
-        "value, with the prefix's profile applied. Warnings are about what is not sent as it is written, or\n"
-        "is not heeded by receivers.\n\n"
-        "  routeradvt show office.yaml\n"
-        "  routeradvt show office.yaml Ethernet1");
-    return app;
+  CommandText text() const override {
+    return {"show", "show the effective configuration and warn about mistakes",
+            "Shows every attribute that can be configured, those with their default included. 'effective' is the value "
+            "that the model computes from the configured one, with the prefix's profile applied. Warnings name values "
+            "that are not sent as the file has them, or that receivers ignore.\n\n"
+            "  routeradvt show office.yaml\n"
+            "  routeradvt show office.yaml Ethernet1"};
+  }
+
+  void addTo(Options& options) override {
+    options.argument("FILE", fileName_, "file", "configuration file; - is standard input");
+    options.argument("INTF", intf_, "interface", "show this interface only", Need::optional);
+    options.flag("--json", json_, "print one JSON object");
   }
 
   void run(Console& console) override {

@@ -2,10 +2,8 @@
 #include <programs/common/text/NearestName.h>
 #include <programs/common/text/Table.h>
 #include <programs/common/text/Text.h>
-#include <programs/routeradvt/cli/ValueOption.h>
+#include <programs/routeradvt/cli/Options.h>
 #include <programs/routeradvt/commands/Commands.h>
-
-#include <CLI/CLI.hpp>
 
 #include <ostream>
 
@@ -56,15 +54,16 @@ void addRows(Table& table, std::span<AttributeRecord const> attributes) {
 
 class TypesCommand final : public Command {
  public:
-  CLI::App& addTo(CLI::App& program) override {
-    CLI::App& app = *program.add_subcommand("types", "list the model's types, or the attributes of one");
-    namesA("type", app.add_option("NAME", name_, "type, with or without its namespace"));
-    app.footer(
-        "A configuration file sets what is 'settable', and the members of collections that are configured;\n"
-        "it begins with the type Config. Numbers are those under which the model reflects and notifies.\n\n"
-        "  routeradvt types\n"
-        "  routeradvt types IntfConfig");
-    return app;
+  CommandText text() const override {
+    return {"types", "list the model's types, or the attributes of one type",
+            "A configuration file can set the 'settable' attributes and the members of collections; its section config "
+            "has the attributes of the type Config. The numbers are those of reflection and of notifications.\n\n"
+            "  routeradvt types\n"
+            "  routeradvt types IntfConfig"};
+  }
+
+  void addTo(Options& options) override {
+    options.argument("NAME", name_, "type", "type, with or without its namespace", Need::optional);
   }
 
   void run(Console& console) override {

@@ -9,6 +9,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <ostream>
@@ -34,6 +35,17 @@ Outcome run(std::vector<std::string> const& arguments) {
   ExitStatus const status = runProgram(makeCommands(), arguments, {out, err});
   return {status, out.str(), err.str()};
 }
+
+/// The help of a command, or with an empty name of the program.
+std::string helpOf(std::string const& command, unsigned columns) {
+  std::ostringstream out, err;
+  std::vector<std::string> arguments{"--help"};
+  if (!command.empty()) arguments.insert(arguments.begin(), command);
+  runProgram(makeCommands(), arguments, {out, err, columns});
+  return out.str();
+}
+
+std::string wideHelp(std::string const& command) { return helpOf(command, 1000); }
 
 /// A configuration file that lives as long as this.
 class TemporaryFile {
@@ -113,7 +125,7 @@ TEST_P(ProgramUsage, ErrorHasItsExitStatus) {
 }
 TEST_P(ProgramUsage, ErrorBeginsWithTheProgramAndEndsWithItsHelp) {
   EXPECT_THAT(run(GetParam().arguments).err,
-              testing::MatchesRegex("routeradvt: [^\n]+\n'routeradvt( [a-z]+)? --help' tells what is possible\n"));
+              testing::MatchesRegex("routeradvt: [^\n]+\nsee 'routeradvt( [a-z]+)? --help'\n"));
 }
 UsageRow const usageRows[] = {
     {"NoCommand", {}, "a command is required, one of build, send, "},
@@ -127,15 +139,13 @@ UsageRow const usageRows[] = {
     {"UnknownOptionInPlaceOfARequiredOne", {"send", "a", "b", "--vai", "c"}, "\"--vai\"; did you mean --via?"},
     {"UnknownOptionBeforeTheCommand", {"--jsn", "show"}, "there is no option \"--jsn\"; "},
     {"OptionBeforeItsCommand", {"--json", "show", "x"}, "\"--json\" is an option of show, and goes behind it\n"},
-    {"FlagWithAValue", {"build", "x", "y", "--death=maybe"}, "--death = maybe: no value is meant\n"},
+    {"FlagWithAValue", {"build", "x", "y", "--death=maybe"}, "--death = maybe: the option takes no value\n"},
     {"SortByNothingKnown", {"neighbors", "--sort", "x"}, "--sort: \"x\" is neither intf nor age\n"},
     {"UnknownShortOption", {"show", "x", "-j"}, "there is no option \"-j\"; "},
-    {"OneArgumentTooMany", {"build", "a", "b", "c", "d"}, "routeradvt: \"c\" is one argument too many\n"},
-    {"OneArgumentTooManyBehindTheDashes",
-     {"build", "a", "b", "--", "c"},
-     "routeradvt: \"c\" is one argument too many\n"},
-    {"OptionWithoutItsValue", {"build", "a", "b", "--mtu"}, "--mtu: one value is meant, and the option once"},
-    {"OptionTwice", {"build", "a", "b", "--mtu", "90", "--mtu", "91"}, "--mtu: one value is meant"},
+    {"UnexpectedArgument", {"build", "a", "b", "c", "d"}, "routeradvt: unexpected argument \"c\"\n"},
+    {"UnexpectedArgumentBehindTheDashes", {"build", "a", "b", "--", "c"}, "routeradvt: unexpected argument \"c\"\n"},
+    {"OptionWithoutItsValue", {"build", "a", "b", "--mtu"}, "--mtu: expected one value, and the option only once"},
+    {"OptionTwice", {"build", "a", "b", "--mtu", "90", "--mtu", "91"}, "--mtu: expected one value"},
     {"NoFile", {"build"}, "FILE is required"},
     {"NoInterface", {"build", "x.yaml"}, "INTF is required"},
     {"NoDevice", {"send", "x.yaml", "E1"}, "--via is required"},
@@ -149,10 +159,10 @@ UsageRow const usageRows[] = {
      "--src-mac: 01:00:00:00:00:00 is a group address"},
     {"MtuTooSmall",
      {"build", "x", "y", "--mtu", "85"},
-     "--mtu: \"85\" is out of range; a whole number from 86 to 2147483647 is meant"},
+     "--mtu: \"85\" is out of range; expected a whole number from 86 to 2147483647"},
     {"MtuTooLarge",
      {"build", "x", "y", "--mtu", "2147483648"},
-     "--mtu: \"2147483648\" is out of range; a whole number from 86 to 2147483647 is meant"},
+     "--mtu: \"2147483648\" is out of range; expected a whole number from 86 to 2147483647"},
     {"MtuNoNumber", {"build", "x", "y", "--mtu", "abc"}, "--mtu: \"abc\" is not a whole number from 86 to 2147483647"},
     {"MtuNotWhole", {"build", "x", "y", "--mtu", "1500.5"}, "--mtu: \"1500.5\" is not a whole number"},
     {"BadTraceLevels", {"build", "x", "y", "--trace", "E/99"}, "--trace"},
@@ -162,7 +172,7 @@ UsageRow const usageRows[] = {
     {"EmptyIntf", {"parse", "x", "--intf", ""}, "--intf: the empty name stands for no interface"},
     {"IntervalTooShort",
      {"send", "x", "y", "--via", "z", "--interval", "0"},
-     "--interval: \"0\" is out of range; a number from 0.001 to 1000000 is meant"},
+     "--interval: \"0\" is out of range; expected a number from 0.001 to 1000000"},
     {"IntervalTooLong",
      {"send", "x", "y", "--via", "z", "--interval", "1000000.5"},
      "--interval: \"1000000.5\" is out"},
@@ -175,13 +185,13 @@ UsageRow const usageRows[] = {
     {"BadCount", {"send", "x", "y", "--via", "z", "--count", "-1"}, "--count: \"-1\" is not a whole number from 0 on"},
     {"CountThatNothingHolds",
      {"send", "x", "y", "--via", "z", "--count", "99999999999999999999"},
-     "--count: \"99999999999999999999\" is out of range; a whole number from 0 on is meant"},
+     "--count: \"99999999999999999999\" is out of range; expected a whole number from 0 on"},
     {"ListenToNothing",
      {"listen", "z", "--count", "0"},
-     "--count: \"0\" is out of range; a whole number from 1 on is meant"},
+     "--count: \"0\" is out of range; expected a whole number from 1 on"},
     {"ListenCountThatNothingHolds",
      {"listen", "z", "--count", "99999999999999999999"},
-     "--count: \"99999999999999999999\" is out of range; a whole number from 1 on is meant"},
+     "--count: \"99999999999999999999\" is out of range; expected a whole number from 1 on"},
     {"ListenForNan", {"listen", "z", "--for", "nan"}, "--for: \"nan\" is not a number from 0 to 1000000000"},
     {"ListenForNothing", {"listen", "z", "--for", ""}, "--for: \"\" is not a number from 0 to 1000000000"},
     {"PollNan",
@@ -190,7 +200,7 @@ UsageRow const usageRows[] = {
     {"PollInfinite", {"serve", "x", "--socket", "y", "--poll", "inf"}, "--poll: \"inf\" is not a number"},
     {"PollOfNoTime",
      {"serve", "x", "--socket", "y", "--poll", "0"},
-     "--poll: \"0\" is out of range; a number from 0.01"},
+     "--poll: \"0\" is out of range; expected a number from 0.01"},
     {"PollBackwards", {"serve", "x", "--socket", "y", "--poll", "-5"}, "--poll: \"-5\" is out of range"},
     {"PollTooLong", {"serve", "x", "--socket", "y", "--poll", "1e300"}, "--poll: \"1e300\" is out of range"},
     {"PollEmpty", {"serve", "x", "--socket", "y", "--poll", ""}, "--poll: \"\" is not a number"},
@@ -212,26 +222,52 @@ UsageRow const usageRows[] = {
      "--intf: \"" + std::string(32, 'x') + "\" is not an interface name of at most 31 octets"},
     {"NeighborsOfTheEmptyOwner", {"neighbors", "--owner", ""}, "--owner: the empty name stands for no user"},
     {"TheEmptyType", {"types", ""}, "NAME: the empty name stands for no type"},
-    {"ListenBackwards", {"listen", "z", "--for", "-1"}, "--for: \"-1\" is out of range; a number from 0"},
+    {"ListenBackwards", {"listen", "z", "--for", "-1"}, "--for: \"-1\" is out of range; expected a number from 0"},
 };
 INSTANTIATE_TEST_SUITE_P(Row, ProgramUsage, testing::ValuesIn(usageRows));
 
-TEST(SendCommand, HelpSaysWhatTheDeviceGives) {
-  EXPECT_THAT(run({"send", "--help"}).out,
-              AllOf(ContainsRegex("--src ADDR .*link-local address, else that of DEV, else the one\n"),
-                    ContainsRegex("--src-mac MAC .*; else the link's mac, else that of DEV\n"),
-                    ContainsRegex("--mtu OCTETS .*; else the link's, else that of DEV \\(86 or more\\)\n"),
-                    HasSubstr("else 1; with --interval, until Ctrl-C (0 or more)\n")));
+TEST(SendCommand, HelpNamesTheValuesOfTheDevice) {
+  EXPECT_THAT(wideHelp("send"),
+              AllOf(ContainsRegex("--src ADDR .*link-local address, else that of DEV, else the one made from"),
+                    ContainsRegex("--src-mac MAC .*; default: the link's mac, else that of DEV\n"),
+                    ContainsRegex("--mtu OCTETS .*; default: the link's, else that of DEV \\(86 or more\\)\n"),
+                    HasSubstr("default 1, with --interval 0 (0 or more)\n")));
 }
 
 TEST(BuildCommand, HelpKnowsNoDevice) {
-  EXPECT_THAT(run({"build", "--help"}).out,
-              AllOf(testing::Not(HasSubstr("DEV")), HasSubstr("else 1500 (86 or more)\n")));
+  EXPECT_THAT(wideHelp("build"), AllOf(testing::Not(HasSubstr("DEV")), HasSubstr("else 1500 (86 or more)\n")));
 }
 
-TEST(ProgramHelp, SaysWhatANumberMayBe) {
-  EXPECT_THAT(run({"listen", "--help"}).out,
+TEST(ProgramHelp, NamesTheBoundsOfANumber) {
+  EXPECT_THAT(wideHelp("listen"),
               AllOf(HasSubstr("advertisements (1 or more)\n"), HasSubstr("end after that time (0 to 1000000000)\n")));
+}
+
+std::size_t longestLine(std::string const& text) {
+  std::istringstream lines(text);
+  std::size_t longest = 0;
+  for (std::string line; std::getline(lines, line);) longest = std::max(longest, line.size());
+  return longest;
+}
+
+class ProgramHelpAtWidth : public testing::TestWithParam<unsigned> {};
+TEST_P(ProgramHelpAtWidth, HasNoLongerLine) {
+  for (std::string const name : {"", "build", "listen", "serve", "types"}) {
+    std::string help = helpOf(name, GetParam());
+    help = help.substr(0, help.find("\n  routeradvt "));  // examples stay as they are
+    EXPECT_LE(longestLine(help), GetParam()) << help;
+    EXPECT_GE(longestLine(help), GetParam() - 12) << help;
+  }
+}
+INSTANTIATE_TEST_SUITE_P(Columns, ProgramHelpAtWidth, testing::Values(60, 80, 90));
+
+TEST(ProgramHelp, FoldedTextStartsBelowTheTextAbove) {
+  EXPECT_THAT(helpOf("listen", 60), HasSubstr("\n  --count N             end after that many valid\n"
+                                              "                        advertisements (1 or more)\n"));
+}
+
+TEST(ProgramHelp, KeepsTheLinesOfExamples) {
+  EXPECT_THAT(helpOf("build", 30), HasSubstr("\n  routeradvt build office.yaml Ethernet1 --write ra.pcap\n"));
 }
 
 TEST(Program, AFileThatCannotBeReadFails) {
@@ -278,7 +314,7 @@ TEST(BuildCommand, ADestinationThatIsNoGroupNeedsItsMac) {
   EXPECT_EQ(outcome.status, ExitStatus::usage);
   EXPECT_EQ(outcome.err,
             "routeradvt: --dst-mac is needed: fe80::9 is not multicast, so its MAC address is not known\n"
-            "'routeradvt build --help' tells what is possible\n");
+            "see 'routeradvt build --help'\n");
 }
 
 TEST(BuildCommand, OptionsReachTheFrame) {
