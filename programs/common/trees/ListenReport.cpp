@@ -1,6 +1,7 @@
 #include <RouterPlatform/Fwk/ObjectRef.h>
 #include <programs/common/text/Text.h>
 #include <programs/common/trees/ListenReport.h>
+#include <programs/common/trees/RecordView.h>
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <programs/common/trees/ReflectedJson.h>
 #include <programs/common/trees/RouterWatch.h>
 
 #include <chrono>

@@ -2,6 +2,8 @@
 #include <programs/common/text/Text.h>
 #include <programs/common/trees/NeighborReport.h>
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <cmath>
 #include <compare>

@@ -2,6 +2,8 @@
 
 #include <programs/common/trees/ReflectedJson.h>
 
+#include <nlohmann/json.hpp>
+
 #include <string>
 #include <vector>
 

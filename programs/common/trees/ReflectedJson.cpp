@@ -2,6 +2,8 @@
 #include <RouterPlatform/Fwk/ObjectRef.h>
 #include <programs/common/trees/ReflectedJson.h>
 
+#include <nlohmann/json.hpp>
+
 #include <cstdlib>
 
 namespace Tool {

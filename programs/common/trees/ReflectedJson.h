@@ -2,13 +2,13 @@
 
 #include <RouterPlatform/Fwk/TypeRecord.h>
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include <string>
 
 namespace Tool {
 
-/// Objects keep the order in which they were filled.
+/// Objects keep the order in which they were filled. A source that makes one includes nlohmann/json.hpp.
 using Json = nlohmann::ordered_json;
 
 /// An entity or a value record as an object: attributes under their model names, base attributes and constants left

@@ -1,5 +1,6 @@
 #include <Ipv6RouterAdvt/RouterAdvt/Factories.h>
 #include <RouterPlatform/Fwk/ObjectRef.h>
+#include <programs/common/trees/RecordView.h>
 #include <programs/common/trees/RouterWatch.h>
 
 #include <utility>
@@ -18,6 +19,8 @@ RouterWatch::RouterWatch(Net::IntfId const& intfId, Observer& observer)
       routers_(neighbors_->neighborIs(intfId)),
       packetsSubscription_(observe(packets_, [this](Fwk::Notification const& n) { onPacket(n); })),
       routersSubscription_(observe(routers_, [this](Fwk::Notification const& n) { onRouters(n); })) {}
+
+RouterWatch::~RouterWatch() = default;
 
 bool RouterWatch::hear(RaPacket const& packet) {
   Ip6Addr const router = packet.srcIp6Addr();

@@ -3,12 +3,15 @@
 #include <Ipv6RouterAdvt/RouterAdvt/RaPacketStatus.h>
 #include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborStatus.h>
 #include <RouterPlatform/Fwk/Observe.h>
-#include <programs/common/trees/RecordView.h>
 
 #include <functional>
 #include <map>
+#include <vector>
 
 namespace Tool {
+
+struct RecordChange;
+struct RecordValue;
 
 /// Keeps what the routers of one link advertise in the status entities, and tells what changes by observing them.
 class RouterWatch {
@@ -31,6 +34,9 @@ class RouterWatch {
   static constexpr Fwk::U32 routersMax = 1000;
 
   RouterWatch(Net::IntfId const& intfId, Observer& observer);
+  ~RouterWatch();
+  RouterWatch(RouterWatch const&) = delete;
+  RouterWatch& operator=(RouterWatch const&) = delete;
 
   /// An advertisement that was found valid. False: it is passed over, being of one router too many.
   bool hear(RouterAdvt::RaPacket const& packet);

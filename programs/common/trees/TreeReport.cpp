@@ -3,6 +3,8 @@
 #include <programs/common/trees/EntityPrinter.h>
 #include <programs/common/trees/TreeReport.h>
 
+#include <nlohmann/json.hpp>
+
 namespace Tool {
 
 namespace {

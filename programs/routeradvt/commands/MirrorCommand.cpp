@@ -6,6 +6,7 @@
 #include <programs/routeradvt/commands/Commands.h>
 
 #include <asio/signal_set.hpp>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <ostream>

@@ -3,6 +3,8 @@
 #include <programs/routeradvt/cli/Options.h>
 #include <programs/routeradvt/commands/Commands.h>
 
+#include <nlohmann/json.hpp>
+
 #include <pwd.h>
 
 #include <chrono>

@@ -6,6 +6,8 @@
 #include <programs/routeradvt/cli/Options.h>
 #include <programs/routeradvt/commands/Commands.h>
 
+#include <nlohmann/json.hpp>
+
 #include <ostream>
 #include <set>
 

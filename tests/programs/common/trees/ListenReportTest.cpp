@@ -1,4 +1,5 @@
 #include <programs/common/trees/ListenReport.h>
+#include <programs/common/trees/RecordView.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 #include <stdlib.h>
+#include <nlohmann/json.hpp>
 
 #include <chrono>
 #include <filesystem>

@@ -1,4 +1,5 @@
 #include <RouterPlatform/Fwk/ObjectRef.h>
+#include <programs/common/trees/RecordView.h>
 #include <programs/common/trees/RouterWatch.h>
 
 #include <gmock/gmock.h>
