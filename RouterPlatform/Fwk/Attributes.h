@@ -134,11 +134,12 @@ constexpr AttributeRecord unreflected(char const* name) {
 
 /// A keyed collection: `member` points to the data member, whose type says what kind of collection it is.
 template <auto member>
-constexpr AttributeRecord collection(char const* name) {
+constexpr AttributeRecord collection(char const* name, MemberOrder memberOrder = MemberOrder::counts) {
   using Operations = detail::CollectionOperations<typename detail::MemberPointer<decltype(member)>::Type, member>;
   AttributeRecord record;
   record.name = name;
   record.kind = AttributeKind::collection;
+  record.memberOrder = memberOrder;
   record.collection = &Operations::record;
   record.typeName =
       Operations::record.memberTypeName[0] ? Operations::record.memberTypeName : Operations::record.keyTypeName;

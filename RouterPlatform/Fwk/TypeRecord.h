@@ -32,6 +32,12 @@ enum class AttributeKind : U8 {
 /// The kind's name, in words.
 ROUTER_PLATFORM_EXPORT char const* attributeKindName(AttributeKind kind) noexcept;
 
+/// Whether the order of a collection's members means something.
+enum class MemberOrder : U8 {
+  counts,     ///< it is advertised, or it says which member is preferred
+  arbitrary,  ///< members are found by key: `assignTree` and mirrors leave those that are there in place
+};
+
 /// The operations of a single owned child, made by name. `object` is the holder.
 struct ChildRecord {
   char const* typeName;
@@ -48,7 +54,8 @@ struct AttributeRecord {
   AttributeKind kind = AttributeKind::scalar;
   char const* typeName = "";  ///< registered name; of a collection: of its members
   ValueKind valueKind = ValueKind::none;
-  bool reflected = true;  ///< false: it has its number and nothing else
+  bool reflected = true;                          ///< false: it has its number and nothing else
+  MemberOrder memberOrder = MemberOrder::counts;  ///< collections only
 
   void (*append)(void const* object, std::string& out) = nullptr;                        ///< null: not readable as text
   ReflectionResult (*set)(void* object, std::string_view text) = nullptr;                ///< null: not settable

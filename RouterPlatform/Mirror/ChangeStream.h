@@ -109,20 +109,18 @@ struct ReadError {
   explicit operator bool() const noexcept { return kind != ReadErrorKind::none; }
 };
 
-using AttributePredicate = std::function<bool(AttributeRecord const&)>;
-
 /// What a reader takes, and how it takes it.
 struct ReaderOptions {
   /// Octets of a record that are waited for; a writer's records are as large as the values in them.
   std::size_t maxRecordSize = std::size_t{16} << 20;
-  /// Whether the order of a collection's members carries nothing. A snapshot then leaves those that are there where
-  /// they are and adds others at the end; otherwise members stand in the order of the source. Empty: every order
-  /// counts.
-  AttributePredicate anyOrder = {};
 };
 
 /// Applies a stream to a mirror: trees that nobody else changes. Setters and collections of the mirror notify as ever,
-/// and only of differences, also when a snapshot meets a mirror that has something already.
+/// and only of differences, also when a snapshot meets a mirror that has something already. In collections of arbitrary
+/// order (`AttributeRecord::memberOrder`) such a snapshot leaves the members that are there in place.
+///
+/// A new member is notified before it is filled: its observer sees defaults. An observer marks; act on the mark when
+/// `feed` has returned. `TreeObserver` does both.
 ///
 /// Any octets may come: they end in an error or in a mirror that is sound, in memory proportional to their number.
 class ROUTER_PLATFORM_EXPORT Reader {

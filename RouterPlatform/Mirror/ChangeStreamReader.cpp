@@ -23,12 +23,11 @@ void require(bool wellFormed, char const* what) {
   if (!wellFormed) throw Failure{ReadErrorKind::malformed, what};
 }
 
-/// What a snapshot has not mentioned yet of an attribute that held something before it came.
+/// Members that existed before the snapshot and that it has not named yet.
 struct Unmentioned {
   AttributeRecord const* attr;
-  std::unique_ptr<StreamWalk> members;  ///< the first one that was not mentioned; null: a child
-  bool anyOrder = false;                ///< `members` stays at the start, and what was mentioned is in `mentioned`
-  std::set<String, std::less<>> mentioned = {};
+  std::unique_ptr<StreamWalk> members;           ///< null: a child; in arbitrary order it stays at the first member
+  std::set<String, std::less<>> mentioned = {};  ///< keys that were named, in arbitrary order
 };
 
 /// An entity that records are about.
@@ -262,8 +261,7 @@ class Reader::Impl {
       if (attr.child) {
         if (attr.child->get(objectOf(frame))) frame.unmentioned.push_back({&attr, nullptr});
       } else if (attr.collection->size(objectOf(frame)) > 0) {
-        bool const anyOrder = options_.anyOrder && options_.anyOrder(attr);
-        frame.unmentioned.push_back({&attr, attr.collection->stream->walk(objectOf(frame)), anyOrder});
+        frame.unmentioned.push_back({&attr, attr.collection->stream->walk(objectOf(frame))});
       }
     }
   }
@@ -383,7 +381,7 @@ class Reader::Impl {
   }
 
   void mention(Frame const& frame, Unmentioned& left, std::span<U8 const> key) {
-    if (left.anyOrder) {
+    if (left.attr->memberOrder == MemberOrder::arbitrary) {
       left.mentioned.emplace(textOf(key));
       return;
     }

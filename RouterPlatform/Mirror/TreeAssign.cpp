@@ -5,14 +5,12 @@
 
 namespace Fwk {
 
-void assignTree(Ptr<Entity> const& from, Ptr<Entity> const& to, ChangeStream::AttributePredicate const& anyOrder) {
+void assignTree(Ptr<Entity> const& from, Ptr<Entity> const& to) {
   // What a mirror does when a snapshot meets something that it has already, without another process.
   constexpr std::size_t chunkSize = 65536;
   if (&from->fwkType() != &to->fwkType()) throw std::invalid_argument("trees of two types");
   ChangeStream::Writer writer(from);
-  ChangeStream::ReaderOptions options;
-  options.anyOrder = anyOrder;
-  ChangeStream::Reader reader(to, options);
+  ChangeStream::Reader reader(to);
   Octets chunk;
   while (writer.pending()) {
     chunk.clear();

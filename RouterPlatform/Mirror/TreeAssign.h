@@ -1,22 +1,22 @@
 #pragma once
 
 #include <RouterPlatform/Fwk/Entity.h>
-#include <RouterPlatform/Mirror/ChangeStream.h>
 
 namespace Fwk {
 
-/// Changes `to` and all below it until they say what `from` and all below it say. Only differences are set, so the
-/// observers of `to` hear of nothing else. Both are of one type; their own keys may differ. What is assigned are the
-/// attributes that type records call streamed: scalars that can be set, collections, children.
+/// Changes `to` and everything below it until they equal `from` and everything below that. Only differences are set, so
+/// the observers of `to` hear of nothing else. Both are of one type; their own keys may differ. Attributes that type
+/// records call streamed are assigned: scalars that can be set, collections, children.
 ///
-/// Members end up in the order in which `from` has them. A collection adds at its end only: a member that has to stand
-/// behind another one than it does is taken out and made again, and so are those behind a place where one comes in.
-/// Where order carries nothing, which `anyOrder` says of a collection's attribute, those that are there stay where they
-/// are and others are added at the end.
+/// Where the order of members counts (`AttributeRecord::memberOrder`), they end up in the order of `from`. A collection
+/// adds at its end only, so a new member in the middle makes those behind it leave and come again: they are removed,
+/// made anew and notified. Where order is arbitrary, members that are there stay, and new ones come last.
 ///
-/// Throws std::invalid_argument for two types, std::bad_alloc, and what the setters of `to` throw as
-/// std::runtime_error; `to` is then somewhere in between. Thread rule: that of the trees.
-ROUTER_PLATFORM_EXPORT void assignTree(Ptr<Entity> const& from, Ptr<Entity> const& to,
-                                       ChangeStream::AttributePredicate const& anyOrder = {});
+/// A new member is notified before it is filled: its observer sees defaults. An observer marks; act on the mark when
+/// `assignTree` has returned. `TreeObserver` does both.
+///
+/// Throws std::invalid_argument for two types, std::bad_alloc, and std::runtime_error for whatever the setters of `to`
+/// throw; `to` is then partly assigned. Thread rule: that of the trees.
+ROUTER_PLATFORM_EXPORT void assignTree(Ptr<Entity> const& from, Ptr<Entity> const& to);
 
 }  // namespace Fwk

@@ -15,12 +15,6 @@ namespace {
 // So many directories are read in some milliseconds.
 constexpr int interfacesAtOnce = 100;
 
-/// What belongs together is found by name in these; where they stand says nothing. Elsewhere order is advertised.
-bool comesInAnyOrder(Fwk::AttributeRecord const& attr) {
-  std::string_view const name = attr.name;
-  return name == "intf" || name == "prefixProfiles";
-}
-
 void tell(std::ostream& err, ConfigFile const& file) {
   for (Diagnostic const& error : file.errors) err << diagnosticLine(file.name, error) << '\n';
   for (Diagnostic const& warning : file.warnings) err << diagnosticLine(file.name, warning, "warning: ") << '\n';
@@ -54,7 +48,7 @@ ServedModel::Reload ServedModel::reload(std::ostream& err) {
   }
   tell(err, file);
   if (!file) return Reload::refused;
-  Fwk::assignTree(file.config, config_, comesInAnyOrder);
+  Fwk::assignTree(file.config, config_);
   applyInterfaces();
   return Reload::applied;
 }

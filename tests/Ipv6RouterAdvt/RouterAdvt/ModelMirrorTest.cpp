@@ -2,6 +2,7 @@
 #include <RouterPlatform/Fwk/Observe.h>
 #include <RouterPlatform/Fwk/TypeRegistry.h>
 #include <RouterPlatform/Mirror/ChangeStream.h>
+#include <RouterPlatform/Mirror/TreeAssign.h>
 #include <tests/Ipv6RouterAdvt/Support/TreeMutator.h>
 #include <tests/RouterPlatform/Mirror/StreamText.h>
 #include <tests/RouterPlatform/Mirror/TreeText.h>
@@ -222,6 +223,36 @@ TEST(ModelMirror, EverySettableAttributeAndEveryCollectionAndChildOfAnEntityIsSt
     }
   }
   EXPECT_GT(streamed, 40);
+}
+
+TEST(ModelMirror, AnInterfaceThatIsConfiguredInFrontTakesNoOtherOut) {
+  auto const configured = [](std::initializer_list<char const*> intfs) {
+    auto config = RouterAdvt::configFactory("ra");
+    for (char const* const intf : intfs) config->intfIs(intf)->raLifetimeIs(600);
+    return config;
+  };
+  auto const live = configured({"E1", "E2"});
+  std::vector<std::string> heard;
+  auto const observing = Fwk::observe(live, [&](Fwk::Notification const& n) {
+    heard.push_back(n.key.change() == Fwk::MemberChange::removed ? "-" : "+");
+    n.key.appendTo(heard.back());
+  });
+  Fwk::assignTree(configured({"E0", "E1", "E2"}), live);
+  EXPECT_THAT(heard, testing::ElementsAre("+E0"));
+}
+
+TEST(ModelMirror, OrderIsArbitraryWhereMembersAreFoundByInterfaceOrName) {
+  std::vector<std::string> arbitrary;
+  for (Fwk::TypeRecord const* const type : Fwk::typeRegistry().types())
+    for (Fwk::AttributeRecord const& attr : type->attributes)
+      if (attr.memberOrder == Fwk::MemberOrder::arbitrary)
+        arbitrary.push_back(type->name + std::string("::") + attr.name);
+  EXPECT_THAT(arbitrary,
+              testing::UnorderedElementsAre(
+                  "RouterAdvt::Config::intf", "RouterAdvt::Config::prefixProfiles", "RouterAdvt::Status::intf",
+                  "RouterAdvt::RaPacketStatus::raPacket", "RouterAdvt::RouterNeighborStatus::routerNeighbor",
+                  "RouterAdvt::RouterNeighborStatus::neighbor",
+                  "RouterAdvt::ProcFileDirDataSet::fileData"));
 }
 
 TEST(ModelMirror, ARootIsMadeOfAnyTypeThatHasSomethingToMirror) {

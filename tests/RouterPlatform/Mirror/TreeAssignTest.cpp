@@ -1,5 +1,4 @@
 #include <RouterPlatform/Fwk/Observe.h>
-#include <RouterPlatform/Mirror/ChangeStream.h>
 #include <RouterPlatform/Mirror/TreeAssign.h>
 #include <tests/RouterPlatform/Fwk/TestModel.h>
 
@@ -12,6 +11,29 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using TestModel::Box;
 using TestModel::Port;
+
+/// Holds boxes in arbitrary order.
+class Cellar final : public Fwk::Entity {
+ public:
+  static constexpr Fwk::AttrId boxesAttr = Fwk::firstOwnAttr;
+  explicit Cellar(Fwk::Name name) : name_(name) {}
+  Fwk::Name name() const override { return name_; }
+  Fwk::EntityCollection<Fwk::Name, Box> boxes{*this, boxesAttr};
+
+  static constexpr char const* fwkTypeName = "TreeAssignTest::Cellar";
+  static Fwk::TypeRecord const& typeRecord() {
+    static constinit Fwk::LiveCount live;
+    static constexpr auto attrs =
+        Fwk::attributes<Cellar>(Fwk::collection<&Cellar::boxes>("boxes", Fwk::MemberOrder::arbitrary));
+    static constexpr Fwk::TypeRecord record = Fwk::entityRecord<Cellar, Fwk::Name>(attrs, live);
+    return record;
+  }
+  Fwk::TypeRecord const& fwkType() const override { return typeRecord(); }
+
+ private:
+  ~Cellar() override = default;
+  Fwk::Name name_;
+};
 
 struct TreeAssign : testing::Test {
   Ptr<Box> const from = Fwk::create<Box>("from");
@@ -99,28 +121,27 @@ TEST_F(TreeAssign, WhatComesIntoTheMiddleTakesThoseBehindItWithIt) {
   EXPECT_THAT(portsOf(*to), ElementsAre("a", "b", "c", "d"));
 }
 
-TEST_F(TreeAssign, WhereAnyOrderWillDoWhatIsThereStaysAndTheRestComesLast) {
-  portsIs(*to, {"a", "b", "c"});
-  portsIs(*from, {"x", "c", "a", "y"});
-  Ptr<Port> const port = to->ports("c");
-  from->ports("c")->speedIs(5);
-  auto const ofPorts = [](Fwk::AttributeRecord const& attr) { return attr.name == std::string_view("ports"); };
-  heard.clear();
-  Fwk::assignTree(from, to, ofPorts);
-  EXPECT_THAT(std::exchange(heard, {}), ElementsAre("ports+x", "ports+y", "ports-b"));
-  EXPECT_THAT(portsOf(*to), ElementsAre("a", "c", "x", "y"));
-  EXPECT_EQ(to->ports("c"), port);
-  EXPECT_EQ(port->speed(), 5u);
-  Fwk::assignTree(from, to, ofPorts);
-  EXPECT_THAT(heard, IsEmpty());
-}
-
-TEST_F(TreeAssign, AnyOrderOfOneCollectionIsNoneOfAnother) {
-  for (char const* const key : {"a", "b"}) to->labelsIs(key, "1");
-  for (char const* const key : {"b", "a"}) from->labelsIs(key, "1");
-  heard.clear();
-  Fwk::assignTree(from, to, [](Fwk::AttributeRecord const& attr) { return attr.name == std::string_view("ports"); });
-  EXPECT_THAT(heard, ElementsAre("labels-a", "labels+a"));
+TEST_F(TreeAssign, InArbitraryOrderMembersStayAndNewOnesComeLast) {
+  auto const fromCellar = Fwk::create<Cellar>("from");
+  auto const toCellar = Fwk::create<Cellar>("to");
+  for (char const* const key : {"a", "b", "c"}) toCellar->boxes.memberIs(key);
+  for (char const* const key : {"x", "c", "a", "y"}) fromCellar->boxes.memberIs(key);
+  fromCellar->boxes.member("c")->numberIs(5);
+  Ptr<Box> const box = toCellar->boxes.member("c");
+  std::vector<std::string> told;
+  auto const observingCellar = Fwk::observe(toCellar, [&](Fwk::Notification const& n) {
+    told.push_back(n.key.change() == Fwk::MemberChange::removed ? "-" : "+");
+    n.key.appendTo(told.back());
+  });
+  Fwk::assignTree(fromCellar, toCellar);
+  EXPECT_THAT(std::exchange(told, {}), ElementsAre("+x", "+y", "-b"));
+  std::vector<std::string> keys;
+  for (auto const& [key, member] : toCellar->boxes) keys.push_back(key.toString());
+  EXPECT_THAT(keys, ElementsAre("a", "c", "x", "y"));
+  EXPECT_EQ(toCellar->boxes.member("c"), box);
+  EXPECT_EQ(box->number(), 5u);
+  Fwk::assignTree(fromCellar, toCellar);
+  EXPECT_THAT(told, IsEmpty());
 }
 
 TEST_F(TreeAssign, ReplacesValuesInPlace) {

@@ -3,25 +3,31 @@
 #include <RouterPlatform/Fwk/Entity.h>
 #include <RouterPlatform/Fwk/Reflection.h>
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
-/// A tree as text, to compare trees by: everything that reflection shows, in order, by plain text alone.
+/// A tree as text, to compare trees by: everything that reflection shows, by plain text alone. Members stand in order
+/// where it counts, otherwise sorted.
 namespace TreeText {
 
 inline void appendAttributes(std::string& out, Fwk::ConstObjectRef object);
 
 inline void appendMembers(std::string& out, Fwk::ConstObjectRef object, Fwk::AttributeRecord const& attr) {
+  std::vector<std::string> members;
   attr.collection->forEach(object.object, [&](Fwk::MemberRef const& member) {
-    (out += member.key) += "=>";
+    std::string& text = members.emplace_back(member.key + "=>");
     if (member.entity) {
-      appendAttributes(out, Fwk::objectRef(static_cast<Fwk::Entity const&>(*member.entity)));
-      if (member.entity->parent().get() != object.object) out += "PARENT IS ANOTHER";
+      appendAttributes(text, Fwk::objectRef(static_cast<Fwk::Entity const&>(*member.entity)));
+      if (member.entity->parent().get() != object.object) text += "PARENT IS ANOTHER";
     } else if (member.value.object) {
-      appendAttributes(out, member.value);
+      appendAttributes(text, member.value);
     }
-    (out += member.text) += ", ";
+    (text += member.text) += ", ";
     return true;
   });
+  if (attr.memberOrder == Fwk::MemberOrder::arbitrary) std::ranges::sort(members);
+  for (std::string const& member : members) out += member;
 }
 
 inline void appendAttribute(std::string& out, Fwk::ConstObjectRef object, Fwk::AttributeRecord const& attr) {
