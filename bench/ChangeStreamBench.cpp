@@ -13,7 +13,7 @@
 namespace {
 
 using namespace Fwk::ChangeStream;
-using Fwk::Octets;
+using Fwk::OctetBuffer;
 using Fwk::Ptr;
 using Fwk::U32;
 using RouterAdvt::Config;
@@ -44,7 +44,7 @@ void require(bool condition) {
 void writeSnapshot(benchmark::State& state) {
   int const interfaces = static_cast<int>(state.range(0));
   Source const source({configOf(interfaces)});
-  Octets octets;
+  OctetBuffer octets;
   for (auto _ : state) {
     Writer writer(source);
     octets.clear();
@@ -58,7 +58,7 @@ void writeSnapshot(benchmark::State& state) {
 BENCHMARK(writeSnapshot)->Name("stream/snapshot/write")->Arg(10'000)->Unit(benchmark::kMillisecond);
 
 void readSnapshot(benchmark::State& state) {
-  Octets octets;
+  OctetBuffer octets;
   Writer(configOf(static_cast<int>(state.range(0)))).drain(octets);
   for (auto _ : state) {
     Reader reader(registeredRoot);
@@ -73,7 +73,7 @@ BENCHMARK(readSnapshot)->Name("stream/snapshot/read")->Arg(10'000)->Unit(benchma
 
 /// A mirror that is right already: what a connection that breaks costs.
 void readEqualSnapshot(benchmark::State& state) {
-  Octets octets;
+  OctetBuffer octets;
   Writer(configOf(static_cast<int>(state.range(0)))).drain(octets);
   Reader reader(registeredRoot);
   require(reader.feed(octets));
@@ -102,7 +102,7 @@ void changeScalars(benchmark::State& state) {
   for (int i = 0; i < 1'000; ++i) drawn.push_back(config->intf(intfId(static_cast<int>(random() % interfaces))));
   Writer writer(config);
   Reader reader(registeredRoot);
-  Octets octets;
+  OctetBuffer octets;
   writer.drain(octets);
   require(reader.feed(octets));
   U32 value = 0;
@@ -124,7 +124,7 @@ void setWithSubscribers(benchmark::State& state) {
   auto const config = configOf(10);
   Source const source({config});
   std::vector<Writer> writers;
-  Octets octets;
+  OctetBuffer octets;
   for (auto i = state.range(0); i > 0; --i) writers.emplace_back(source).drain(octets);
   auto const intf = config->intf(intfId(0));
   U32 value = 0;

@@ -17,7 +17,7 @@
 namespace {
 
 using namespace Fwk::ChangeStream;
-using Fwk::Octets;
+using Fwk::OctetBuffer;
 using Fwk::Ptr;
 using Trees = std::vector<Ptr<Fwk::Entity>>;
 
@@ -28,8 +28,8 @@ std::string textOf(Trees const& trees) {
 }
 
 /// Everything there is to say of trees.
-Octets streamOf(Trees const& trees) {
-  Octets octets;
+OctetBuffer streamOf(Trees const& trees) {
+  OctetBuffer octets;
   Writer(Source(trees)).drain(octets);
   return octets;
 }
@@ -44,9 +44,9 @@ Trees originals() {
 }
 
 /// The start of any stream of the model's trees: an input need not find it again, it is long.
-Octets const& hello() {
-  static Octets const octets = [] {
-    Octets whole = streamOf(TreeMutator::modelTrees());
+OctetBuffer const& hello() {
+  static OctetBuffer const octets = [] {
+    OctetBuffer whole = streamOf(TreeMutator::modelTrees());
     Fwk::OctetSource in(whole);
     Fwk::U8 kind = 0;
     Fwk::OctetSource body;
@@ -73,7 +73,7 @@ void checkSound(Trees const& mirror) {
 
 void checkAttaches(Reader& reader) {
   static Trees const trees = originals();
-  static Octets const stream = streamOf(trees);
+  static OctetBuffer const stream = streamOf(trees);
   static std::string const text = textOf(trees);
   reader.attach();
   FUZZ_CHECK(reader.feed(stream));

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -14,6 +15,9 @@ using U32 = std::uint32_t;
 using U64 = std::uint64_t;
 using S32 = std::int32_t;
 using S64 = std::int64_t;
+
+/// Octets that somebody else holds.
+using Octets = std::span<U8 const>;
 
 /// Floating-point seconds.
 using Seconds = double;

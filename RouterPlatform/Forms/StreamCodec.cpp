@@ -34,7 +34,7 @@ bool OctetSource::number(U64& value) noexcept {
 }
 
 bool OctetSource::fixed64(U64& value) noexcept {
-  std::span<U8 const> octets;
+  Octets octets;
   if (!this->octets(8, octets)) return false;
   value = 0;
   for (U8 const octet : octets) value = value << 8 | octet;

@@ -8,7 +8,6 @@
 #include <bit>
 #include <concepts>
 #include <limits>
-#include <span>
 #include <string_view>
 #include <tuple>
 #include <type_traits>
@@ -17,15 +16,15 @@
 /// Values as octets, for a change stream: the same in every process and on every machine.
 namespace Fwk {
 
-using Octets = std::vector<U8>;
+using OctetBuffer = std::vector<U8>;
 
 /// Appends to a vector of octets.
 class ROUTER_PLATFORM_EXPORT OctetSink {
  public:
-  explicit OctetSink(Octets& to) noexcept : to_(to) {}
+  explicit OctetSink(OctetBuffer& to) noexcept : to_(to) {}
 
   void octet(U8 value) { to_.push_back(value); }
-  void octets(std::span<U8 const> octets) { to_.insert(to_.end(), octets.begin(), octets.end()); }
+  void octets(Octets octets) { to_.insert(to_.end(), octets.begin(), octets.end()); }
   /// The octets of a text, without its size.
   void text(std::string_view text) { to_.insert(to_.end(), text.begin(), text.end()); }
   /// A number, seven bits an octet, the low ones first; every octet but the last has its top bit set.
@@ -49,7 +48,7 @@ class ROUTER_PLATFORM_EXPORT OctetSink {
  private:
   void closeBlock(std::size_t sizeAt);
 
-  Octets& to_;
+  OctetBuffer& to_;
 };
 
 /// Reads octets that somebody sent. Every reading operation says whether the octets were there and well formed; when
@@ -57,10 +56,10 @@ class ROUTER_PLATFORM_EXPORT OctetSink {
 class ROUTER_PLATFORM_EXPORT OctetSource {
  public:
   OctetSource() = default;
-  explicit OctetSource(std::span<U8 const> octets) noexcept : rest_(octets) {}
+  explicit OctetSource(Octets octets) noexcept : rest_(octets) {}
 
   bool atEnd() const noexcept { return rest_.empty(); }
-  std::span<U8 const> rest() const noexcept { return rest_; }
+  Octets rest() const noexcept { return rest_; }
   std::string_view restAsText() const noexcept { return {reinterpret_cast<char const*>(rest_.data()), rest_.size()}; }
 
   bool octet(U8& value) noexcept {
@@ -69,7 +68,7 @@ class ROUTER_PLATFORM_EXPORT OctetSource {
     rest_ = rest_.subspan(1);
     return true;
   }
-  bool octets(std::size_t size, std::span<U8 const>& octets) noexcept {
+  bool octets(std::size_t size, Octets& octets) noexcept {
     if (rest_.size() < size) return false;
     octets = rest_.first(size);
     rest_ = rest_.subspan(size);
@@ -83,14 +82,14 @@ class ROUTER_PLATFORM_EXPORT OctetSource {
   /// What `OctetSink::block` wrote.
   bool block(OctetSource& content) noexcept {
     U64 size = 0;
-    std::span<U8 const> octets;
+    Octets octets;
     if (!number(size) || size > rest_.size() || !this->octets(static_cast<std::size_t>(size), octets)) return false;
     content = OctetSource(octets);
     return true;
   }
 
  private:
-  std::span<U8 const> rest_;
+  Octets rest_;
 };
 
 /// How a value of a type goes into octets, beside `TextCodec`. `put(out, v)` writes; `take(in, v)` reads into a
@@ -107,7 +106,7 @@ concept Streamable = requires(OctetSink& out, OctetSource& in, T const& from, T&
 
 /// Reads a value that takes up all of `octets`.
 template <Streamable T>
-bool takeWhole(std::span<U8 const> octets, T& value) {
+bool takeWhole(Octets octets, T& value) {
   OctetSource in(octets);
   return StreamCodec<T>::take(in, value) && in.atEnd();
 }
@@ -124,8 +123,8 @@ struct StreamCodec<bool> {
   }
 };
 
-template <class T>
-requires(std::unsigned_integral<T> && !std::same_as<T, bool>) struct StreamCodec<T> {
+template <UnsignedNumber T>
+struct StreamCodec<T> {
   static void put(OctetSink& out, T value) { out.number(value); }
   static bool take(OctetSource& in, T& value) {
     U64 number = 0;
@@ -153,8 +152,7 @@ struct StreamCodec<T> {
 };
 
 /// As the number it stands for. Any number of the underlying type is taken: setters store any, too.
-template <class T>
-requires std::is_enum_v<T>
+template <Enumeration T>
 struct StreamCodec<T> {
   using Number = std::underlying_type_t<T>;
   static void put(OctetSink& out, T value) { StreamCodec<Number>::put(out, static_cast<Number>(value)); }
@@ -193,11 +191,8 @@ struct StreamCodec<String> {
   }
 };
 
-/// A text of bounded size: `Name`, `IntfId`, `VrfName`.
-template <class T>
-requires requires(T const& value) {
-  { T::fits(value.view()) } -> std::same_as<bool>;
-}
+/// A block with the octets of the text.
+template <BoundedTextType T>
 struct StreamCodec<T> {
   static void put(OctetSink& out, T const& value) {
     out.number(value.size());
@@ -211,15 +206,14 @@ struct StreamCodec<T> {
   }
 };
 
-/// A type that is its octets, in an order that no machine changes, and any octets are a value: it says so by
-/// `static constexpr bool isOctets = true`.
-template <class T>
-requires(T::isOctets) struct StreamCodec<T> {
+/// The octets as they are.
+template <OctetsType T>
+struct StreamCodec<T> {
   static_assert(std::is_trivially_copyable_v<T> && std::has_unique_object_representations_v<T> && alignof(T) == 1);
   using Array = std::array<U8, sizeof(T)>;
   static void put(OctetSink& out, T const& value) { out.octets(std::bit_cast<Array>(value)); }
   static bool take(OctetSource& in, T& value) {
-    std::span<U8 const> octets;
+    Octets octets;
     Array array;
     if (!in.octets(array.size(), octets)) return false;
     std::copy(octets.begin(), octets.end(), array.begin());

@@ -3,6 +3,7 @@
 #include <RouterPlatform/Base/BaseTypes.h>
 #include <RouterPlatform/Base/Text.h>
 #include <RouterPlatform/Export.h>
+#include <RouterPlatform/Forms/Concepts.h>
 
 #include <charconv>
 #include <concepts>
@@ -33,8 +34,9 @@ struct TextCodec {
   static void append(std::string& out, T const& value) { appendText(out, value); }
 
   static TextStatus parse(std::string_view text, T& value) { return store(T::parse(text), value); }
-  static TextStatus parsePrinted(std::string_view text, T& value) requires requires { T::parsePrinted(text); }
-  { return store(T::parsePrinted(text), value); }
+  static TextStatus parsePrinted(std::string_view text, T& value) requires ParsesPrinted<T> {
+    return store(T::parsePrinted(text), value);
+  }
 
  private:
   static TextStatus store(std::optional<T> const& parsed, T& value) {
@@ -57,8 +59,8 @@ struct TextCodec<bool> {
   }
 };
 
-template <class T>
-requires(std::unsigned_integral<T> && !std::same_as<T, bool>) struct TextCodec<T> {
+template <UnsignedNumber T>
+struct TextCodec<T> {
   static constexpr char const* typeName = sizeof(T) == 1   ? "U8"
                                           : sizeof(T) == 2 ? "U16"
                                           : sizeof(T) == 4 ? "U32"
@@ -76,8 +78,7 @@ requires(std::unsigned_integral<T> && !std::same_as<T, bool>) struct TextCodec<T
 };
 
 /// An enum brings `appendText`, `parseText` and `textTypeNameOf` in its own namespace.
-template <class T>
-requires std::is_enum_v<T>
+template <Enumeration T>
 struct TextCodec<T> {
   static constexpr char const* typeName = textTypeNameOf(T{});
   static constexpr ValueKind kind = ValueKind::text;

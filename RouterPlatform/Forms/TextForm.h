@@ -2,6 +2,7 @@
 
 #include <RouterPlatform/Base/BaseTypes.h>
 #include <RouterPlatform/Export.h>
+#include <RouterPlatform/Forms/Concepts.h>
 
 #include <algorithm>
 #include <concepts>
@@ -60,8 +61,8 @@ String valueToStrep(T const& value) {
   return valueToStrep(String(value.toString()));
 }
 /// Every unsigned integer is printed as the widest.
-template <class T>
-requires(std::unsigned_integral<T> && !std::same_as<T, bool> && !std::same_as<T, U64>) String valueToStrep(T value) {
+template <UnsignedNumber T>
+String valueToStrep(T value) {
   return valueToStrep(U64{value});
 }
 
@@ -125,7 +126,7 @@ class ROUTER_PLATFORM_EXPORT TextFormReader {
   /// What printing gives can be more than what a user may write: a received value is kept as it came.
   template <class T>
   static std::optional<T> parsePrinted(std::string_view text) {
-    if constexpr (requires { T::parsePrinted(text); })
+    if constexpr (ParsesPrinted<T>)
       return T::parsePrinted(text);
     else
       return T::parse(text);

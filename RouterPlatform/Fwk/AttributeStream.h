@@ -6,7 +6,6 @@
 #include <RouterPlatform/Fwk/TypeRecord.h>
 
 #include <memory>
-#include <span>
 
 /// What a change stream does with a collection, for its type record.
 namespace Fwk::detail {
@@ -69,17 +68,17 @@ struct StreamOperations {
     Key const* const last = collectionOf<member>(object).lastKey();
     return typed && last && *typed == *last;
   }
-  static bool contains(void const* object, std::span<U8 const> octets) {
+  static bool contains(void const* object, Octets octets) {
     Key key{};
     return takeWhole(octets, key) && collectionOf<member>(object).contains(key);
   }
-  static Ptr<Entity> entity(void const* object, std::span<U8 const> octets) {
+  static Ptr<Entity> entity(void const* object, Octets octets) {
     Key key{};
     if constexpr (ofEntities)
       if (takeWhole(octets, key)) return collectionOf<member>(object).member(key);
     return nullptr;
   }
-  static bool putValue(void const* object, std::span<U8 const> octets, OctetSink& out) {
+  static bool putValue(void const* object, Octets octets, OctetSink& out) {
     Key key{};
     if (ofEntities || !takeWhole(octets, key) || !collectionOf<member>(object).contains(key)) return false;
     if constexpr (ofValues) StreamCodec<typename Collection::Value>::put(out, *collectionOf<member>(object).find(key));
@@ -88,7 +87,7 @@ struct StreamOperations {
   static void putMemberKey(Entity const& entity, OctetSink& out) {
     if constexpr (ofEntities) StreamCodec<Key>::put(out, static_cast<typename Collection::Member const&>(entity).key());
   }
-  static bool set(void* object, std::span<U8 const> octets, std::span<U8 const> valueOctets, Ptr<Entity>& made) {
+  static bool set(void* object, Octets octets, Octets valueOctets, Ptr<Entity>& made) {
     Key key{};
     if (!takeWhole(octets, key)) return false;
     if constexpr (ofValues) {
@@ -104,7 +103,7 @@ struct StreamOperations {
     }
     return true;
   }
-  static bool del(void* object, std::span<U8 const> octets) {
+  static bool del(void* object, Octets octets) {
     Key key{};
     if (!takeWhole(octets, key)) return false;
     collectionOf<member>(object).memberDel(key);

@@ -7,7 +7,6 @@
 #include <RouterPlatform/Fwk/ReflectionResult.h>
 
 #include <memory>
-#include <span>
 
 namespace Fwk {
 
@@ -39,18 +38,18 @@ struct CollectionStream {
   bool (*putKey)(NotificationKey const& key, OctetSink& out);
   /// Whether the key that was notified is that of the member that came last.
   bool (*isLast)(void const* object, NotificationKey const& key);
-  bool (*contains)(void const* object, std::span<U8 const> key);
+  bool (*contains)(void const* object, Octets key);
   /// The member; null in collections of values.
-  Ptr<Entity> (*entity)(void const* object, std::span<U8 const> key);
+  Ptr<Entity> (*entity)(void const* object, Octets key);
   /// Writes the value of `key`, nothing in sets. False: there is no such member, or members are entities.
-  bool (*putValue)(void const* object, std::span<U8 const> key, OctetSink& out);
+  bool (*putValue)(void const* object, Octets key, OctetSink& out);
   /// Key of an entity that is a member.
   void (*putMemberKey)(Entity const& member, OctetSink& out);
   /// Makes the member if it is not there, or stores the value; an entity is given in `made`. False: `key` or `value` is
   /// malformed, and nothing has changed.
-  bool (*set)(void* object, std::span<U8 const> key, std::span<U8 const> value, Ptr<Entity>& made);
+  bool (*set)(void* object, Octets key, Octets value, Ptr<Entity>& made);
   /// Takes the member out if it is there. False: `key` is malformed.
-  bool (*del)(void* object, std::span<U8 const> key);
+  bool (*del)(void* object, Octets key);
   std::unique_ptr<StreamWalk> (*walk)(void const* object);
 };
 

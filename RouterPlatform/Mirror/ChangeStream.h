@@ -8,7 +8,6 @@
 #include <functional>
 #include <limits>
 #include <memory>
-#include <span>
 #include <vector>
 
 /// Entity trees as octets, for a mirror of them in another process: first a snapshot, then what changes.
@@ -73,7 +72,7 @@ class ROUTER_PLATFORM_EXPORT Writer {
   /// Appends records until nothing is pending or `maxOctets` are reached, which the last record may exceed; returns the
   /// number of octets appended. What is given is gone: to lose octets is to lose the stream, which the reader notices
   /// by the next ones. Throws std::bad_alloc, after which the stream begins anew.
-  std::size_t drain(Octets& out, std::size_t maxOctets = noLimit);
+  std::size_t drain(OctetBuffer& out, std::size_t maxOctets = noLimit);
 
   /// Begins anew, for a reader that attaches anew: the next octets are the first ones of a stream.
   void restart();
@@ -141,7 +140,7 @@ class ROUTER_PLATFORM_EXPORT Reader {
 
   /// Applies what is complete, keeps the rest for the next call. False: there is an error, now or since an earlier
   /// call; nothing is read until `attach`. Not to be called by an observer of the mirror.
-  bool feed(std::span<U8 const> octets);
+  bool feed(Octets octets);
   ReadError const& error() const noexcept;
 
   /// Begins with another stream, which finds the mirror as it is.

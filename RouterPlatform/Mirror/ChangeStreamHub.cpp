@@ -130,7 +130,7 @@ void Hub::recordMember(Node& node, AttributeRecord const& attr, NotificationKey 
 /// what they are told last behind everything else, so these are told again, in their order.
 void Hub::recordFollowing(Node& node, AttributeRecord const& attr) {
   CollectionStream const& stream = *attr.collection->stream;
-  Octets const added = key_;
+  OctetBuffer const added = key_;
   auto const walk = stream.walk(objectOf(node));
   OctetSink sink(key_);
   auto const readKey = [&] {
@@ -166,7 +166,7 @@ U64 Hub::note(Node& node, AttributeRecord const& attr, bool order) {
 }
 
 /// Lets go of the oldest changes, and of the subscribers who needed them.
-void Hub::makeRoomFor(std::span<U8 const> key) noexcept {
+void Hub::makeRoomFor(Octets key) noexcept {
   while (log_.fullFor(key) && !log_.empty()) {
     U64 const lost = log_[log_.first()].sequence;
     for (Subscriber* const subscriber : subscribers_)

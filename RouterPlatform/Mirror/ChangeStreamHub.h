@@ -84,7 +84,7 @@ class Hub {
   void observeMembers(Node& node, U64 introduced);
   void observeRoots();
   void unregisterAll() noexcept;
-  void makeRoomFor(std::span<U8 const> key) noexcept;
+  void makeRoomFor(Octets key) noexcept;
   void lapseAll() noexcept;
   void wakeWaiting();
 
@@ -100,7 +100,7 @@ class Hub {
   bool anyLive_ = false;
   bool anyWaiting_ = false;
   bool incomplete_ = false;  ///< there was no memory to observe everything
-  Octets key_;               ///< of the change being recorded
+  OctetBuffer key_;          ///< of the change being recorded
 };
 
 }  // namespace Fwk::ChangeStream::detail

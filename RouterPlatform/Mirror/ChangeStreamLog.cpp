@@ -109,7 +109,7 @@ void ChangeLog::dropFirst() noexcept {
   octets_ -= cost(change.key.size());
   change.node = nullptr;
   if (change.key.capacity() > keptKeyRoom)
-    Octets().swap(change.key);
+    OctetBuffer().swap(change.key);
   else
     change.key.clear();
   change.next = free_;

@@ -5,7 +5,6 @@
 #include <RouterPlatform/Forms/StreamCodec.h>
 #include <RouterPlatform/Fwk/Notifiee.h>
 
-#include <span>
 #include <vector>
 
 namespace Fwk::ChangeStream::detail {
@@ -23,13 +22,13 @@ class ChangeLog {
     Node const* node;
     U16 place;
     bool order;
-    std::span<U8 const> key;
+    Octets key;
   };
   struct Change {
     Ptr<Notifiee> node;  ///< null: free
     U16 place = 0;
     bool order = false;
-    Octets key;
+    OctetBuffer key;
     U64 sequence = 0;
     U32 previous = none;  ///< in the log
     U32 next = none;      ///< in the log, or among the free ones
@@ -45,7 +44,7 @@ class ChangeLog {
   /// Puts a new one behind all others. Throws std::bad_alloc, having changed nothing.
   void add(What const& what, U64 sequence);
   /// Whether one more has no room.
-  bool fullFor(std::span<U8 const> key) const noexcept { return octets_ + cost(key.size()) > maxOctets_; }
+  bool fullFor(Octets key) const noexcept { return octets_ + cost(key.size()) > maxOctets_; }
   /// Forgets the first one. There is one.
   void dropFirst() noexcept;
 

@@ -49,13 +49,13 @@ AttributeRecord const* takeAttribute(Frame const& frame, OctetSource& in) {
   return attr.reflected && attr.streamed() ? &attr : nullptr;
 }
 
-std::span<U8 const> takeBlock(OctetSource& in) {
+Octets takeBlock(OctetSource& in) {
   OctetSource content;
   require(in.block(content), "a block passes the end");
   return content.rest();
 }
 
-std::string_view textOf(std::span<U8 const> octets) { return OctetSource(octets).restAsText(); }
+std::string_view textOf(Octets octets) { return OctetSource(octets).restAsText(); }
 
 }  // namespace
 
@@ -64,7 +64,7 @@ class Reader::Impl {
   Impl(std::vector<Ptr<Entity>> roots, RootFactory factory, ReaderOptions const& options)
       : roots_(std::move(roots)), factory_(std::move(factory)), options_(options) {}
 
-  bool feed(std::span<U8 const> octets) {
+  bool feed(Octets octets) {
     if (error_) return false;
     try {
       read(octets);
@@ -89,7 +89,7 @@ class Reader::Impl {
   std::vector<Ptr<Entity>> const& roots() const noexcept { return roots_; }
 
  private:
-  void read(std::span<U8 const> octets) {
+  void read(Octets octets) {
     if (rest_.empty()) {
       auto const used = static_cast<std::ptrdiff_t>(readComplete(octets));
       rest_.assign(octets.begin() + used, octets.end());
@@ -101,7 +101,7 @@ class Reader::Impl {
   }
 
   /// Applies the complete records in `octets`; returns how many octets they take.
-  std::size_t readComplete(std::span<U8 const> octets) {
+  std::size_t readComplete(Octets octets) {
     std::size_t used = 0;
     while (std::size_t const size = readOne(octets.subspan(used))) {
       used += size;
@@ -117,7 +117,7 @@ class Reader::Impl {
   }
 
   /// Applies the record at the start of `octets` and returns its size; 0 when it is not complete.
-  std::size_t readOne(std::span<U8 const> octets) {
+  std::size_t readOne(Octets octets) {
     OctetSource in(octets);
     U8 kind = 0;
     if (!in.octet(kind)) return 0;
@@ -132,7 +132,7 @@ class Reader::Impl {
     }
     if (size > options_.maxRecordSize) throw Failure{ReadErrorKind::tooLarge, "a record is too large"};
     (void)in.number(size);
-    std::span<U8 const> body;
+    Octets body;
     if (!in.octets(static_cast<std::size_t>(size), body)) return 0;
     apply(static_cast<RecordKind>(kind), OctetSource(body));
     return octets.size() - in.rest().size();
@@ -175,7 +175,7 @@ class Reader::Impl {
   }
 
   void hello(OctetSource in) {
-    std::span<U8 const> start;
+    Octets start;
     require(in.octets(magic.size(), start) && textOf(start) == magic, "not the start of a change stream");
     U64 theirVersion = 0;
     U64 hash = 0;
@@ -295,7 +295,7 @@ class Reader::Impl {
     while (!in.atEnd()) {
       if (++depth == maxDepth) throw Failure{ReadErrorKind::tooLarge, "too deep"};
       AttributeRecord const* const attr = takeAttribute(frame, in);
-      std::span<U8 const> const key = takeBlock(in);
+      Octets const key = takeBlock(in);
       frame.entity = attr ? entityOf(frame, *attr, key) : nullptr;
     }
     synchronized_ = false;
@@ -303,7 +303,7 @@ class Reader::Impl {
     frames_.push_back(std::move(frame));
   }
 
-  static Ptr<Entity> entityOf(Frame const& frame, AttributeRecord const& attr, std::span<U8 const> key) {
+  static Ptr<Entity> entityOf(Frame const& frame, AttributeRecord const& attr, Octets key) {
     Ptr<Entity> found;
     if (attr.child) {
       found = attr.child->get(objectOf(frame));
@@ -339,7 +339,7 @@ class Reader::Impl {
     return attr.child->set(objectOf(frame), name);
   }
 
-  Ptr<Entity> memberIs(Frame& frame, AttributeRecord const& attr, std::span<U8 const> key) {
+  Ptr<Entity> memberIs(Frame& frame, AttributeRecord const& attr, Octets key) {
     require(attr.collection && attr.collection->stream->ofEntities, "a member of no collection");
     makeWay(frame, attr, key, true);
     Ptr<Entity> made;
@@ -352,7 +352,7 @@ class Reader::Impl {
     AttributeRecord const* const attr = takeAttribute(frame, in);
     if (!attr) return;
     require(attr->collection && !attr->collection->stream->ofEntities, "a row of no collection");
-    std::span<U8 const> const key = takeBlock(in);
+    Octets const key = takeBlock(in);
     makeWay(frame, *attr, key, last);
     Ptr<Entity> none;
     require(attr->collection->stream->set(objectOf(frame), key, in.rest(), none), "no row of the collection");
@@ -371,7 +371,7 @@ class Reader::Impl {
 
   /// Before a member is set. In a snapshot it stands in the place that it is mentioned at: one that is there stays, and
   /// what would stand before it goes, unless any order will do. Otherwise one that comes last is made anew.
-  void makeWay(Frame& frame, AttributeRecord const& attr, std::span<U8 const> key, bool last) {
+  void makeWay(Frame& frame, AttributeRecord const& attr, Octets key, bool last) {
     if (!inSnapshot_) {
       if (last) (void)attr.collection->stream->del(objectOf(frame), key);
       return;
@@ -380,7 +380,7 @@ class Reader::Impl {
       if (left.attr == &attr) return mention(frame, left, key);
   }
 
-  void mention(Frame const& frame, Unmentioned& left, std::span<U8 const> key) {
+  void mention(Frame const& frame, Unmentioned& left, Octets key) {
     if (left.attr->memberOrder == MemberOrder::arbitrary) {
       left.mentioned.emplace(textOf(key));
       return;
@@ -391,7 +391,7 @@ class Reader::Impl {
   }
 
   /// Removes members that were not mentioned up to that of `key`, or all.
-  void removeUnmentioned(Frame const& frame, Unmentioned& left, std::optional<std::span<U8 const>> key) {
+  void removeUnmentioned(Frame const& frame, Unmentioned& left, std::optional<Octets> key) {
     OctetSink sink(key_);
     for (StreamWalk& members = *left.members; !members.atEnd(); members.next()) {
       key_.clear();
@@ -406,8 +406,8 @@ class Reader::Impl {
   RootFactory factory_;  ///< empty: the roots were given
   ReaderOptions options_;
   ReadError error_;
-  Octets rest_;  ///< the start of a record
-  Octets key_;
+  OctetBuffer rest_;  ///< the start of a record
+  OctetBuffer key_;
   U64 offset_ = 0;
   U64 nextBatch_ = 1;
   U64 rootsNamed_ = 0;
@@ -428,7 +428,7 @@ Reader::Reader(Reader&&) noexcept = default;
 Reader& Reader::operator=(Reader&&) noexcept = default;
 Reader::~Reader() = default;
 
-bool Reader::feed(std::span<U8 const> octets) { return impl_->feed(octets); }
+bool Reader::feed(Octets octets) { return impl_->feed(octets); }
 ReadError const& Reader::error() const noexcept { return impl_->error(); }
 void Reader::attach() { impl_->attach(); }
 bool Reader::synchronized() const noexcept { return impl_->synchronized(); }

@@ -16,7 +16,7 @@ class Schema {
   /// Of the roots' types and everything that can hang below them.
   explicit Schema(std::span<TypeRecord const* const> roots);
 
-  Octets const& octets() const noexcept { return octets_; }
+  OctetBuffer const& octets() const noexcept { return octets_; }
   U64 hash() const noexcept;
   /// The type of that name: one of these, or a registered one; null when it is not known here.
   TypeRecord const* find(std::string_view name) const noexcept;
@@ -25,7 +25,7 @@ class Schema {
   void add(TypeRecord const& type);
 
   std::vector<TypeRecord const*> types_;
-  Octets octets_;
+  OctetBuffer octets_;
 };
 
 /// Whether a stream of schema `theirs` can be read with `ours`: nothing that both know differs. Types and attributes

@@ -26,7 +26,7 @@ class Writer::Impl : public Subscriber {
   }
   U64 overflows() const noexcept { return overflows_; }
 
-  std::size_t drain(Octets& out, std::size_t maxOctets) {
+  std::size_t drain(OctetBuffer& out, std::size_t maxOctets) {
     std::size_t const before = out.size();
     if (!pending()) return 0;
     try {
@@ -52,7 +52,7 @@ class Writer::Impl : public Subscriber {
     std::unique_ptr<StreamWalk> members;  ///< of the collection at `place`, once begun
   };
 
-  void drainInto(Octets& out, std::size_t maxOctets) {
+  void drainInto(OctetBuffer& out, std::size_t maxOctets) {
     std::size_t const before = out.size();
     OctetSink sink(out);
     if (!greeted_) greet(sink);
@@ -269,7 +269,7 @@ Writer& Writer::operator=(Writer&&) noexcept = default;
 Writer::~Writer() = default;
 
 bool Writer::pending() const noexcept { return impl_->pending(); }
-std::size_t Writer::drain(Octets& out, std::size_t maxOctets) { return impl_->drain(out, maxOctets); }
+std::size_t Writer::drain(OctetBuffer& out, std::size_t maxOctets) { return impl_->drain(out, maxOctets); }
 void Writer::restart() { impl_->restart(); }
 void Writer::onPendingIs(std::function<void()> call) { impl_->onPending = std::move(call); }
 U64 Writer::overflows() const noexcept { return impl_->overflows(); }

@@ -11,7 +11,7 @@ void assignTree(Ptr<Entity> const& from, Ptr<Entity> const& to) {
   if (&from->fwkType() != &to->fwkType()) throw std::invalid_argument("trees of two types");
   ChangeStream::Writer writer(from);
   ChangeStream::Reader reader(to);
-  Octets chunk;
+  OctetBuffer chunk;
   while (writer.pending()) {
     chunk.clear();
     writer.drain(chunk, chunkSize);

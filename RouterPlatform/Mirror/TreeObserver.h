@@ -31,7 +31,7 @@ class ROUTER_PLATFORM_EXPORT TreeObserver {
   struct Change {
     Ptr<Entity> entity;  ///< has the attribute; hung in the tree when the batch was taken
     AttrId attr = 0;
-    Octets keyOctets;  ///< key of the member as a change stream has it; empty for scalars and children
+    OctetBuffer keyOctets;  ///< key of the member as a change stream has it; empty for scalars and children
 
     /// Key of the member, where `attr` is a collection with keys of type `K`.
     template <Streamable K>

@@ -63,7 +63,7 @@ class MirrorServer::Session : public std::enable_shared_from_this<Session> {
   MirrorServer& server_;
   Protocol::socket socket_;
   Fwk::ChangeStream::Writer writer_;
-  Fwk::Octets chunk_;
+  Fwk::OctetBuffer chunk_;
   std::array<Fwk::U8, 1> ignored_{};
   bool writing_ = false;
 };

@@ -20,7 +20,7 @@
 namespace {
 
 using namespace Fwk::ChangeStream;
-using Fwk::Octets;
+using Fwk::OctetBuffer;
 using Fwk::Ptr;
 using Fwk::U8;
 using RouterAdvt::Config;
@@ -43,7 +43,7 @@ class Link {
   /// Everything that is pending, in pieces of any size. False: the reader could not read it.
   bool sync() {
     while (writer_->pending()) {
-      Octets octets;
+      OctetBuffer octets;
       writer_->drain(octets, random_() % 4 ? Writer::noLimit : random_() % 500);
       if (!feed(octets)) return false;
     }
@@ -52,14 +52,14 @@ class Link {
 
   /// A part of what is pending; the rest comes when the trees have changed.
   bool syncPart() {
-    Octets octets;
+    OctetBuffer octets;
     writer_->drain(octets, random_() % 500);
     return feed(octets);
   }
 
   /// A part of what is pending arrives; then another connection is made.
   bool breakAndAttach() {
-    Octets octets;
+    OctetBuffer octets;
     writer_->drain(octets, random_() % 2000);
     octets.resize(random_() % (octets.size() + 1));
     if (!feed(octets)) return false;
@@ -150,7 +150,7 @@ TEST(ModelMirror, EveryValueTypeIsStreamedInTheOrderOfItsAttributes) {
 
 template <class T>
 std::string hexOf(T const& value) {
-  Octets octets;
+  OctetBuffer octets;
   Fwk::OctetSink sink(octets);
   Fwk::StreamCodec<T>::put(sink, value);
   T read{};
@@ -251,8 +251,7 @@ TEST(ModelMirror, OrderIsArbitraryWhereMembersAreFoundByInterfaceOrName) {
               testing::UnorderedElementsAre(
                   "RouterAdvt::Config::intf", "RouterAdvt::Config::prefixProfiles", "RouterAdvt::Status::intf",
                   "RouterAdvt::RaPacketStatus::raPacket", "RouterAdvt::RouterNeighborStatus::routerNeighbor",
-                  "RouterAdvt::RouterNeighborStatus::neighbor",
-                  "RouterAdvt::ProcFileDirDataSet::fileData"));
+                  "RouterAdvt::RouterNeighborStatus::neighbor", "RouterAdvt::ProcFileDirDataSet::fileData"));
 }
 
 TEST(ModelMirror, ARootIsMadeOfAnyTypeThatHasSomethingToMirror) {
@@ -279,7 +278,7 @@ TEST(ModelMirrorServer, WithAStoppedMirrorKeepsItsMemoryBoundedAndTheMirrorIsRig
   Reader runningReader(registeredRoot);
   Reader stoppedReader(registeredRoot);
   auto const pass = [](Writer& writer, Reader& reader) {
-    Octets octets;
+    OctetBuffer octets;
     while (writer.pending()) {
       octets.clear();
       writer.drain(octets, 65'536);

@@ -14,7 +14,7 @@
 
 namespace {
 
-using Fwk::Octets;
+using Fwk::OctetBuffer;
 using Fwk::OctetSink;
 using Fwk::OctetSource;
 using Fwk::StreamCodec;
@@ -32,8 +32,8 @@ using TestModel::Colour;
 using TestModel::Point;
 
 template <class T>
-Octets put(T const& value) {
-  Octets octets;
+OctetBuffer put(T const& value) {
+  OctetBuffer octets;
   OctetSink sink(octets);
   StreamCodec<T>::put(sink, value);
   return octets;
@@ -42,7 +42,7 @@ Octets put(T const& value) {
 /// Written as these octets, read back from them, and from no part of them nor with one octet more.
 template <class T>
 void expectOctets(T const& value, std::string const& hex) {
-  Octets octets = put(value);
+  OctetBuffer octets = put(value);
   EXPECT_EQ(StreamText::hex(octets), hex);
   T read{};
   EXPECT_TRUE(takeWhole(octets, read));
@@ -58,7 +58,7 @@ void expectOctets(T const& value, std::string const& hex) {
 
 /// Octets that are no value of the type.
 template <class T>
-bool refused(Octets const& octets) {
+bool refused(OctetBuffer const& octets) {
   T value{};
   return !takeWhole(octets, value);
 }
@@ -128,8 +128,8 @@ TEST(StreamCodec, ARecordInARecordIsABlockInABlock) {
 
 struct RefusedRow {
   char const* name;
-  bool (*refused)(Octets const&);
-  Octets octets;
+  bool (*refused)(OctetBuffer const&);
+  OctetBuffer octets;
   friend void PrintTo(RefusedRow const& row, std::ostream* os) { *os << row.name; }
 };
 class StreamCodecRefuses : public testing::TestWithParam<RefusedRow> {};
@@ -147,7 +147,7 @@ INSTANTIATE_TEST_SUITE_P(
         RefusedRow{"ATextOfAllOctetsThereAre", &refused<String>, {255, 255, 255, 255, 255, 255, 255, 255, 255, 1}},
         RefusedRow{"AnInterfaceNameOf32Octets", &refused<Net::IntfId>,
                    [] {
-                     Octets octets(33, 'a');
+                     OctetBuffer octets(33, 'a');
                      octets[0] = 32;
                      return octets;
                    }()},
@@ -156,19 +156,19 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(StreamCodec, ARecordOfAnOlderTypeLeavesTheLaterAttributesAtTheirDefault) {
   Point point;
-  ASSERT_TRUE(takeWhole(Octets{1, 5}, point));
+  ASSERT_TRUE(takeWhole(OctetBuffer{1, 5}, point));
   EXPECT_EQ(point, Point(5, 0));
 }
 
 TEST(StreamCodec, ARecordOfANewerTypeIsReadAsFarAsItIsKnown) {
   Point point;
-  ASSERT_TRUE(takeWhole(Octets{4, 5, 6, 0xff, 0xff}, point));
+  ASSERT_TRUE(takeWhole(OctetBuffer{4, 5, 6, 0xff, 0xff}, point));
   EXPECT_EQ(point, Point(5, 6));
 }
 
 class BlockSize : public testing::TestWithParam<std::size_t> {};
 TEST_P(BlockSize, StandsInFrontOfItsContent) {
-  Octets octets{0xaa};
+  OctetBuffer octets{0xaa};
   OctetSink sink(octets);
   sink.block([&] {
     for (std::size_t i = 0; i < GetParam(); ++i) sink.octet(static_cast<U8>(i));

@@ -15,7 +15,7 @@
 namespace {
 
 using namespace Fwk::ChangeStream;
-using Fwk::Octets;
+using Fwk::OctetBuffer;
 using Fwk::OctetSink;
 using Fwk::Ptr;
 using Fwk::U64;
@@ -33,7 +33,7 @@ TEST(ChangeStreamFormat, ASnapshotOfAnEntityIsTheseOctets) {
   auto const port = Fwk::create<Port>(Net::IntfId("et1"));
   port->speedIs(300);
   Writer writer{Ptr<Fwk::Entity>(port)};
-  Octets octets;
+  OctetBuffer octets;
   writer.drain(octets);
   auto const records = StreamText::records(octets);
   ASSERT_FALSE(records.empty());
@@ -66,7 +66,7 @@ TEST(ChangeStreamFormat, ASnapshotOfAnEntityIsTheseOctets) {
 
 TEST(ChangeStreamFormat, TheSchemaHashIsTheSameInEveryProcess) {
   Writer writer{Ptr<Fwk::Entity>(Fwk::create<Port>(Net::IntfId("et1")))};
-  Octets octets;
+  OctetBuffer octets;
   writer.drain(octets);
   EXPECT_EQ(StreamText::hex(StreamText::records(octets)[0].body.subspan(9, 8)), "6bf7cd1a3b45761b");
 }
@@ -77,7 +77,7 @@ TEST(ChangeStreamFormat, AChangeOfEachKindIsTheseOctets) {
   box->labelsIs("k", "v");
   box->diskIs("d");
   Writer writer{rack};
-  Octets octets;
+  OctetBuffer octets;
   writer.drain(octets);
   octets.clear();
   box->numberIs(5);
@@ -99,16 +99,16 @@ TEST(ChangeStreamFormat, AChangeOfEachKindIsTheseOctets) {
 
 /// A stream written by hand, behind a start that the reader accepts.
 struct HandWritten {
-  Octets octets;
+  OctetBuffer octets;
   OctetSink sink{octets};
 
   HandWritten() {
     Writer writer{Ptr<Fwk::Entity>(Fwk::create<Rack>("rack"))};
-    Octets whole;
+    OctetBuffer whole;
     writer.drain(whole);
     octets.assign(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(StreamText::records(whole)[0].end));
   }
-  HandWritten& record(RecordKind kind, Octets const& body = {}) {
+  HandWritten& record(RecordKind kind, OctetBuffer const& body = {}) {
     putRecord(sink, kind, [&] { sink.octets(body); });
     return *this;
   }
@@ -273,7 +273,7 @@ ErrorRow const errorRows[] = {
      }},
     {"AChildNameOf64Octets", ReadErrorKind::malformed,
      [](HandWritten& s) {
-       Octets body(65, 'x');
+       OctetBuffer body(65, 'x');
        body[0] = 2;
        s.snapshot().record(K::at, {0}).record(K::member, body);
      }},
@@ -299,7 +299,7 @@ ErrorRow const errorRows[] = {
      }},
     {"AWayTooDeep", ReadErrorKind::tooLarge,
      [](HandWritten& s) {
-       Octets body{0};
+       OctetBuffer body{0};
        for (int i = 0; i < 100; ++i) body.insert(body.end(), {99, 0});
        s.snapshot().record(K::at, body);
      }},
@@ -322,7 +322,7 @@ TEST_P(ReadError, EndsTheReadingUntilTheNextAttachment) {
 
   auto const original = Fwk::create<Rack>("rack");
   original->boxesIs("y")->numberIs(3);
-  Octets again;
+  OctetBuffer again;
   Writer(original).drain(again);
   reader.attach();
   EXPECT_TRUE(reader.feed(again)) << reader.error().text;
@@ -345,10 +345,10 @@ TEST(ChangeStreamReader, ALostDrainIsNoticedByTheNext) {
   auto const rack = Fwk::create<Rack>("rack");
   Writer writer{rack};
   Reader reader(Fwk::create<Rack>("rack"));
-  Octets octets;
+  OctetBuffer octets;
   writer.drain(octets);
   rack->boxesIs("lost");
-  Octets lost;
+  OctetBuffer lost;
   writer.drain(lost);
   rack->topIs("t");
   writer.drain(octets);
@@ -362,7 +362,7 @@ TEST(ChangeStreamReader, AMadeRootThatTheNextStreamDoesNotHaveIsLetGo) {
     std::vector<Ptr<Fwk::Entity>> roots;
     while (roots.size() < count) roots.emplace_back(Fwk::create<Rack>("rack"));
     Writer writer{Fwk::ChangeStream::Source(roots)};
-    Octets octets;
+    OctetBuffer octets;
     writer.drain(octets);
     reader.attach();
     EXPECT_TRUE(reader.feed(octets)) << reader.error().text;
@@ -376,7 +376,7 @@ TEST(ChangeStreamReader, AMadeRootIsMadeAnewForAnotherKey) {
   });
   for (char const* const name : {"a", "b"}) {
     Writer writer{Ptr<Fwk::Entity>(Fwk::create<Rack>(name))};
-    Octets octets;
+    OctetBuffer octets;
     writer.drain(octets);
     reader.attach();
     ASSERT_TRUE(reader.feed(octets)) << reader.error().text;
@@ -387,7 +387,7 @@ TEST(ChangeStreamReader, AMadeRootIsMadeAnewForAnotherKey) {
 TEST(ChangeStreamReader, ARootThatTheReaderDoesNotHaveIsPassedOver) {
   auto const original = Fwk::create<Rack>("rack");
   original->boxesIs("x")->numberIs(3);
-  Octets octets;
+  OctetBuffer octets;
   Writer(original).drain(octets);
   Reader reader{Ptr<Fwk::Entity>()};
   EXPECT_TRUE(reader.feed(octets)) << reader.error().text;
@@ -488,7 +488,7 @@ TEST(ChangeStreamVersions, AnOlderReaderPassesOverWhatItDoesNotKnow) {
   original->part.childIs("c")->numberIs(2);
   original->nextIs("next");
   original->numberIs(1);
-  Octets octets;
+  OctetBuffer octets;
   writer.drain(octets);
   original->parts.memberIs("after")->portsIs("q");
   original->parts.member("before")->ports("p")->speedIs(2);
@@ -511,7 +511,7 @@ TEST(ChangeStreamVersions, ANewerReaderLeavesWhatItIsNotToldOfAtItsDefault) {
   auto const original = Fwk::create<Gadget<1>>("g");
   auto const mirror = Fwk::create<Gadget<2>>("g");
   original->numberIs(7);
-  Octets octets;
+  OctetBuffer octets;
   Writer(original).drain(octets);
   Reader reader(mirror);
   ASSERT_TRUE(reader.feed(octets)) << reader.error().text;
@@ -521,7 +521,7 @@ TEST(ChangeStreamVersions, ANewerReaderLeavesWhatItIsNotToldOfAtItsDefault) {
 
 template <int version>
 void expectIncompatible() {
-  Octets octets;
+  OctetBuffer octets;
   Writer(Ptr<Fwk::Entity>(Fwk::create<Gadget<version>>("g"))).drain(octets);
   Reader reader(Fwk::create<Gadget<1>>("g"));
   EXPECT_FALSE(reader.feed(octets));
@@ -533,12 +533,12 @@ TEST(ChangeStreamVersions, AnAttributeOfAnotherNameIsAnError) { expectIncompatib
 
 TEST(ChangeStreamVersions, ASchemaCutAnywhereIsAnError) {
   Writer writer{Ptr<Fwk::Entity>(Fwk::create<Gadget<2>>("g"))};
-  Octets whole;
+  OctetBuffer whole;
   writer.drain(whole);
   auto const hello = StreamText::records(whole)[0].body;
   std::size_t errors = 0;
   for (std::size_t size = 17; size < hello.size(); ++size) {
-    Octets octets;
+    OctetBuffer octets;
     OctetSink sink(octets);
     putRecord(sink, RecordKind::hello, [&] { sink.octets(hello.first(size)); });
     Reader reader(Fwk::create<Gadget<1>>("g"));
@@ -552,12 +552,12 @@ TEST(ChangeStreamVersions, ASchemaCutAnywhereIsAnError) {
 using Fwk::ChangeStream::detail::Schema;
 using Fwk::ChangeStream::detail::SchemaMatch;
 
-Octets schemaAttribute(U8 place, char const* name, U8 kind, char const* type, char const* keyType) {
-  Octets octets;
+OctetBuffer schemaAttribute(U8 place, char const* name, U8 kind, char const* type, char const* keyType) {
+  OctetBuffer octets;
   OctetSink sink(octets);
   sink.number(place);
   sink.block([&] { sink.text(name); });
-  sink.octets(Octets{kind});
+  sink.octets(OctetBuffer{kind});
   sink.block([&] { sink.text(type); });
   sink.block([&] { sink.text(keyType); });
   return octets;
@@ -565,7 +565,7 @@ Octets schemaAttribute(U8 place, char const* name, U8 kind, char const* type, ch
 
 /// How a schema of one type with one attribute agrees with that of a `Gadget`, of the second version.
 SchemaMatch matchWithGadget(char const* typeName, std::span<U8 const> attribute) {
-  Octets octets;
+  OctetBuffer octets;
   OctetSink sink(octets);
   sink.block([&] {
     sink.block([&] { sink.text(typeName); });
@@ -577,14 +577,14 @@ SchemaMatch matchWithGadget(char const* typeName, std::span<U8 const> attribute)
 }
 
 TEST(ChangeStreamSchema, AnAttributeCutAnywhereIsMalformed) {
-  Octets const attribute = schemaAttribute(0, "count", 2, "U32", "");
+  OctetBuffer const attribute = schemaAttribute(0, "count", 2, "U32", "");
   for (std::size_t size = 0; size < attribute.size(); ++size)
     EXPECT_EQ(matchWithGadget("TestModel::Unknown", std::span(attribute).first(size)), SchemaMatch::malformed) << size;
   EXPECT_EQ(matchWithGadget("TestModel::Unknown", attribute), SchemaMatch::compatible);
 }
 
 TEST(ChangeStreamSchema, ATypeCutInItsNameOrItsAttributeIsMalformed) {
-  for (Octets const& octets : {Octets{1, 5}, Octets{3, 1, 'x', 5}}) {
+  for (OctetBuffer const& octets : {OctetBuffer{1, 5}, OctetBuffer{3, 1, 'x', 5}}) {
     Fwk::String difference;
     EXPECT_EQ(compareSchema(Schema({}), Fwk::OctetSource(octets), difference), SchemaMatch::malformed);
   }

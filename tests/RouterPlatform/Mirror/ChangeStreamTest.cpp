@@ -17,7 +17,7 @@
 
 namespace {
 
-using Fwk::Octets;
+using Fwk::OctetBuffer;
 using Fwk::Ptr;
 using Fwk::ChangeStream::Reader;
 using Fwk::ChangeStream::ReadErrorKind;
@@ -41,14 +41,14 @@ using TestModel::Spot;
 
 /// A tree, and a mirror of it in this process.
 struct ChangeStream : testing::Test {
-  Octets drain(std::size_t maxOctets = Writer::noLimit) {
-    Octets octets;
+  OctetBuffer drain(std::size_t maxOctets = Writer::noLimit) {
+    OctetBuffer octets;
     writer.drain(octets, maxOctets);
     return octets;
   }
   /// Brings the mirror up to date and returns what was sent.
-  Octets sync() {
-    Octets const octets = drain();
+  OctetBuffer sync() {
+    OctetBuffer const octets = drain();
     EXPECT_TRUE(reader.feed(octets)) << reader.error().text << " at " << reader.error().offset;
     EXPECT_TRUE(reader.synchronized());
     EXPECT_EQ(TreeText::of(mirror), TreeText::of(rack));
@@ -178,7 +178,7 @@ TEST_P(ChangeStreamOf, IsMirroredAsAChange) {
   sync();
   GetParam().change(*rack);
   EXPECT_TRUE(writer.pending());
-  Octets const octets = sync();
+  OctetBuffer const octets = sync();
   EXPECT_EQ(count(octets, RecordKind::begin), 0);
 }
 
@@ -207,7 +207,7 @@ TEST_P(ChangeStreamOf, IsMirroredWhenItHappensAnywhereInASnapshot) {
     GetParam().before(*original);
     Writer stepped(original);
     Reader read(copy);
-    Octets octets;
+    OctetBuffer octets;
     for (std::size_t i = 0; i < steps && stepped.pending(); ++i) stepped.drain(octets, 1);
     bool const complete = !stepped.pending();
     GetParam().change(*original);
@@ -220,7 +220,7 @@ TEST_P(ChangeStreamOf, IsMirroredWhenItHappensAnywhereInASnapshot) {
 
 TEST_P(ChangeStreamOf, IsMirroredByTheNextAttachmentAfterACutAtAnyOctet) {
   GetParam().before(*rack);
-  Octets octets = drain();
+  OctetBuffer octets = drain();
   GetParam().change(*rack);
   writer.drain(octets);
   for (std::size_t cut = 0; cut < octets.size(); ++cut) {
@@ -229,7 +229,7 @@ TEST_P(ChangeStreamOf, IsMirroredByTheNextAttachmentAfterACutAtAnyOctet) {
     ASSERT_TRUE(read.feed(std::span(octets).first(cut))) << cut;
     read.attach();
     EXPECT_FALSE(read.synchronized());
-    Octets again;
+    OctetBuffer again;
     Writer(rack).drain(again);
     ASSERT_TRUE(read.feed(again)) << cut << ": " << read.error().text;
     ASSERT_EQ(TreeText::of(copy), TreeText::of(rack)) << cut;
@@ -255,7 +255,7 @@ TEST_F(ChangeStream, WhatCameAndWentIsToldAsGone) {
 TEST_F(ChangeStream, ANewMemberIsToldWholeAndItsChangesNotAgain) {
   sync();
   fill(*rack->boxesIs("x"));
-  Octets const octets = sync();
+  OctetBuffer const octets = sync();
   EXPECT_EQ(count(octets, RecordKind::at), 1);
   EXPECT_EQ(count(octets, RecordKind::member), 4);  // the box, two ports, the disk
   EXPECT_EQ(count(octets, RecordKind::value), 10);  // eight of the box, one of each port
@@ -294,7 +294,7 @@ TEST_F(ChangeStream, NothingIsPendingAfterADrain) {
 
 TEST_F(ChangeStream, ADrainHasNoMoreThanARecordAboveItsLimit) {
   withBox(*rack);
-  Octets octets;
+  OctetBuffer octets;
   std::size_t given = 0;
   while (writer.pending()) {
     std::size_t const before = octets.size();
@@ -324,7 +324,7 @@ TEST_F(ChangeStream, WhatAnEarlierObserverAddedFirstStandsWhereItStands) {
       tree->boxesIs(tree->boxes().size() % 2 ? "odd" + std::to_string(tree->boxes().size()) : "even");
   });
   Writer late(tree);
-  Octets octets;
+  OctetBuffer octets;
   late.drain(octets);
   tree->boxesIs("first");
   late.drain(octets);
@@ -343,7 +343,7 @@ TEST_F(ChangeStream, WhatAnEarlierObserverPutBackComesLast) {
   Writer late(tree);
   for (char const* const name : {"a", "b", "c"}) tree->boxesIs(name);
   for (Fwk::U32 const x : {1U, 2U, 3U}) tree->bagsIs(Spot(x, x), bagOf(x));
-  Octets octets;
+  OctetBuffer octets;
   late.drain(octets);
   tree->boxesDel("a");
   tree->bagsDel(Spot(1, 1));
@@ -355,7 +355,7 @@ TEST_F(ChangeStream, WhatAnEarlierObserverPutBackComesLast) {
 
 TEST_F(ChangeStream, ADrainWithinANotificationLosesNothing) {
   auto const tree = Fwk::create<Rack>("rack");
-  Octets octets;
+  OctetBuffer octets;
   Writer* within = nullptr;
   auto const draining = Fwk::observe(tree, [&](Fwk::Notification const&) {
     if (tree->boxes().size() == 1) tree->boxesIs("second");
@@ -382,7 +382,7 @@ TEST_F(ChangeStream, SubscribersOfOneSourceGoEachAtTheirPace) {
   Reader slowReader(slowMirror);
   Reader fastReader(fastMirror);
   auto const pass = [](Writer& from, Reader& to) {
-    Octets octets;
+    OctetBuffer octets;
     from.drain(octets);
     ASSERT_TRUE(to.feed(octets)) << to.error().text;
   };
@@ -405,11 +405,11 @@ TEST_F(ChangeStream, SubscribersOfOneSourceGoEachAtTheirPace) {
 TEST_F(ChangeStream, TheOrderIsThatOfTheOriginalThoughAFasterSubscriberHasGone) {
   Source const source({rack});
   Writer slow(source);
-  Octets octets;
+  OctetBuffer octets;
   slow.drain(octets);
   {
     Writer fast(source);
-    Octets ignored;
+    OctetBuffer ignored;
     fast.drain(ignored);
     rack->boxesIs("x");
     fast.drain(ignored);
@@ -425,7 +425,7 @@ TEST_F(ChangeStream, NothingIsHeldWithoutSubscribers) {
   Source const source({rack});
   {
     Writer gone(source);
-    Octets octets;
+    OctetBuffer octets;
     gone.drain(octets);
     withBox(*rack);
     EXPECT_EQ(source.pendingChanges(), 1);
@@ -441,7 +441,7 @@ TEST_F(ChangeStream, SeveralTreesGoThroughOneStream) {
   Writer both(source);
   auto const secondMirror = Fwk::create<Box>("of another name");
   Reader reads(std::vector<Ptr<Fwk::Entity>>{mirror, secondMirror});
-  Octets octets;
+  OctetBuffer octets;
   both.drain(octets);
   second->numberIs(9);
   second->portsIs("a");
@@ -457,7 +457,7 @@ TEST_F(ChangeStream, SeveralTreesGoThroughOneStream) {
 TEST_F(ChangeStream, TreesThatTheReaderDoesNotWantArePassedOver) {
   auto const second = Fwk::create<Box>("second");
   Writer both(Source({rack, second}));
-  Octets octets;
+  OctetBuffer octets;
   both.drain(octets);
   fill(*second);
   withBox(*rack);
@@ -475,7 +475,7 @@ TEST_F(ChangeStream, AMirrorCanBeMadeAsTheStreamNamesItsRoots) {
     return Ptr<Fwk::Entity>(Fwk::create<Rack>(Fwk::Name(key)));
   });
   withBox(*rack);
-  Octets octets = drain();
+  OctetBuffer octets = drain();
   ASSERT_TRUE(makes.feed(octets));
   ASSERT_EQ(makes.roots().size(), 1);
   EXPECT_EQ(TreeText::of(makes.roots()[0]), TreeText::of(rack));
@@ -518,7 +518,7 @@ TEST_F(ChangeStream, AllocatesNothingForAChangeAndItsDrainInSteadyState) {
   Source const source({rack});
   Writer steady(source);
   withBox(*rack);
-  Octets octets;
+  OctetBuffer octets;
   auto const round = [&](Fwk::U32 i) {
     box(*rack).numberIs(i);
     box(*rack).ports("a")->speedIs(i);
@@ -540,7 +540,7 @@ struct BoundedChangeStream : ChangeStream {
   Writer bounded{source};
 
   void syncBounded() {
-    Octets octets;
+    OctetBuffer octets;
     bounded.drain(octets);
     ASSERT_TRUE(reader.feed(octets)) << reader.error().text;
     EXPECT_TRUE(reader.synchronized());
@@ -579,7 +579,7 @@ TEST_F(BoundedChangeStream, TheSnapshotNotifiesOnlyOfWhatChanged) {
 
 TEST_F(BoundedChangeStream, AnOverflowDuringTheSnapshotBeginsItAgain) {
   changeALot(7);
-  Octets octets;
+  OctetBuffer octets;
   bounded.drain(octets, 1000);
   ASSERT_TRUE(reader.feed(octets));
   changeALot(8);
@@ -589,7 +589,7 @@ TEST_F(BoundedChangeStream, AnOverflowDuringTheSnapshotBeginsItAgain) {
 
 TEST_F(BoundedChangeStream, OneThatFallsBehindDoesNotHoldUpTheOthers) {
   Writer other(source);
-  Octets octets;
+  OctetBuffer octets;
   auto const copy = Fwk::create<Rack>("rack");
   Reader reads(copy);
   for (Fwk::U32 round = 0; round < 50; ++round) {
@@ -613,7 +613,7 @@ TEST_F(BoundedChangeStream, NoRoomForEvenOneChangeMeansASnapshotEveryTime) {
   Reader reads(copy);
   for (Fwk::U32 i = 0; i < 3; ++i) {
     rack->boxes("box5")->numberIs(i + 100);
-    Octets octets;
+    OctetBuffer octets;
     writes.drain(octets);
     ASSERT_TRUE(reads.feed(octets));
     EXPECT_EQ(TreeText::of(copy), TreeText::of(rack));
@@ -697,7 +697,7 @@ TEST_F(ChangeStream, AChangeWithoutMemoryReachesItsCallerAndTheMirrorLater) {
     auto const copy = Fwk::create<Rack>("rack");
     Writer writes(tree);
     Reader reads(copy);
-    Octets octets;
+    OctetBuffer octets;
     writes.drain(octets);
     for (int i = 0; i < 3; ++i) {
       try {
@@ -717,7 +717,7 @@ TEST_F(ChangeStream, AChangeWithoutMemoryReachesItsCallerAndTheMirrorLater) {
 TEST_F(ChangeStream, ADrainWithoutMemoryBeginsTheStreamAnew) {
   withBox(*rack);
   for (std::size_t allowed = 0; allowed < 12; ++allowed) {
-    Octets octets;
+    OctetBuffer octets;
     try {
       AllocationFailure const failing(allowed);
       writer.drain(octets);
@@ -739,7 +739,7 @@ TEST_F(ChangeStream, AWriterKeepsTheTreeAlive) {
   {
     Writer keeps(Fwk::create<Rack>("other"));
     EXPECT_EQ(Rack::typeRecord().liveCount->value(), before + 1);
-    Octets octets;
+    OctetBuffer octets;
     keeps.drain(octets);
   }
   EXPECT_EQ(Rack::typeRecord().liveCount->value(), before);

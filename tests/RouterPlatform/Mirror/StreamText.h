@@ -10,7 +10,7 @@
 /// A change stream as people read it.
 namespace StreamText {
 
-using Fwk::Octets;
+using Fwk::OctetBuffer;
 using Fwk::OctetSource;
 using Fwk::U8;
 using Fwk::ChangeStream::detail::RecordKind;

@@ -94,7 +94,7 @@ TEST_F(TreeObserverTest, FeedingAMirrorGivesOneBatchWithWholeMembers) {
   Fwk::ChangeStream::Reader reader(rack);
   original->boxesIs("a")->flagIs(!box->flag());
   original->boxesIs("b")->numberIs(8);
-  Fwk::Octets octets;
+  Fwk::OctetBuffer octets;
   writer.drain(octets);
   ASSERT_TRUE(reader.feed(octets));
   EXPECT_EQ(woken, 1);
