@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include <cstdlib>
+#include <string_view>
 
 namespace Tool {
 
@@ -75,8 +76,30 @@ Json childJson(Fwk::Entity const& child) {
   return result;
 }
 
+namespace {
+
+/// JSON may hold DEL and the control characters from U+0080 to U+009F as they are (RFC 8259 7); a terminal may heed
+/// them.
+std::string withControlsEscaped(std::string_view json) {
+  std::string text;
+  for (std::size_t i = 0; i < json.size(); ++i) {
+    bool const isC1 = json[i] == '\xc2' && i + 1 < json.size() && static_cast<unsigned char>(json[i + 1]) < 0xa0;
+    if (isC1) ++i;
+    if (isC1 || json[i] == '\x7f') {
+      constexpr std::string_view digits = "0123456789abcdef";
+      auto const code = static_cast<unsigned char>(json[i]);
+      text += {'\\', 'u', '0', '0', digits[code >> 4], digits[code & 0xf]};
+    } else {
+      text += json[i];
+    }
+  }
+  return text;
+}
+
+}  // namespace
+
 std::string jsonText(Json const& json, int indent) {
-  return json.dump(indent, ' ', false, Json::error_handler_t::replace);
+  return withControlsEscaped(json.dump(indent, ' ', false, Json::error_handler_t::replace));
 }
 
 }  // namespace Tool

@@ -23,7 +23,7 @@ Json memberJson(Fwk::MemberRef const& member);
 Json childJson(Fwk::Entity const& child);
 
 /// As it is written: on one line, or indented by that many blanks a level. A text, such as a name, may hold any octets;
-/// those that are no UTF-8 become U+FFFD.
+/// those that are no UTF-8 become U+FFFD. All control characters in a text are escaped.
 std::string jsonText(Json const& json, int indent = -1);
 
 }  // namespace Tool

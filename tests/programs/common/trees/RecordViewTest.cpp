@@ -144,6 +144,14 @@ TEST(ChangesJson, HoldsBothValuesOfEachPath) {
             R"({"mtu":[1400,1500],"gone":[true,null]})");
 }
 
+TEST(JsonText, EscapesAllControlCharacters) {
+  EXPECT_EQ(jsonText(Json{{"name", "\x1b\x7f\xc2\x80\xc2\x9f"}}), R"({"name":"\u001b\u007f\u0080\u009f"})");
+}
+
+TEST(JsonText, LeavesOtherCharactersAsTheyAre) {
+  EXPECT_EQ(jsonText(Json{{"name", "~\xc2\xa0\xc3\x9f"}}), "{\"name\":\"~\xc2\xa0\xc3\x9f\"}");
+}
+
 TEST(JsonText, ReplacesWhatIsNoUtf8) { EXPECT_EQ(jsonText(Json{{"name", "a\xff"}}), "{\"name\":\"a\xef\xbf\xbd\"}"); }
 
 }  // namespace
