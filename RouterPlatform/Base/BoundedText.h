@@ -50,8 +50,11 @@ class alignas(8) BoundedText {
     return Derived(text);
   }
 
-  std::string_view view() const noexcept { return {octets_.data(), size_}; }
-  std::size_t size() const noexcept { return size_; }
+  std::string_view view() const noexcept { return {octets_.data(), size()}; }
+  /// At most `maxSize`, also of octets that came from elsewhere.
+  std::size_t size() const noexcept { return isSound() ? size_ : bound; }
+  /// Whether the size is one that a text can have. False only for octets that no operation of this type has made.
+  bool isSound() const noexcept { return size_ <= bound; }
   bool empty() const noexcept { return size_ == 0; }
   bool isDefault() const noexcept { return empty(); }
 

@@ -40,6 +40,19 @@ TYPED_TEST(BoundedText, HoldsATextUpToItsBound) {
   EXPECT_EQ(TypeParam::parse(full)->view(), full);
 }
 
+TYPED_TEST(BoundedText, OfASizeThatNoTextHasShowsItsOwnOctetsAlone) {
+  std::array<unsigned char, sizeof(TypeParam)> octets{};
+  octets.fill(0xff);  // as another process may have left them in shared memory
+  TypeParam value;
+  std::memcpy(static_cast<void*>(&value), octets.data(), octets.size());
+  EXPECT_FALSE(value.isSound());
+  EXPECT_EQ(value.size(), TypeParam::maxSize);
+  EXPECT_EQ(value.view().size(), TypeParam::maxSize);
+  EXPECT_EQ(value.toString().size(), TypeParam::maxSize);
+  EXPECT_TRUE(TypeParam("Ethernet1").isSound());
+  EXPECT_TRUE(TypeParam(std::string(TypeParam::maxSize, 'x')).isSound());
+}
+
 TYPED_TEST(BoundedText, ThrowsForALongerTextAndNamesIt) {
   std::string const tooLong(TypeParam::maxSize + 1, 'x');
   EXPECT_FALSE(TypeParam::fits(tooLong));
