@@ -1,6 +1,7 @@
 // Shared table: lookups that hit and miss, updates, walks, what growing costs, and readers beside a writer that goes
 // flat out. Rows are 72 octets: interface, address, time, and two more words.
 
+#include <RouterPlatform/Base/Text.h>
 #include <RouterPlatform/Net/IntfId.h>
 #include <RouterPlatform/Net/Ip6Addr.h>
 #include <RouterPlatform/SharedTable/Reader.h>
@@ -15,6 +16,7 @@
 #include <atomic>
 #include <bit>
 #include <chrono>
+#include <compare>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
@@ -35,6 +37,8 @@ struct Key {
   U64 hash(U64 seed) const noexcept {
     return Fwk::HashAccumulator(seed).mix(intfId.hash(seed)).mix(addr.hash(seed)).result();
   }
+  auto operator<=>(Key const&) const = default;
+  void appendTo(std::string& out) const { Trace::appendTexts(out, intfId, '-', addr); }
 };
 
 struct Row {
@@ -43,6 +47,7 @@ struct Row {
   std::array<U64, 2> more{};
 
   Key const& key() const { return key_; }
+  bool operator==(Row const&) const = default;
   static constexpr std::array tableFields{
       SharedTable::field<Net::IntfId>("key.intfId"), SharedTable::field<Net::Ip6Addr>("key.addr"),
       SharedTable::field<double>("time"), SharedTable::field<std::array<U64, 2>>("more")};

@@ -32,6 +32,9 @@ class ROUTER_ADVT_EXPORT RouterNeighborRa {
   Seconds lastRaReceived() const { return lastRaReceived_; }
   void lastRaReceivedIs(Seconds v) { lastRaReceived_ = v; }
 
+  /// Whether the octets are those of a row: asked by readers of the shared table, which another user may have written.
+  bool isSound() const noexcept { return key_.isSound(); }
+
   /// Times compare as floating-point numbers.
   bool operator==(RouterNeighborRa const&) const noexcept = default;
 

@@ -4,12 +4,6 @@
 
 namespace RouterAdvt {
 
-void RouterNeighborRaKey::appendTo(std::string& out) const {
-  intfId_.appendTo(out);
-  out += '-';
-  neighborAddr_.appendTo(out);
-}
-
 String RouterNeighborRaKey::toStrep() const { return Trace::textOf(*this); }
 
 /// The last minus is the one between: an address has none, the name of an interface may.

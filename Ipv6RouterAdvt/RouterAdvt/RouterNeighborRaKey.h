@@ -35,6 +35,9 @@ class ROUTER_ADVT_EXPORT RouterNeighborRaKey {
   /// By interface, then by address.
   std::strong_ordering operator<=>(RouterNeighborRaKey const&) const noexcept = default;
 
+  /// Whether the octets are those of a key: the interface's name has a size that a name can have.
+  bool isSound() const noexcept { return intfId_.isSound(); }
+
   /// The same in every process and every binary for the same seed.
   U64 hash(U64 seed) const noexcept {
     return Fwk::HashAccumulator(seed).mix(intfId_.hash(seed)).mix(neighborAddr_.hash(seed)).result();
@@ -44,7 +47,12 @@ class ROUTER_ADVT_EXPORT RouterNeighborRaKey {
 
   /// Interface and address with a minus between them: `Ethernet1-fe80::1`.
   String toStrep() const;
-  void appendTo(std::string& out) const;
+  /// Here and not in the library: readers of the shared table need the platform library alone.
+  void appendTo(std::string& out) const {
+    intfId_.appendTo(out);
+    out += '-';
+    neighborAddr_.appendTo(out);
+  }
   /// Reads what `toStrep` gives.
   static std::optional<RouterNeighborRaKey> parse(std::string_view text) noexcept;
   static constexpr char const* textTypeName = "RouterAdvt::RouterNeighborRaKey";

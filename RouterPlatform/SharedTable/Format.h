@@ -18,10 +18,25 @@ using Fwk::U8;
 
 inline constexpr std::array<char, 8> magicText{'R', 'o', 'u', 't', 'T', 'b', 'l', '\n'};
 inline constexpr U32 byteOrderMark = 0x01020304;
-inline constexpr U32 formatVersion = 1;
+inline constexpr U32 formatVersion = 2;
 inline constexpr U32 retiredMark = 0x52455449;
 inline constexpr U64 headerSize = 4096;
 inline constexpr U64 hugePageSize = U64{2} << 20;
+
+/// The secret of one table file, random, which places the hashes of its keys. A key's own hash has seed 0, so anybody
+/// can compute it; without the secret nobody can tell which keys meet in one bucket. docs/adr/0014 has the reasons.
+struct HashSecret {
+  std::array<U64, 2> factor;  ///< 128 bits, the low half first
+  std::array<U64, 2> addend;  ///< likewise
+
+  /// Bits 64 to 127 of `hash` x factor + addend: two different hashes get any two given places with the same
+  /// probability, whatever the hashes are.
+  constexpr U64 place(U64 hash) const noexcept {
+    __extension__ using U128 = unsigned __int128;
+    U128 const low = static_cast<U128>(factor[0]) * hash + addend[0];
+    return static_cast<U64>(low >> 64) + factor[1] * hash + addend[1];
+  }
+};
 
 /// Octets 0 to 255: written once, before the file gets its name; never changed. All in the writer's byte order.
 struct FixedHeader {
@@ -35,7 +50,7 @@ struct FixedHeader {
   U32 minIndexBits;  ///< log2 of the buckets of the smallest index
   U32 maxIndexBits;
   U32 reserved0;
-  U64 hashSeed;
+  HashSecret hashSecret;
   std::array<U64, 2> indexOffset;
   U64 slotsOffset;
   U64 fileSize;
@@ -45,7 +60,7 @@ struct FixedHeader {
   U32 reserved1;
   U64 writerStartTime;  ///< clock ticks since boot, as in /proc/PID/stat
   U64 createdTime;      ///< nanoseconds of the realtime clock
-  std::array<U64, 13> reserved2;
+  std::array<U64, 10> reserved2;
   U32 reserved3;
   U32 crc;  ///< CRC-32 of the octets before it
 };
@@ -61,17 +76,17 @@ static_assert(offsetof(FixedHeader, maxRows) == 32);
 static_assert(offsetof(FixedHeader, minIndexBits) == 36);
 static_assert(offsetof(FixedHeader, maxIndexBits) == 40);
 static_assert(offsetof(FixedHeader, reserved0) == 44);
-static_assert(offsetof(FixedHeader, hashSeed) == 48);
-static_assert(offsetof(FixedHeader, indexOffset) == 56);
-static_assert(offsetof(FixedHeader, slotsOffset) == 72);
-static_assert(offsetof(FixedHeader, fileSize) == 80);
-static_assert(offsetof(FixedHeader, instanceId) == 88);
-static_assert(offsetof(FixedHeader, bootId) == 104);
-static_assert(offsetof(FixedHeader, writerPid) == 120);
-static_assert(offsetof(FixedHeader, reserved1) == 124);
-static_assert(offsetof(FixedHeader, writerStartTime) == 128);
-static_assert(offsetof(FixedHeader, createdTime) == 136);
-static_assert(offsetof(FixedHeader, reserved2) == 144);
+static_assert(offsetof(FixedHeader, hashSecret) == 48);
+static_assert(offsetof(FixedHeader, indexOffset) == 80);
+static_assert(offsetof(FixedHeader, slotsOffset) == 96);
+static_assert(offsetof(FixedHeader, fileSize) == 104);
+static_assert(offsetof(FixedHeader, instanceId) == 112);
+static_assert(offsetof(FixedHeader, bootId) == 128);
+static_assert(offsetof(FixedHeader, writerPid) == 144);
+static_assert(offsetof(FixedHeader, reserved1) == 148);
+static_assert(offsetof(FixedHeader, writerStartTime) == 152);
+static_assert(offsetof(FixedHeader, createdTime) == 160);
+static_assert(offsetof(FixedHeader, reserved2) == 168);
 static_assert(offsetof(FixedHeader, reserved3) == 248);
 static_assert(offsetof(FixedHeader, crc) == 252);
 
@@ -160,8 +175,8 @@ struct CheckedNumber {
   constexpr bool isIntact() const noexcept { return static_cast<U32>(bits >> 32) == static_cast<U32>(~bits); }
 };
 
-/// Where a hash belongs: its highest bits choose the bucket at which probing starts, so an index of twice the size
-/// holds the keys in the same order; its lowest bits are the tag.
+/// Where a placed hash belongs: its highest bits choose the bucket at which probing starts, so an index of twice the
+/// size holds the keys in the same order; its lowest bits are the tag.
 constexpr U64 homeBucket(U64 hash, U32 indexBits) noexcept { return hash >> (64 - indexBits); }
 constexpr U8 tagOf(U64 hash) noexcept { return static_cast<U8>(hash); }
 

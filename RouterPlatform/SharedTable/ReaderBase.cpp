@@ -53,7 +53,6 @@ bool geometryIsSound(FixedHeader const& header) noexcept {
 struct ReaderBase::Attachment {
   Memory memory;
   FixedHeader header{};
-  View view;
   bool writerWasAlive = false;
 };
 
@@ -69,15 +68,13 @@ ReaderBase::ReaderBase(RowType const& type, std::string_view mountPath, std::str
 ReaderBase::~ReaderBase() = default;
 
 bool ReaderBase::attached() const noexcept { return attachment_ != nullptr; }
-void ReaderBase::detach() noexcept { attachment_.reset(); }
-
-View const& ReaderBase::view() const noexcept {
-  static View const none;
-  return attachment_ ? attachment_->view : none;
+void ReaderBase::detach() noexcept {
+  view_ = View();
+  attachment_.reset();
 }
 
-U32 ReaderBase::count() const noexcept { return attachment_ ? attachment_->view.count().value_or(0) : 0; }
-U64 ReaderBase::changeCount() const noexcept { return attachment_ ? attachment_->view.changeCount() : 0; }
+U32 ReaderBase::count() const noexcept { return view_ ? view_.count().value_or(0) : 0; }
+U64 ReaderBase::changeCount() const noexcept { return view_ ? view_.changeCount() : 0; }
 
 Error ReaderBase::open(std::unique_ptr<Attachment>& out) const {
   if (!FileIo::namesAreSound(mountPath_, collection_))
@@ -99,7 +96,6 @@ Error ReaderBase::open(std::unique_ptr<Attachment>& out) const {
   attachment->writerWasAlive = FileIo::isLockedForWriting(file.get());
   if (int const error = attachment->memory.mapReadOnly(std::move(file), header.fileSize))
     return FileIo::systemFailure(error, path_);
-  attachment->view = View(attachment->memory.base(), header, type_);
   out = std::move(attachment);
   return {};
 }
@@ -107,17 +103,18 @@ Error ReaderBase::open(std::unique_ptr<Attachment>& out) const {
 Error ReaderBase::attach() {
   detach();
   attachError_ = open(attachment_);
+  if (attachment_) view_ = View(attachment_->memory.base(), attachment_->header, type_);
   return attachError_;
 }
 
 /// Acquire; pairs with the release store in WriterCore::retire.
 bool ReaderBase::isRetired() const noexcept {
-  return attachment_->view.live().retired.load(std::memory_order_acquire) == retiredMark;
+  return view_.live().retired.load(std::memory_order_acquire) == retiredMark;
 }
 
 WriterState ReaderBase::writer() const noexcept {
   if (!attachment_) return {};
-  LiveState const& live = attachment_->view.live();
+  LiveState const& live = view_.live();
   WriterState state;
   bool const retired = isRetired();
   state.alive = !retired && FileIo::isLockedForWriting(attachment_->memory.fd());
@@ -170,7 +167,7 @@ WaitResult ReaderBase::wait(U64 seen, milliseconds timeout) {
       std::this_thread::sleep_for(sleep);
       continue;
     }
-    LiveState const& live = attachment_->view.live();
+    LiveState const& live = view_.live();
     // Acquire; pairs with the release store in WriterCore::announce. Loaded before the count: if both change after
     // that, the word is another one and the sleep does not begin.
     U32 const word = live.changeWord.load(std::memory_order_acquire);

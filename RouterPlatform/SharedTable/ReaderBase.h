@@ -71,7 +71,7 @@ class ROUTER_PLATFORM_EXPORT ReaderBase {
 
   /// Of the table's file, whether there is one or not.
   std::string const& path() const noexcept { return path_; }
-  View const& view() const noexcept;
+  View const& view() const noexcept { return view_; }
 
  protected:
   ReaderBase(RowType const& type, std::string_view mountPath, std::string_view collection, ReaderOptions options);
@@ -93,6 +93,7 @@ class ROUTER_PLATFORM_EXPORT ReaderBase {
   std::string const collection_;
   std::string const path_;
   std::unique_ptr<Attachment> attachment_;
+  View view_;  ///< of the attached table
   Error attachError_;
 };
 

@@ -1,10 +1,14 @@
 #pragma once
 
 #include <RouterPlatform/Base/Hash.h>
+#include <RouterPlatform/Base/Text.h>
 #include <RouterPlatform/SharedTable/Format.h>
 #include <RouterPlatform/Trace/Assert.h>
 
 #include <array>
+#include <concepts>
+#include <new>
+#include <string>
 #include <string_view>
 #include <type_traits>
 
@@ -23,7 +27,12 @@
 ///     };
 ///
 /// Rows are octets to the table and to readers built by others: trivially copyable, no padding, a multiple of 8 octets.
-/// The key has a hash that is the same in every binary.
+/// What the table does with keys it does with the key type's own operations: `hash(0)`, which is the same in every
+/// binary, `operator==`, `operator<` and the text form, which messages show. Equal keys are equal octets. A row type
+/// has `operator==` for its users; the table itself compares no rows, because every write is a change.
+///
+/// A row type may have `bool isSound() const noexcept`: false for octets that no operation of the type makes. The
+/// octets of a row may come from another user's program, so a reader takes a row that is not sound for a damaged one.
 namespace SharedTable {
 
 /// What the octets of a field are.
@@ -120,12 +129,16 @@ constexpr U64 layoutHashOf(std::array<Field, n> const& fields, U64 rowSize, U64 
   return hash;
 }
 
-/// A row type as the parts that know only octets see it.
+/// A row type as the parts that know only octets see it. The operations are those of the type.
 struct RowType {
   U32 rowSize;
   U32 keySize;
   U64 layoutHash;
-  U64 (*keyHash)(void const* key, U64 seed) noexcept;
+  U64 (*keyHash)(void const* key) noexcept;  ///< with seed 0
+  bool (*keysEqual)(void const* a, void const* b) noexcept;
+  bool (*keyLess)(void const* a, void const* b) noexcept;
+  void (*appendKey)(std::string& out, void const* key);  ///< the short text form
+  bool (*isSound)(void const* row) noexcept;             ///< null: every row is
 };
 
 template <class R>
@@ -137,6 +150,13 @@ T copyOf(void const* octets) noexcept {
   T value;
   std::memcpy(static_cast<void*>(&value), octets, sizeof value);
   return value;
+}
+
+/// The object that the octets are, where they stand aligned: in a row, a slot, or a buffer of words into which a row
+/// was copied. Lookups spend too much of their time on a copy.
+template <class T>
+T const& objectIn(void const* octets) noexcept {
+  return *std::launder(static_cast<T const*>(octets));
 }
 
 /// Hands a row to a visitor; whether the walk goes on.
@@ -157,6 +177,18 @@ bool keyStandsFirst() noexcept {
   return static_cast<void const*>(&row.key()) == static_cast<void const*>(&row);
 }
 
+/// `RowType::isSound` of a row type.
+template <class R>
+constexpr auto soundnessOf() noexcept -> bool (*)(void const*) noexcept {
+  if constexpr (requires(R const& row) {
+                  { row.isSound() }
+                  noexcept->std::same_as<bool>;
+                })
+    return [](void const* octets) noexcept -> bool { return objectIn<R>(octets).isSound(); };
+  else
+    return nullptr;
+}
+
 /// A row whose key does not stand at its start fails an assertion.
 template <class R>
 RowType const& rowTypeOf() noexcept {
@@ -165,12 +197,22 @@ RowType const& rowTypeOf() noexcept {
   static_assert(sizeof(R) % 8 == 0 && alignof(R) <= 8, "a row is a multiple of 8 octets");
   static_assert(std::is_trivially_copyable_v<Key> && std::has_unique_object_representations_v<Key>,
                 "equal keys are equal octets");
+  static_assert(std::equality_comparable<R> && std::totally_ordered<Key>);
   static_assert(fieldsFillRow(R::tableFields, sizeof(R)), "a field is not listed, or there is padding");
   static_assert(fieldsBeginWithKey(R::tableFields, sizeof(Key)), "the first fields are those of the key");
   ASSERT_AT(keyStandsFirst<R>(), Trace::Location::here());
   static constexpr RowType type{
-      sizeof(R), sizeof(Key), layoutHashOf(R::tableFields, sizeof(R), sizeof(Key)),
-      [](void const* octets, U64 seed) noexcept -> U64 { return Fwk::hashOf(copyOf<Key>(octets), seed); }};
+      sizeof(R),
+      sizeof(Key),
+      layoutHashOf(R::tableFields, sizeof(R), sizeof(Key)),
+      [](void const* key) noexcept -> U64 { return Fwk::hashOf(objectIn<Key>(key), 0); },
+      [](void const* a, void const* b) noexcept -> bool { return objectIn<Key>(a) == objectIn<Key>(b); },
+      [](void const* a, void const* b) noexcept -> bool { return objectIn<Key>(a) < objectIn<Key>(b); },
+      [](std::string& out, void const* key) {
+        using Trace::appendText;
+        appendText(out, objectIn<Key>(key));
+      },
+      soundnessOf<R>()};
   return type;
 }
 

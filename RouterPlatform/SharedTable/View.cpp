@@ -54,7 +54,7 @@ View::View(std::byte const* base, FixedHeader const& header, RowType const& type
     : base_(base),
       geometry_(Geometry::of(header.rowSize, header.keySize, header.maxRows, header.minIndexBits)),
       type_(&type),
-      hashSeed_(header.hashSeed),
+      hashSecret_(header.hashSecret),
       checkSeed_(checkSeedOf(header)) {}
 
 bool View::activeIsSound(ActiveWord active) const noexcept {
@@ -84,10 +84,10 @@ View::Probe View::copyRow(ActiveWord active, U64 number, BucketWord word, void* 
                      : Corruption{Corruption::Place::header, 0, liveStateOffset + offsetof(LiveState, slotsReady)};
     return Probe::corrupt;
   }
-  bool const sound = SlotWords::copy(slot(slotNumber), row, geometry_.rowSize / 8, RowCheck(checkSeed_, slotNumber));
+  bool const whole = SlotWords::copy(slot(slotNumber), row, geometry_.rowSize / 8, RowCheck(checkSeed_, slotNumber));
   SlotWords::fenceAfterCopy();
   if (!unchanged(active, number, word)) return Probe::moved;
-  if (sound) return Probe::found;
+  if (whole && (!type_->isSound || type_->isSound(row))) return Probe::found;
   corruption = {Corruption::Place::slot, slotNumber, geometry_.slotOffset(slotNumber)};
   return Probe::corrupt;
 }
@@ -109,7 +109,7 @@ View::Probe View::probe(ActiveWord active, void const* key, U64 hash, void* row,
       return live().active.load(std::memory_order_relaxed) == active.bits ? Probe::missing : Probe::moved;
     if (word.tag() != tag || word.tombstone()) continue;
     Probe const copied = copyRow(active, number, word, row, corruption);
-    if (copied != Probe::found || std::memcmp(row, key, geometry_.keySize) == 0) return copied;
+    if (copied != Probe::found || type_->keysEqual(row, key)) return copied;
   }
   if (!isEndless(active)) return Probe::moved;
   corruption = {Corruption::Place::index, 0, geometry_.indexOffset[active.half()]};
@@ -129,7 +129,7 @@ bool View::isEndless(ActiveWord active) const noexcept {
 
 LookupStatus View::lookup(void const* key, void* row, Corruption& corruption) const noexcept {
   if (!base_) return LookupStatus::notAttached;
-  U64 const hash = type_->keyHash(key, hashSeed_);
+  U64 const hash = placeOf(key);
   U32 damageSeen = 0;
   for (U32 attempt = 0; attempt < maxAttempts; ++attempt) {
     if (attempt > 0) pauseBeforeRetry(attempt);
@@ -222,7 +222,7 @@ View::Probe View::walkRow(Walk& walk, U64 position, BucketWord word) const {
     if (attempt > 0) pauseBeforeRetry(attempt);
     Probe const copied = copyRow(walk.active, number, word, walk.row.data(), corruption);
     if (copied == Probe::found) {
-      U64 const home = homeBucket(type_->keyHash(walk.row.data(), hashSeed_), walk.indexBits);
+      U64 const home = homeBucket(placeOf(walk.row.data()), walk.indexBits);
       // Where its probing started, counted on past the end like `position`; before `from` for what was there already.
       U64 const start = position - number + home;
       bool const wrapped = home > number;

@@ -73,6 +73,7 @@ class ROUTER_PLATFORM_EXPORT View {
   enum class Probe : U8 { found, missing, moved, corrupt };
   struct Walk;
 
+  U64 placeOf(void const* key) const noexcept { return hashSecret_.place(type_->keyHash(key)); }
   Probe probe(ActiveWord active, void const* key, U64 hash, void* row, Corruption& corruption) const noexcept;
   Probe copyRow(ActiveWord active, U64 number, BucketWord word, void* row, Corruption& corruption) const noexcept;
   bool isEndless(ActiveWord active) const noexcept;
@@ -85,7 +86,7 @@ class ROUTER_PLATFORM_EXPORT View {
   std::byte const* base_ = nullptr;
   Geometry geometry_;
   RowType const* type_ = nullptr;
-  U64 hashSeed_ = 0;
+  HashSecret hashSecret_{};
   U64 checkSeed_ = 0;
 };
 

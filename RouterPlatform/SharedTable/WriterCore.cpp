@@ -24,7 +24,7 @@ FixedHeader makeHeader(RowType const& type, Geometry const& geometry) noexcept {
   header.indexOffset = geometry.indexOffset;
   header.slotsOffset = geometry.slotsOffset;
   header.fileSize = geometry.fileSize;
-  FileIo::fillRandom(&header.hashSeed, sizeof header.hashSeed);
+  FileIo::fillRandom(&header.hashSecret, sizeof header.hashSecret);
   FileIo::fillRandom(header.instanceId.data(), header.instanceId.size());
   header.bootId = FileIo::bootId();
   header.writerPid = static_cast<U32>(getpid());
@@ -130,7 +130,7 @@ WriterCore::Position WriterCore::find(void const* key, U64 hash, Corruption& cor
     }
     if (word.tag() != tag) continue;
     // Nobody else writes, so the octets may be compared where they are.
-    if (std::memcmp(slot(word.slot()), key, geometry_.keySize) == 0) return {Find::found, number, word};
+    if (type_->keysEqual(slot(word.slot()), key)) return {Find::found, number, word};
     // Another key of the same tag, or this one damaged.
     if (!readBack(word, corruption)) return {Find::corrupt, number, word};
   }
@@ -148,7 +148,7 @@ bool WriterCore::readBack(BucketWord word, Corruption& corruption) {
 
 /// What a replaced row holds besides its key is not looked at: it goes.
 WriteStatus WriterCore::write(void const* row, Corruption& corruption) {
-  U64 const hash = type_->keyHash(row, header_.hashSeed);
+  U64 const hash = placeOf(row);
   Position const position = find(row, hash, corruption);
   if (position.outcome == Find::corrupt) return WriteStatus::corrupt;
   if (position.outcome == Find::missing) return insert(row, hash, position, corruption);
@@ -180,7 +180,7 @@ WriteStatus WriterCore::insert(void const* row, U64 hash, Position position, Cor
 }
 
 WriterCore::RemoveStatus WriterCore::remove(void const* key, void* removed, Corruption& corruption) {
-  Position const position = find(key, type_->keyHash(key, header_.hashSeed), corruption);
+  Position const position = find(key, placeOf(key), corruption);
   if (position.outcome == Find::corrupt) return RemoveStatus::corrupt;
   if (position.outcome == Find::missing) return RemoveStatus::absent;
   if (!readBack(position.word, corruption)) return RemoveStatus::corrupt;
@@ -210,7 +210,7 @@ void WriterCore::emptyBucket(U64 number) noexcept {
 }
 
 LookupStatus WriterCore::stage(void const* key, void* row, Corruption& corruption) {
-  stagedHash_ = type_->keyHash(key, header_.hashSeed);
+  stagedHash_ = placeOf(key);
   staged_ = find(key, stagedHash_, corruption);
   if (staged_.outcome == Find::corrupt) return LookupStatus::corrupt;
   if (staged_.outcome == Find::missing) return LookupStatus::missing;
@@ -226,8 +226,7 @@ LookupStatus WriterCore::stage(void const* key, void* row, Corruption& corruptio
 
 WriteStatus WriterCore::commit(void const* row, Corruption& corruption) {
   bool const stands = staged_.outcome == Find::found && stagedEpoch_ == epoch_ &&
-                      wordOf(staged_.bucket).bits == staged_.word.bits &&
-                      std::memcmp(row, stagedKey_.data(), geometry_.keySize) == 0;
+                      wordOf(staged_.bucket).bits == staged_.word.bits && type_->keysEqual(row, stagedKey_.data());
   if (!stands) return write(row, corruption);
   replace(staged_, row, stagedHash_);
   staged_.word = wordOf(staged_.bucket);
@@ -367,7 +366,7 @@ WriterCore::Damages WriterCore::findDamage(Fwk::FunctionRef<bool(BucketWord)> wh
         if (!whole(word)) return damages;
         continue;
       }
-      bool const keyHolds = type_->keyHash(scratch_.data(), header_.hashSeed) >> 32 == slotHash_[word.slot()];
+      bool const keyHolds = placeOf(scratch_.data()) >> 32 == slotHash_[word.slot()];
       if (keyHolds) damage.row = scratch_;
     }
     damages.push_back(std::move(damage));

@@ -109,6 +109,7 @@ class WriterCore {
   void publish(U64 number, BucketWord word) noexcept;
   void announce() noexcept;
 
+  U64 placeOf(void const* key) const noexcept { return header_.hashSecret.place(type_->keyHash(key)); }
   Position find(void const* key, U64 hash, Corruption& corruption);
   bool readBack(BucketWord word, Corruption& corruption);
   Damages findDamage(Fwk::FunctionRef<bool(BucketWord)> whole);

@@ -326,10 +326,13 @@ class IntrudingRow {
       if (intrude) std::exchange(intrude, nullptr)();
       return Fwk::hashOf(number, seed);
     }
+    auto operator<=>(Key const&) const = default;
+    void appendTo(std::string& out) const { Trace::appendText(out, number); }
   };
   IntrudingRow() = default;
   explicit IntrudingRow(U64 number) : key_{number} {}
   Key const& key() const { return key_; }
+  bool operator==(IntrudingRow const&) const = default;
   static constexpr std::array tableFields{SharedTable::field<U64>("key")};
   static inline std::function<void()> intrude;
 

@@ -91,6 +91,16 @@ TEST(SharedTableFormat, AnIndexOfTwiceTheSizeKeepsTheOrderOfTheHomes) {
     EXPECT_EQ(homeBucket(hash, 14) >> 1, homeBucket(hash, 13));
 }
 
+/// Computed from the words of the format's page by another program.
+TEST(SharedTableFormat, AHashIsPlacedByTheSecretOfTheFile) {
+  constexpr HashSecret secret{{0x8796a5b4c3d2e1f0, 0x0f1e2d3c4b5a6978}, {0x8899aabbccddeeff, 0x0011223344556677}};
+  EXPECT_EQ(secret.place(0), 0x0011223344556677u);
+  EXPECT_EQ(secret.place(1), 0x0f2f4f6f8fafcff0u);
+  EXPECT_EQ(secret.place(~U64{0}), 0x78899aabbccddeefu);
+  EXPECT_EQ(secret.place(0x18d4b0264a9dcf8f), 0x00b76e24db9248ffu);
+  EXPECT_EQ(secret.place(0xba2f4ea9849bd658), 0x211406f9ecdfd2c4u);
+}
+
 U64 checkOf(std::array<U64, 9> const& words, U64 seed = 1, U32 slot = 1) {
   RowCheck check(seed, slot);
   for (U64 const word : words) check.add(word);
@@ -161,6 +171,7 @@ struct RowWithLateKey {
   U64 time = 0;
   U64 key_ = 0;
   U64 const& key() const { return key_; }
+  bool operator==(RowWithLateKey const&) const = default;
   static constexpr std::array tableFields{field<U64>("time"), field<U64>("key")};
 };
 

@@ -21,6 +21,8 @@ class PlainRow {
   struct Key {
     std::array<U64, 6> words{};
     U64 hash(U64 seed) const noexcept { return Fwk::hashBytes(words.data(), sizeof words, seed); }
+    auto operator<=>(Key const&) const = default;
+    void appendTo(std::string& out) const { Trace::appendText(out, words[5]); }
   };
   PlainRow() = default;
   explicit PlainRow(U64 number, double time = 0) : time_(time) { key_.words[5] = number; }
@@ -28,6 +30,7 @@ class PlainRow {
   U64 number() const { return key_.words[5]; }
   double time() const { return time_; }
   U64 sequence() const { return sequence_; }
+  bool operator==(PlainRow const&) const = default;
   static constexpr std::array tableFields{SharedTable::field<std::array<U64, 6>>("key"),
                                           SharedTable::field<double>("time"), SharedTable::field<U64>("sequence")};
 

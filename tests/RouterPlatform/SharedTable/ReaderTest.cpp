@@ -343,6 +343,7 @@ struct OtherRow {
   U64 version = 0;
   std::array<U64, 2> proof{};
   Key const& key() const { return key_; }
+  bool operator==(OtherRow const&) const = default;
   static constexpr std::array tableFields{
       SharedTable::field<Net::IntfId>("key.intfId"), SharedTable::field<Net::Ip6Addr>("key.addr"),
       SharedTable::field<U64>("revision"), SharedTable::field<std::array<U64, 2>>("proof")};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <RouterPlatform/Base/Text.h>
 #include <RouterPlatform/Net/IntfId.h>
 #include <RouterPlatform/Net/Ip6Addr.h>
 #include <RouterPlatform/SharedTable/Memory.h>
@@ -13,6 +14,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <compare>
 #include <filesystem>
 #include <string>
 
@@ -42,7 +44,8 @@ struct Key {
   U64 hash(U64 seed) const noexcept {
     return Fwk::HashAccumulator(seed).mix(Fwk::hashOf(intfId, seed)).mix(Fwk::hashOf(addr, seed)).result();
   }
-  bool operator==(Key const&) const = default;
+  auto operator<=>(Key const&) const = default;
+  void appendTo(std::string& out) const { Trace::appendTexts(out, intfId, '-', addr); }
 };
 
 /// A row that shows by itself whether it is whole: its words follow from key number and version.
