@@ -35,8 +35,9 @@ class PtrInterface {
 
   void newRef() const noexcept {
     if (threadSafePtrMode())
+      // Relaxed and without a partner: whoever adds a reference holds one, or has just made the object.
       references_.fetch_add(1, std::memory_order_relaxed);
-    else
+    else  // one thread has the object: no partner
       references_.store(references_.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
   }
 
