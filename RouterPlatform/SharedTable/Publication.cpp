@@ -23,10 +23,12 @@ void retireFormer(Fd const& file) noexcept {
   void* const page = mmap(nullptr, headerSize, PROT_READ | PROT_WRITE, MAP_SHARED, file.get(), 0);
   if (page == MAP_FAILED) return;
   auto& live = *reinterpret_cast<LiveState*>(static_cast<std::byte*>(page) + liveStateOffset);
-  if (live.retired.load(std::memory_order_relaxed) == 0) {
+  if (live.retired.load(std::memory_order_relaxed) == 0) {  // without a partner: its writer is dead
+    // Relaxed: shown by the release store of `retired`.
     live.retiredTime.store(FileIo::realtime(), std::memory_order_relaxed);
-    // Release; pairs with the acquire load in ReaderBase::isRetired.
+    // Release; pairs with the acquire load in View::isRetired.
     live.retired.store(retiredMark, std::memory_order_release);
+    // Release; pairs with the acquire load in ReaderBase::wait.
     live.changeWord.fetch_add(1, std::memory_order_release);
     FileIo::wakeAll(live.changeWord);
   }

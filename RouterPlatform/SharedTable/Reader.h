@@ -12,12 +12,18 @@ struct Lookup {
   LookupStatus status = LookupStatus::notAttached;
   R row{};                ///< the default row unless found
   Corruption corruption;  ///< what is damaged, with status `corrupt`
+  bool retired = false;   ///< the writer has left this file: the row is the last one it had, and changes no more
 
   explicit operator bool() const noexcept { return status == LookupStatus::found; }
 };
 
 /// Reads the table that a writer, mostly another process, keeps at a mount path. It only loads: nothing it does can
 /// disturb the writer. Many threads may look up and walk at once, as long as none attaches, detaches or waits.
+///
+/// A writer that unmounts, or that follows another one, leaves the file that it or the other one had: the file is
+/// retired. The reader goes on with its rows until it attaches anew, which `wait` does by itself. A program that never
+/// waits looks at `retired` in what lookups and walks return, and then calls `attach`. The rows of a writer that has
+/// died are not retired before the next writer comes; `writer().alive` tells.
 ///
 ///     SharedTable::Reader<Neighbor> neighbors("routing6/neighbors", "neighbor");
 ///     if (auto error = neighbors.attach()) return fail(error.text);
@@ -39,6 +45,7 @@ class Reader : public ReaderBase {
     Lookup<R> result;
     result.status = view().lookup(&key, &result.row, result.corruption);
     if (!result) result.row = R{};
+    result.retired = view() && view().isRetired();
     return result;
   }
 
@@ -47,7 +54,9 @@ class Reader : public ReaderBase {
   /// that nothing changed meanwhile.
   template <class Visit>
   WalkResult forEach(Visit&& visit) const {
-    return view().walk([&](void const* octets) { return visitRow<R>(visit, octets); });
+    WalkResult result = view().walk([&](void const* octets) { return visitRow<R>(visit, octets); });
+    result.retired = view() && view().isRetired();
+    return result;
   }
 };
 

@@ -92,7 +92,9 @@ Error ReaderBase::open(std::unique_ptr<Attachment>& out) const {
   struct stat status {};
   if (fstat(file.get(), &status) != 0) return FileIo::systemFailure(errno, path_);
   if (!geometryIsSound(header)) return {Errc::damaged, 0, path_ + ": the header contradicts itself"};
-  if (static_cast<U64>(status.st_size) != header.fileSize) return {Errc::damaged, 0, path_ + ": truncated"};
+  U64 const fileSize = static_cast<U64>(status.st_size);
+  if (fileSize < header.fileSize) return {Errc::damaged, 0, path_ + ": truncated"};
+  if (fileSize > header.fileSize) return {Errc::damaged, 0, path_ + ": longer than its header says"};
   attachment->writerWasAlive = FileIo::isLockedForWriting(file.get());
   if (int const error = attachment->memory.mapReadOnly(std::move(file), header.fileSize))
     return FileIo::systemFailure(error, path_);
@@ -107,20 +109,16 @@ Error ReaderBase::attach() {
   return attachError_;
 }
 
-/// Acquire; pairs with the release store in WriterCore::retire.
-bool ReaderBase::isRetired() const noexcept {
-  return view_.live().retired.load(std::memory_order_acquire) == retiredMark;
-}
-
 WriterState ReaderBase::writer() const noexcept {
   if (!attachment_) return {};
   LiveState const& live = view_.live();
   WriterState state;
-  bool const retired = isRetired();
+  bool const retired = view_.isRetired();
   state.alive = !retired && FileIo::isLockedForWriting(attachment_->memory.fd());
   state.pid = attachment_->header.writerPid;
   state.createdTime = attachment_->header.createdTime;
-  state.changeTime = live.changeTime.load(std::memory_order_relaxed);
+  state.changeTime = live.changeTime.load(std::memory_order_relaxed);  // without a partner: a number by itself
+  // Relaxed: the acquire load of `retired` shows it, see View::isRetired.
   if (retired) state.retiredTime = live.retiredTime.load(std::memory_order_relaxed);
   return state;
 }
@@ -136,7 +134,7 @@ bool ReaderBase::isReplaced() const {
 
 WaitResult ReaderBase::reattach() {
   if (!attach()) {
-    if (!isRetired()) return WaitResult::attached;
+    if (!view_.isRetired()) return WaitResult::attached;
     // Its writer could not take the name away: nothing comes from that file any more.
     detach();
     attachError_ = {Errc::noTable, 0, path_ + ": its writer has ended it"};
@@ -145,8 +143,8 @@ WaitResult ReaderBase::reattach() {
 }
 
 std::optional<WaitResult> ReaderBase::checkWriter() {
-  if (FileIo::isLockedForWriting(attachment_->memory.fd())) return std::nullopt;
   if (isReplaced()) return reattach();
+  if (FileIo::isLockedForWriting(attachment_->memory.fd())) return std::nullopt;
   if (!std::exchange(attachment_->writerWasAlive, false)) return std::nullopt;
   return WaitResult::writerGone;
 }
@@ -168,13 +166,14 @@ WaitResult ReaderBase::wait(U64 seen, milliseconds timeout) {
       continue;
     }
     LiveState const& live = view_.live();
-    // Acquire; pairs with the release store in WriterCore::announce. Loaded before the count: if both change after
-    // that, the word is another one and the sleep does not begin.
+    // Acquire; pairs with the release stores in WriterCore::announce and WriterCore::retire. Loaded before the count:
+    // if both change after that, the word is another one and the sleep does not begin.
     U32 const word = live.changeWord.load(std::memory_order_acquire);
-    if (isRetired()) return reattach();
+    if (view_.isRetired()) return reattach();
     if (changeCount() != seen) return WaitResult::changed;
     if (left <= milliseconds::zero()) return checkWriter().value_or(WaitResult::timedOut);
     FileIo::wait(live.changeWord, word, static_cast<int>(sleep.count()));
+    // Relaxed and without a partner: if it moved, the next turn loads it again.
     if (live.changeWord.load(std::memory_order_relaxed) != word) continue;
     if (auto const happened = checkWriter()) return *happened;
   }

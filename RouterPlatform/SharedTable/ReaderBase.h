@@ -81,7 +81,6 @@ class ROUTER_PLATFORM_EXPORT ReaderBase {
   struct Attachment;
 
   Error open(std::unique_ptr<Attachment>& out) const;
-  bool isRetired() const noexcept;
   bool isReplaced() const;
   WaitResult reattach();
   std::optional<WaitResult> checkWriter();

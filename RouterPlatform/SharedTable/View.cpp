@@ -3,6 +3,7 @@
 
 #include <sched.h>
 
+#include <algorithm>
 #include <vector>
 
 namespace SharedTable {
@@ -62,9 +63,11 @@ bool View::activeIsSound(ActiveWord active) const noexcept {
          active.indexBits() <= geometry_.maxIndexBits;
 }
 
-/// Relaxed: the fence or the acquire load before the call keeps it behind what it confirms.
+/// The fence or the acquire load before the call keeps both loads behind what they confirm. The bucket: acquire; pairs
+/// with the release stores of WriterCore::rebuild, so that whoever meets a word of an index that is being made anew in
+/// this half sees that `active` moved. `active` is the last load, and relaxed: only its value counts.
 bool View::unchanged(ActiveWord active, U64 number, BucketWord word) const noexcept {
-  return bucket(active.half(), number).load(std::memory_order_relaxed) == word.bits &&
+  return bucket(active.half(), number).load(std::memory_order_acquire) == word.bits &&
          live().active.load(std::memory_order_relaxed) == active.bits;
 }
 
@@ -73,7 +76,7 @@ bool View::unchanged(ActiveWord active, U64 number, BucketWord word) const noexc
 /// before that look, and pairs with the one before every refill.
 View::Probe View::copyRow(ActiveWord active, U64 number, BucketWord word, void* row,
                           Corruption& corruption) const noexcept {
-  // Relaxed: the number was stored before the word that names such a slot.
+  // Relaxed: the number was stored before the word that names such a slot, whose acquire load shows it.
   CheckedNumber const ready{live().slotsReady.load(std::memory_order_relaxed)};
   U32 const slotNumber = word.slot();
   if (!ready.isIntact() || slotNumber > ready.value() || ready.value() > geometry_.slotCount()) {
@@ -122,8 +125,10 @@ View::Probe View::probe(ActiveWord active, void const* key, U64 hash, void* row,
 bool View::isEndless(ActiveWord active) const noexcept {
   U64 const changes = changeCount();
   for (U64 number = 0; number < U64{1} << active.indexBits(); ++number)
-    // Acquire; keeps the looks at the count and at `active` behind it.
+    // Acquire; pairs with the release store in WriterCore::publish, and keeps the looks at the count and at `active`
+    // behind it.
     if (BucketWord{bucket(active.half(), number).load(std::memory_order_acquire)}.empty()) return false;
+  // Relaxed: behind the acquire loads above.
   return changeCount() == changes && live().active.load(std::memory_order_relaxed) == active.bits;
 }
 
@@ -148,8 +153,9 @@ LookupStatus View::lookup(void const* key, void* row, Corruption& corruption) co
 }
 
 std::optional<U32> View::count() const noexcept {
-  // Relaxed and without a partner: a number by itself.
-  CheckedNumber const rows{live().rowCount.load(std::memory_order_relaxed)};
+  // Acquire; pairs with the release store in WriterCore::announce: whoever sees a number of rows sees every change
+  // counted that came before the change that made it so many.
+  CheckedNumber const rows{live().rowCount.load(std::memory_order_acquire)};
   if (!rows.isIntact() || rows.value() > geometry_.maxRows) return std::nullopt;
   return rows.value();
 }
@@ -178,9 +184,22 @@ WalkResult View::walk(Visitor const& visit) const {
       break;
     }
   }
+  std::optional<U32> const counted = count();  // before the count of changes, so that it is of this moment if that is
   walk.result.exact =
       !walk.result.stopped && walk.result.corrupt == 0 && walk.result.busy == 0 && changeCount() == walk.changesBefore;
+  if (walk.result.exact) checkCount(walk, counted);
   return walk.result;
+}
+
+/// Compares the rows of one moment with their number, which one change at most may not be in yet. Octets that became
+/// zeroes, as whole pages do, look like buckets that nothing was ever put in.
+void View::checkCount(Walk& walk, std::optional<U32> counted) const noexcept {
+  if (counted && walk.result.rows <= U64{*counted} + 1 && *counted <= walk.result.rows + 1) return;
+  walk.result.exact = false;
+  walk.result.corrupt = 1;
+  walk.result.firstCorruption =
+      counted ? Corruption{Corruption::Place::index, 0, geometry_.indexOffset[walk.active.half()]}
+              : Corruption{Corruption::Place::header, 0, liveStateOffset + offsetof(LiveState, rowCount)};
 }
 
 /// Walks on from `walk.from` under `walk.active`. False: another index came into force, or rows came and went so fast
@@ -197,6 +216,7 @@ bool View::walkClusters(Walk& walk, Visitor const& visit) const {
       if (position < buckets)
         walk.damaged({Corruption::Place::bucket, number, geometry_.bucketOffset(walk.active.half(), number)});
     } else if (word.empty()) {
+      // Relaxed, as in `probe`.
       if (live().active.load(std::memory_order_relaxed) != walk.active.bits) return false;
       walk.result.stopped = !emit(walk, visit);
       walk.from = position + 1;
@@ -234,7 +254,9 @@ View::Probe View::walkRow(Walk& walk, U64 position, BucketWord word) const {
       if (position < buckets) walk.damaged(corruption);
       return Probe::corrupt;
     }
+    // Acquire; pairs with the release store in WriterCore::rebuild.
     if (live().active.load(std::memory_order_acquire) != walk.active.bits) return Probe::moved;
+    // Acquire; pairs with the release store in WriterCore::publish.
     word = {bucket(walk.active.half(), number).load(std::memory_order_acquire)};
     if (!word.isIntact() || word.empty() || word.tombstone()) return Probe::missing;
   }
@@ -242,21 +264,35 @@ View::Probe View::walkRow(Walk& walk, U64 position, BucketWord word) const {
   return Probe::missing;
 }
 
-/// Hands out what was gathered. A key that was removed and came back behind the place where it had been met is there
-/// twice; its later row counts.
+/// Which of the gathered rows are out of date: a key that was removed and came back behind the place where it had been
+/// met is there twice, and its later row counts. In the order of the rows.
+std::vector<U64 const*> View::supersededRows(std::vector<U64> const& rows) const {
+  std::vector<U64 const*> byKey;
+  for (std::size_t at = 0; at < rows.size(); at += geometry_.rowSize / 8) byKey.push_back(rows.data() + at);
+  std::stable_sort(byKey.begin(), byKey.end(), type_->keyLess);
+  std::vector<U64 const*> superseded;
+  for (std::size_t i = 1; i < byKey.size(); ++i)
+    if (type_->keysEqual(byKey[i - 1], byKey[i])) superseded.push_back(byKey[i - 1]);
+  std::sort(superseded.begin(), superseded.end());
+  return superseded;
+}
+
+/// Hands out what was gathered.
 bool View::emit(Walk& walk, Visitor const& visit) const {
   walk.result.busy += walk.pending.busy;
   walk.result.corrupt += walk.pending.corrupt;
   if (!walk.result.firstCorruption) walk.result.firstCorruption = walk.pending.firstCorruption;
   std::size_t const words = geometry_.rowSize / 8;
   bool const mayRepeat = walk.rows.size() > words && changeCount() != walk.changesBefore;
-  auto const sameKey = [&](U64 const* a, U64 const* b) { return std::memcmp(a, b, geometry_.keySize) == 0; };
+  std::vector<U64 const*> superseded;
+  if (mayRepeat) superseded = supersededRows(walk.rows);
+  auto next = superseded.begin();
   U64 const* const end = walk.rows.data() + walk.rows.size();
   for (U64 const* row = walk.rows.data(); row != end; row += words) {
-    bool repeated = false;
-    for (U64 const* later = row + words; mayRepeat && !repeated && later < end; later += words)
-      repeated = sameKey(row, later);
-    if (repeated) continue;
+    if (next != superseded.end() && *next == row) {
+      ++next;
+      continue;
+    }
     walk.result.rows += 1;
     if (!visit(row)) return false;
   }

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <functional>
 #include <optional>
+#include <vector>
 
 namespace SharedTable {
 
@@ -26,6 +27,7 @@ struct WalkResult {
   bool exact = false;    ///< the rows are those of one moment: nothing changed during the walk
   bool stopped = false;  ///< the visitor ended the walk
   bool attached = true;  ///< false: there was no table to walk
+  bool retired = false;  ///< a reader's table: its writer has left this file, see `Lookup::retired`
   U64 busy = 0;          ///< rows left out because they changed faster than they could be copied
   U64 corrupt = 0;       ///< places left out because they are damaged
   Corruption firstCorruption;
@@ -55,6 +57,10 @@ class ROUTER_PLATFORM_EXPORT View {
   /// any other at most once, however the table changes or grows meanwhile. Damaged places are counted and left out.
   WalkResult walk(Visitor const& visit) const;
 
+  /// Whether the writer has left this memory, which then changes no more. Acquire; pairs with the release stores in
+  /// WriterCore::retire and in Publication's `retireFormer`: whoever sees the mark sees the time.
+  bool isRetired() const noexcept { return live().retired.load(std::memory_order_acquire) == retiredMark; }
+
   /// Rows, as the writer counts them; it may lag one behind the rows themselves. Nothing if the number is damaged.
   std::optional<U32> count() const noexcept;
 
@@ -81,6 +87,8 @@ class ROUTER_PLATFORM_EXPORT View {
   bool unchanged(ActiveWord active, U64 number, BucketWord word) const noexcept;
   Probe walkRow(Walk& walk, U64 position, BucketWord word) const;
   bool walkClusters(Walk& walk, Visitor const& visit) const;
+  void checkCount(Walk& walk, std::optional<U32> counted) const noexcept;
+  std::vector<U64 const*> supersededRows(std::vector<U64> const& rows) const;
   bool emit(Walk& walk, Visitor const& visit) const;
 
   std::byte const* base_ = nullptr;

@@ -34,6 +34,13 @@ Counters& counters() {
 
 constexpr std::string_view moving = "moving the rows";
 
+/// A key as its type's text form.
+struct KeyText {
+  RowType const& type;
+  void const* key;
+  void appendTo(std::string& out) const { type.appendKey(out, key); }
+};
+
 /// So short that it takes no memory.
 Error outOfMemory() { return {Errc::system, ENOMEM, "out of memory"}; }
 
@@ -83,7 +90,8 @@ class WriterBase::Telling {
 
   /// First of all, while nothing can have ended the writer.
   void damages(WriterBase const& writer, WriterCore::Damages const& damages, std::string_view during) {
-    for (auto const& damage : damages) steps_.run([&] { writer.reportCorruption(damage.corruption, during); });
+    for (auto const& damage : damages)
+      steps_.run([&] { writer.reportCorruption(damage.corruption, during, damage.key()); });
   }
   void mounted() {
     told_->quiesced = false;
@@ -186,8 +194,8 @@ Error WriterBase::moveRows(Next& next) {
   WriteStatus const status = next.core->copyFrom(*core_, next.damages, corruption);
   if (status == WriteStatus::ok) return {};
   if (status == WriteStatus::corrupt) {
-    for (auto const& damage : next.damages) reportSurely(damage.corruption, moving);
-    finishWrite(status, corruption);
+    for (auto const& damage : next.damages) reportSurely(damage.corruption, moving, damage.key());
+    finishWrite(status, corruption, nullptr);
   }
   return {Errc::noSpace, ENOSPC, collection_ + ": rows do not fit"};
 }
@@ -305,7 +313,7 @@ void WriterBase::assertNotReporting() const noexcept {
                  "a corruption handler does not mount, unmount or end its table");
 }
 
-void WriterBase::reportCorruption(Corruption const& corruption, std::string_view during) const {
+void WriterBase::reportCorruption(Corruption const& corruption, std::string_view during, void const* key) const {
   struct Reporting {
     bool& flag;
     bool const before = std::exchange(flag, true);
@@ -315,6 +323,7 @@ void WriterBase::reportCorruption(Corruption const& corruption, std::string_view
   std::string message;
   try {
     Trace::appendTexts(message, "Table ", mountPath_, "/", collection_, ": ", corruption, " while ", during);
+    if (key) Trace::appendTexts(message, ", key ", KeyText{type_, key});
   } catch (std::bad_alloc const&) {
     // The handler gets what there was memory for.
   }
@@ -324,44 +333,44 @@ void WriterBase::reportCorruption(Corruption const& corruption, std::string_view
     traceSurely(1, Trace::Location::here(), message);
 }
 
-void WriterBase::reportSurely(Corruption const& corruption, std::string_view during) const noexcept {
-  Fwk::Steps().run([&] { reportCorruption(corruption, during); });
+void WriterBase::reportSurely(Corruption const& corruption, std::string_view during, void const* key) const noexcept {
+  Fwk::Steps().run([&] { reportCorruption(corruption, during, key); });
 }
 
 void WriterBase::failRemoval() const noexcept {
   ASSERT_AT_TEXT(false, (Trace::Location{source, __LINE__, "safeRemove"}), "TableMap::safeRemove() in no man's land");
 }
 
-WriteStatus WriterBase::finishWrite(WriteStatus status, Corruption const& corruption) {
+WriteStatus WriterBase::finishWrite(WriteStatus status, Corruption const& corruption, void const* key) {
   if (status == WriteStatus::ok) [[likely]]
     return status;
   if (status == WriteStatus::corrupt) {
-    reportSurely(corruption, "writing");
+    reportSurely(corruption, "writing", key);
     ASSERT_AT_TEXT(false, (Trace::Location{source, __LINE__, "safeWrite"}), "TableMap::safeWrite() in no man's land");
   }
   (status == WriteStatus::full ? counters().full : counters().noSpace).addShared(1);
-  TRACE(traceHandle, 2, "Could not write row to ", mountPath_, "/", collection_, ": ", status, " ( ", count(),
-        " rows, ", maxRows(), " at most )");
+  TRACE(traceHandle, 2, "Could not write row ", KeyText{type_, key}, " to ", mountPath_, "/", collection_, ": ", status,
+        " ( ", count(), " rows, ", maxRows(), " at most )");
   return status;
 }
 
 WriteStatus WriterBase::write(void const* row) {
   Corruption corruption;
   WriteStatus const status = core_->write(row, corruption);
-  return finishWrite(status, corruption);
+  return finishWrite(status, corruption, row);
 }
 
 WriteStatus WriterBase::commit(void const* row) {
   Corruption corruption;
   WriteStatus const status = core_->commit(row, corruption);
-  return finishWrite(status, corruption);
+  return finishWrite(status, corruption, row);
 }
 
 bool WriterBase::remove(void const* key, void* removed) {
   Corruption corruption;
   WriterCore::RemoveStatus const status = core_->remove(key, removed, corruption);
   if (status == WriterCore::RemoveStatus::corrupt) {
-    reportSurely(corruption, "removing");
+    reportSurely(corruption, "removing", key);
     failRemoval();
   }
   return status == WriterCore::RemoveStatus::removed;
@@ -369,7 +378,7 @@ bool WriterBase::remove(void const* key, void* removed) {
 
 void WriterBase::assertRemovable() const {
   WriterCore::Damages const damages = core_->damages();
-  for (auto const& damage : damages) reportSurely(damage.corruption, "removing all rows");
+  for (auto const& damage : damages) reportSurely(damage.corruption, "removing all rows", damage.key());
   if (!damages.empty()) failRemoval();
 }
 
@@ -385,21 +394,21 @@ void WriterBase::removeAll() {
 bool WriterBase::lookup(void const* key, void* row) const {
   Corruption corruption;
   LookupStatus const status = core_->view().lookup(key, row, corruption);
-  if (status == LookupStatus::corrupt) reportCorruption(corruption, "looking up");
+  if (status == LookupStatus::corrupt) reportCorruption(corruption, "looking up", key);
   return status == LookupStatus::found;
 }
 
 bool WriterBase::stage(void const* key, void* row) {
   Corruption corruption;
   LookupStatus const status = core_->stage(key, row, corruption);
-  if (status == LookupStatus::corrupt) reportCorruption(corruption, "looking up");
+  if (status == LookupStatus::corrupt) reportCorruption(corruption, "looking up", key);
   return status == LookupStatus::found;
 }
 
 WalkResult WriterBase::walk(View::Visitor const& visit) const {
   std::shared_ptr<WriterCore const> const walked = core_;  // the visitor may mount or unmount
   WalkResult const result = walked->view().walk(visit);
-  if (result.corrupt > 0) reportCorruption(result.firstCorruption, "walking");
+  if (result.corrupt > 0) reportCorruption(result.firstCorruption, "walking", nullptr);
   return result;
 }
 

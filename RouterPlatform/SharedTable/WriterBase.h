@@ -120,12 +120,13 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
   Error takeRowsBack(Next& next);
   void leaveFile() noexcept;
   Error moveRows(Next& next);
-  void reportCorruption(Corruption const& corruption, std::string_view during) const;
+  /// `key` is that of the row concerned, or null if it is not known.
+  void reportCorruption(Corruption const& corruption, std::string_view during, void const* key) const;
   /// The same before an assertion, which stops the process whatever the handler throws.
-  void reportSurely(Corruption const& corruption, std::string_view during) const noexcept;
+  void reportSurely(Corruption const& corruption, std::string_view during, void const* key) const noexcept;
   void failRemoval() const noexcept;
   void assertNotReporting() const noexcept;
-  WriteStatus finishWrite(WriteStatus status, Corruption const& corruption);
+  WriteStatus finishWrite(WriteStatus status, Corruption const& corruption, void const* key);
 
   RowType const& type_;
   std::string const collection_;

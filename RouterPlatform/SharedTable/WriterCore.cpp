@@ -53,9 +53,12 @@ int WriterCore::start(Memory memory, U32 rows) {
   if (int const error = memory_.reserve(0, headerSize)) return error;
   if (int const error = memory_.reserve(geometry_.bucketOffset(0, 0), 8 * buckets())) return error;
   memory_.joinPages(geometry_.bucketOffset(0, 0), geometry_.bucketOffset(0, buckets()));
+  // Relaxed: nobody has the memory yet. A file's readers come after its name, a view of private memory is this
+  // thread's.
   put(live().rowCount, CheckedNumber::of(0).bits, std::memory_order_relaxed);
   if (int const error = reserveSlot()) return error;
   spare_ = takeSlot();
+  // Release; pairs with the acquire loads of `active` in View.
   put(live().active, ActiveWord::of(epoch_, indexBits_).bits, std::memory_order_release);
   view_ = View(memory_.base(), header_, *type_);
   return 0;
@@ -90,24 +93,27 @@ void WriterCore::publish(U64 number, BucketWord word) noexcept {
   put(bucket(half(), number), word.bits, std::memory_order_release);
 }
 
-/// Counts a change and wakes who waits for one. The release stores pair with the acquire loads of
-/// View::changeCount and ReaderBase::wait. A change counts only after it was committed, so a walk that finds the
-/// same count before and after met at most one change that is not counted yet, and that is one row in one moment.
+/// Counts a change and wakes the readers that wait for one. The release stores pair with the acquire loads of
+/// View::count, View::changeCount and ReaderBase::wait. A change counts only after it was committed, so a walk that
+/// finds the same count before and after met at most one change that is not counted yet, and that is one row in one
+/// moment.
 void WriterCore::announce() noexcept {
   changes_ += 1;
-  put(live().rowCount, CheckedNumber::of(rows_).bits, std::memory_order_relaxed);
+  put(live().rowCount, CheckedNumber::of(rows_).bits, std::memory_order_release);
   if (!memory_.isFile()) {
     put(live().changeCount, changes_, std::memory_order_release);
     return;
   }
   U64 const now = FileIo::coarseRealtime();
-  put(live().changeTime, now, std::memory_order_relaxed);
+  put(live().changeTime, now, std::memory_order_relaxed);  // without a partner: a number by itself
   put(live().changeCount, changes_, std::memory_order_release);
   put(live().changeWord, static_cast<U32>(changes_), std::memory_order_release);
-  // A wake is a system call. When one woke nobody, the rest of that clock tick goes without: whoever began to wait in
-  // it looks again on his own before he settles down to wait longer (ReaderBase::wait).
-  if (now == lastIdleWake_) return;
-  if (FileIo::wakeAll(live().changeWord) == 0) lastIdleWake_ = now;
+  // A wake is a system call whose time grows with the number of waiters, so there is one per clock tick at most. A
+  // reader that begins to wait after the wake of a tick looks again after its first sleep, which is longer than a tick
+  // (ReaderBase::wait).
+  if (now == lastWake_) return;
+  lastWake_ = now;
+  FileIo::wakeAll(live().changeWord);
 }
 
 WriterCore::Position WriterCore::find(void const* key, U64 hash, Corruption& corruption) {
@@ -386,9 +392,10 @@ WriteStatus WriterCore::copyFrom(WriterCore& other, Damages& damages, Corruption
 }
 
 void WriterCore::retire() noexcept {
-  put(live().retiredTime, FileIo::realtime(), std::memory_order_relaxed);
-  // Release; pairs with the acquire load in ReaderBase::isRetired: who sees the mark sees the time.
+  put(live().retiredTime, FileIo::realtime(), std::memory_order_relaxed);  // shown by `retired`
+  // Release; pairs with the acquire load in View::isRetired.
   put(live().retired, retiredMark, std::memory_order_release);
+  // Release; pairs with the acquire load in ReaderBase::wait: whoever sees the word sees the mark.
   put(live().changeWord, static_cast<U32>(changes_) + 1, std::memory_order_release);
   FileIo::wakeAll(live().changeWord);
 }

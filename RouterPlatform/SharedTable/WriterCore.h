@@ -54,6 +54,9 @@ class WriterCore {
     Corruption corruption;
     U64 bucket = 0;        ///< where it was met, unless it is the index as a whole
     std::vector<U64> row;  ///< what was read there if its key still has the hash that it had, otherwise empty
+
+    /// Of the row, or null.
+    void const* key() const noexcept { return row.empty() ? nullptr : row.data(); }
   };
   using Damages = std::vector<Damage>;
 
@@ -136,7 +139,7 @@ class WriterCore {
   U32 rows_ = 0;
   U32 tombstones_ = 0;
   U64 changes_ = 0;
-  U64 lastIdleWake_ = 0;  ///< the coarse time of the last wake that woke nobody
+  U64 lastWake_ = 0;  ///< the coarse time of the last wake
 
   U32 spare_ = 0;  ///< the slot that the next change fills
   std::vector<U32> freeSlots_;

@@ -160,6 +160,33 @@ TEST_F(DamagedTable, AWalkLeavesOutWhatIsDamagedAndSaysSo) {
   EXPECT_TRUE(walked.firstCorruption.offset == slot || walked.firstCorruption.offset == bucket);
 }
 
+TEST_F(DamagedTable, AWalkThatMeetsFewerRowsThanThereAreSaysSo) {
+  loseIndex();
+  SharedTable::WalkResult const walked = reader_.forEach([](Row const&) {});
+  EXPECT_EQ(walked.rows, 0u);
+  EXPECT_EQ(walked.corrupt, 1u);
+  EXPECT_EQ(walked.firstCorruption.place, Corruption::Place::index);
+  EXPECT_FALSE(walked.exact);
+}
+
+TEST_F(DamagedTable, AWalkWhoseNumberOfRowsIsDamagedSaysSo) {
+  damage(SharedTable::liveStateOffset + offsetof(LiveState, rowCount));
+  SharedTable::WalkResult const walked = reader_.forEach([](Row const&) {});
+  EXPECT_EQ(walked.rows, 6u);
+  EXPECT_EQ(walked.corrupt, 1u);
+  EXPECT_EQ(walked.firstCorruption.place, Corruption::Place::header);
+  EXPECT_FALSE(walked.exact);
+}
+
+TEST_F(DamagedTable, AChangeThatADeadWriterDidNotCountIsNoDamage) {
+  auto& live = *reinterpret_cast<LiveState*>(writer_.core().memory().base() + SharedTable::liveStateOffset);
+  for (auto const& [counted, exact] :
+       {std::pair(5u, true), std::pair(7u, true), std::pair(4u, false), std::pair(8u, false)}) {
+    live.rowCount = SharedTable::CheckedNumber::of(counted).bits;
+    EXPECT_EQ(reader_.forEach([](Row const&) {}).exact, exact) << counted;
+  }
+}
+
 TEST_F(DamagedTable, AWalkWhoseIndexBecomesSmallerSaysSo) {
   for (U64 i = 100; i < 200; ++i) writer_.rowIs(Row(i, 1));
   auto& active = reinterpret_cast<LiveState*>(writer_.core().memory().base() + SharedTable::liveStateOffset)->active;
@@ -208,7 +235,9 @@ TEST_F(DamagedTable, AnIndexWhoseEmptyBucketsComeAndGoIsNotTakenForOneWithoutAnE
   auto const bucket = [&](U64 number) -> std::atomic<U64>& {
     return *reinterpret_cast<std::atomic<U64>*>(base + geometry().bucketOffset(0, number));
   };
-  auto& changeCount = reinterpret_cast<LiveState*>(base + SharedTable::liveStateOffset)->changeCount;
+  auto& live = *reinterpret_cast<LiveState*>(base + SharedTable::liveStateOffset);
+  auto& changeCount = live.changeCount;
+  live.rowCount = SharedTable::CheckedNumber::of(0).bits;
   U64 const tombstone = BucketWord::of(BucketWord::tombstoneSlot, 0, 1).bits;
   for (U64 number = 1; number < 16; ++number) bucket(number) = tombstone;
   bucket(0) = 0;
@@ -245,7 +274,7 @@ TEST_F(DamagedTable, ALookupOfTheWriterTellsTheHandlerAndFindsNothing) {
   damage(slotOffset(3) + 9);
   EXPECT_EQ(writer_.row(Key::of(3)), std::nullopt);
   EXPECT_THAT(messages, ElementsAre(HasSubstr("Table test/tables/row: damaged slot ")));
-  EXPECT_THAT(messages, ElementsAre(HasSubstr(" while looking up")));
+  EXPECT_THAT(messages, ElementsAre(HasSubstr(" while looking up, key Ethernet3-fe80::3")));
   EXPECT_EQ(Stats::counter("sharedTableCorrupt").value(), counted + 1);
   EXPECT_EQ(writer_.row(Key::of(4)), Row(4, 1)) << "the others are there";
   EXPECT_EQ(writer_.writable(Key::of(3)), nullptr);
@@ -273,7 +302,7 @@ TEST_F(DamagedTableDeathTest, AWriteTellsTheHandlerAndFailsTheAssertion) {
   writer_.corruptionHandlerIs([](std::string_view message) { std::cerr << "handler: " << message << '\n'; });
   damage(slotOffset(3) + 40);
   EXPECT_DEATH(writer_.rowIs(Row(3, 2)),
-               "handler: Table .*damaged slot .* while writing(.|\n)*"
+               "handler: Table .*damaged slot .* while writing, key Ethernet3-fe80::3(.|\n)*"
                "RouterPlatform/SharedTable:[0-9]+: safeWrite: assertion "
                "\"TableMap::safeWrite\\(\\) in no man's land\" failed");
 }
@@ -282,7 +311,7 @@ TEST_F(DamagedTableDeathTest, ARemovalTellsTheHandlerAndFailsTheAssertion) {
   writer_.corruptionHandlerIs([](std::string_view message) { std::cerr << "handler: " << message << '\n'; });
   damage(bucketOffset(3) + 4);
   EXPECT_DEATH(writer_.rowDel(Key::of(3)),
-               "handler: Table .*damaged bucket .* while removing(.|\n)*"
+               "handler: Table .*damaged bucket .* while removing, key Ethernet3-fe80::3(.|\n)*"
                "RouterPlatform/SharedTable:[0-9]+: safeRemove: assertion "
                "\"TableMap::safeRemove\\(\\) in no man's land\" failed");
 }
@@ -477,7 +506,7 @@ TEST_F(DamagedTable, UnmountingSavesWhatIsWholeAndNamesTheRowThatIsLost) {
   damage(slotOffset(3) + 60);  // the key is whole
   ASSERT_FALSE(writer_.mountPathDel());
   EXPECT_THAT(lost, ElementsAre(3));
-  EXPECT_THAT(messages, ElementsAre(HasSubstr("while moving the rows")));
+  EXPECT_THAT(messages, ElementsAre(HasSubstr("while moving the rows, key Ethernet3-fe80::3")));
   EXPECT_EQ(writer_.count(), 5u);
   EXPECT_EQ(writer_.row(Key::of(4)), Row(4, 1));
 }

@@ -2,8 +2,10 @@
 #include <RouterPlatform/SharedTable/WriterCore.h>
 #include <tests/RouterPlatform/SharedTable/TableFixture.h>
 
+#include <linux/futex.h>
 #include <sys/file.h>
 #include <sys/mman.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 
 #include <chrono>
@@ -184,6 +186,41 @@ TEST_F(ReaderOf, AChangeWakesWhoSleeps) {
   EXPECT_TRUE(Sleeper(reader_).isWokenBy([&] { writer_.rowIs(Row(1, ++count)); }));
 }
 
+/// Counts how often it is woken; goes back to sleep at once.
+class WakeCounter {
+ public:
+  explicit WakeCounter(std::atomic<U32> const& word) : word_(word) {}
+  ~WakeCounter() {
+    stop_ = true;
+    thread_.join();
+  }
+  U64 wakes() const { return wakes_; }
+
+ private:
+  std::atomic<U32> const& word_;
+  std::atomic<U64> wakes_{0};
+  std::atomic<bool> stop_{false};
+  std::thread thread_{[this] {
+    timespec const limit{0, 20000000};
+    while (!stop_)
+      if (syscall(SYS_futex, &word_, FUTEX_WAIT, word_.load(), &limit, nullptr, 0) == 0) ++wakes_;
+  }};
+};
+
+TEST_F(ReaderOf, AWriterWakesOncePerClockTickAtMost) {
+  mountAndAttach();
+  auto const& live = *reinterpret_cast<LiveState const*>(reader_.view().base() + SharedTable::liveStateOffset);
+  WakeCounter const waiter(live.changeWord);
+  std::set<U64> ticks;
+  for (U64 change = 0; change < 2000; ++change) {
+    ticks.insert(SharedTable::FileIo::coarseRealtime());
+    writer_.rowIs(Row(1, change));
+    ticks.insert(SharedTable::FileIo::coarseRealtime());
+    std::this_thread::sleep_for(20us);  // the waiter sleeps again
+  }
+  EXPECT_LE(waiter.wakes(), 2 * ticks.size());  // a tick may go by between the looks at the clock
+}
+
 TEST_F(ReaderOf, AChangeRightAfterAWakeThatWokeNobodyIsNotMissed) {
   mountAndAttach();
   for (U64 round = 0; round < 20; ++round) {
@@ -235,6 +272,25 @@ TEST_F(ReaderOf, ATableThatEndedKeepsItsRowsForWhoStillHasIt) {
   SharedTable::WriterState const state = reader_.writer();
   EXPECT_FALSE(state.alive);
   EXPECT_NE(state.retiredTime, 0u);
+}
+
+TEST_F(ReaderOf, ATableThatEndedIsToldByLookupsAndWalksWithoutAWait) {
+  writer_.rowIs(Row(1, 1));
+  mountAndAttach();
+  EXPECT_FALSE(reader_.row(Key::of(1)).retired);
+  EXPECT_FALSE(reader_.row(Key::of(2)).retired);
+  EXPECT_FALSE(reader_.forEach([](Row const&) {}).retired);
+  ASSERT_FALSE(writer_.mountPathDel());
+  ASSERT_FALSE(writer_.mountPathIs(mountPath));
+  EXPECT_TRUE(reader_.row(Key::of(1)).retired);
+  EXPECT_TRUE(reader_.row(Key::of(2)).retired);
+  EXPECT_TRUE(reader_.forEach([](Row const&) {}).retired);
+  ASSERT_FALSE(reader_.attach());
+  EXPECT_FALSE(reader_.row(Key::of(1)).retired);
+  EXPECT_FALSE(reader_.forEach([](Row const&) {}).retired);
+  reader_.detach();
+  EXPECT_FALSE(reader_.row(Key::of(1)).retired);
+  EXPECT_FALSE(reader_.forEach([](Row const&) {}).retired);
 }
 
 TEST_F(ReaderOf, ANewTableIsAttachedByTheWaiter) {
@@ -445,7 +501,7 @@ TEST_F(ReaderOf, EveryDamagedOctetOfTheHeaderIsNoticed) {
   EXPECT_FALSE(reader_.attach());
 }
 
-TEST_F(ReaderOf, ATruncatedFileIsNoticed) {
+TEST_F(ReaderOf, ATruncatedOrLengthenedFileIsNoticed) {
   mountAndAttach();
   reader_.detach();
   ASSERT_FALSE(writer_.mountPathDel());
@@ -457,6 +513,9 @@ TEST_F(ReaderOf, ATruncatedFileIsNoticed) {
   ASSERT_FALSE(copy.attach());
   EXPECT_FALSE(copy.writer().alive);
   copy.detach();
+  std::filesystem::resize_file(path("copy.tbl"), size + 1);
+  EXPECT_EQ(copy.attach().code, Errc::damaged);
+  EXPECT_THAT(copy.attachError().text, HasSubstr("longer than its header says"));
   for (auto const shorter : {size - 1, size / 2, std::uintmax_t{4096}, std::uintmax_t{255}, std::uintmax_t{0}}) {
     std::filesystem::resize_file(path("copy.tbl"), shorter);
     EXPECT_EQ(copy.attach().code, Errc::damaged) << shorter;

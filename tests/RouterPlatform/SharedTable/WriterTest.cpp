@@ -104,7 +104,7 @@ TEST_P(WriterOperations, ARowAboveTheMaximumIsRefusedCountedAndTracedAndTheRestS
   U64 const refused = Stats::counter("sharedTableFull").value();
   EXPECT_EQ(writer_.rowIs(Row(5000, 0)), WriteStatus::full);
   EXPECT_EQ(Stats::counter("sharedTableFull").value(), refused + 1);
-  EXPECT_THAT(trace.texts(2), ElementsAre(HasSubstr("Could not write row to ")));
+  EXPECT_THAT(trace.texts(2), ElementsAre(HasSubstr("Could not write row Ethernet2-fe80::1388 to ")));
   EXPECT_THAT(trace.texts(2), ElementsAre(HasSubstr("table full ( 1024 rows, 1024 at most )")));
   EXPECT_EQ(writer_.row(Key::of(5000)), std::nullopt);
   for (U64 i = 0; i < 1024; ++i) ASSERT_EQ(writer_.rowIs(Row(i, 1)), WriteStatus::ok);
