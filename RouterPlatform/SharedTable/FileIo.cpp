@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <linux/futex.h>
+#include <pthread.h>
 #include <sys/random.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -13,6 +14,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <new>
 
 namespace SharedTable::FileIo {
 namespace {
@@ -74,15 +76,20 @@ std::string_view readSmallFile(char const* path, std::array<char, 1024>& buffer)
 
 }  // namespace
 
-std::string tableDirectory() {
-  char const* const set = secure_getenv("SHARED_TABLE_DIR");
-  return set && *set ? set : "/dev/shm/router-shared-tables";
+std::string chosenDirectory(std::string option) {
+  if (option.empty())
+    if (char const* const set = secure_getenv("SHARED_TABLE_DIR")) option = set;
+  while (option.size() > 1 && option.back() == '/') option.pop_back();
+  return option;
 }
 
-std::string directoryOr(std::string directory) {
-  if (directory.empty()) directory = tableDirectory();
-  while (directory.size() > 1 && directory.back() == '/') directory.pop_back();
-  return directory;
+std::string directoryThere(std::string const& preferred, std::string const& fallback) {
+  struct stat status {};
+  return lstat(preferred.c_str(), &status) == 0 && S_ISDIR(status.st_mode) ? preferred : fallback;
+}
+
+std::string tableDirectory(std::string const& chosen) {
+  return chosen.empty() ? directoryThere("/run/router-shared-tables", "/dev/shm/router-shared-tables") : chosen;
 }
 
 bool namesAreSound(std::string_view mountPath, std::string_view collection) noexcept {
@@ -143,6 +150,16 @@ bool namesFile(Fd const& directory, std::string const& name, int file) noexcept 
          named.st_dev == opened.st_dev && named.st_ino == opened.st_ino;
 }
 
+Error findName(std::string const& base, std::string_view mountPath, std::string const& name, Owner owner, int file,
+               bool& named) {
+  named = false;
+  Fd directory;
+  if (Error error = openDirectory(base, mountPath, false, owner, directory))
+    return error.code == Errc::noTable ? Error{} : error;
+  named = namesFile(directory, name, file);
+  return {};
+}
+
 int lockForWriting(int file) noexcept {
   struct flock lock = firstOctet(F_WRLCK);
   if (fcntl(file, F_OFD_SETLK, &lock) == 0) return 0;
@@ -170,6 +187,15 @@ void wait(std::atomic<U32> const& word, U32 value, int milliseconds) noexcept {
 int wakeAll(std::atomic<U32> const& word) noexcept {
   long const woken = syscall(SYS_futex, reinterpret_cast<U32 const*>(&word), FUTEX_WAKE, INT_MAX, nullptr, nullptr, 0);
   return woken > 0 ? static_cast<int>(woken) : 0;
+}
+
+U64 forkCount() {
+  // Relaxed and without partners: the handler runs in a child that has one thread yet.
+  static std::atomic<U64> forks{0};
+  static bool const counting =
+      pthread_atfork(nullptr, nullptr, [] { forks.fetch_add(1, std::memory_order_relaxed); }) == 0;
+  if (!counting) throw std::bad_alloc();
+  return forks.load(std::memory_order_relaxed);
 }
 
 std::array<U8, 16> bootId() noexcept {

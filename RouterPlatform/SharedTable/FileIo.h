@@ -16,10 +16,14 @@ namespace SharedTable::FileIo {
 /// Who may own a table and its directories, besides root and this process's effective user.
 using Owner = std::optional<uid_t>;
 
-/// $SHARED_TABLE_DIR, or /dev/shm/router-shared-tables. The variable is ignored in a set-user-id program.
-std::string tableDirectory();
-/// `directory`, or the above if it is empty; without slashes at the end, which would follow a symbolic link.
-std::string directoryOr(std::string directory);
+/// `option`, or $SHARED_TABLE_DIR if that is empty; both empty: the empty text, for the default directory. The variable
+/// is ignored in a set-user-id program. Without slashes at the end, which would follow a symbolic link.
+std::string chosenDirectory(std::string option);
+/// `preferred` if it is a directory at this moment, and no symbolic link to one; otherwise `fallback`.
+std::string directoryThere(std::string const& preferred, std::string const& fallback);
+/// Where tables are now: `chosen` as `chosenDirectory` gave it; for the empty text /run/router-shared-tables if that is
+/// there, otherwise /dev/shm/router-shared-tables. Writers ask when they mount, readers whenever they look for a table.
+std::string tableDirectory(std::string const& chosen);
 
 /// Whether `mountPath` is names joined by single slashes, and `collection` one name. A name is not empty, does not
 /// begin with a dot, and has neither slash nor NUL.
@@ -39,6 +43,11 @@ Error openTrusted(Fd const& directory, std::string const& name, int flags, Owner
 /// Whether `name` in `directory` is the very file that `file` has open.
 bool namesFile(Fd const& directory, std::string const& name, int file) noexcept;
 
+/// Whether the path `base`/`mountPath`/`name` leads to the very file that `file` has open, into `named`. An error: that
+/// cannot be told, and `named` is false.
+Error findName(std::string const& base, std::string_view mountPath, std::string const& name, Owner owner, int file,
+               bool& named);
+
 /// A write lock on the file, bound to the open file description: it ends with the last descriptor of it, so with the
 /// process at the latest. 0, EAGAIN when somebody else holds a lock, or another errno value.
 int lockForWriting(int file) noexcept;
@@ -52,6 +61,11 @@ bool isLockedForWriting(int file) noexcept;
 void wait(std::atomic<U32> const& word, U32 value, int milliseconds) noexcept;
 /// Wakes everybody who waits on `word`, in any process; how many.
 int wakeAll(std::atomic<U32> const& word) noexcept;
+
+/// How many forks lie between the first call in the program and this process: a forked child has another number than
+/// its parent, also in a process namespace of its own, where it may have its parent's pid. Throws `std::bad_alloc`; not
+/// after a call that did not.
+U64 forkCount();
 
 std::array<U8, 16> bootId() noexcept;
 /// Start of this process, clock ticks since boot.

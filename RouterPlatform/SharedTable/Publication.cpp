@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <utility>
 
 namespace SharedTable {
 namespace {
@@ -37,14 +38,16 @@ void retireFormer(Fd const& file) noexcept {
 
 }  // namespace
 
-Error Publication::claim(std::string const& directory, std::string_view mountPath, std::string_view collection) {
+Error Publication::claim(std::string chosen, std::string_view mountPath, std::string_view collection) {
+  chosen_ = std::move(chosen);
   mountPath_ = mountPath;
   collection_ = collection;
   name_ = collection_ + ".tbl";
   temporaryName_ = "." + collection_ + ".tmp";
   if (!FileIo::namesAreSound(mountPath, collection))
     return {Errc::badName, 0, path(collection_) + ": not a mount path and collection name"};
-  if (Error error = FileIo::openDirectory(directory, mountPath, true, {}, directory_)) return error;
+  if (Error error = FileIo::openDirectory(FileIo::tableDirectory(chosen_), mountPath, true, {}, directory_))
+    return error;
   std::string const lockName = collection_ + ".lock";
   do {
     if (Error error = FileIo::openTrusted(directory_, lockName, O_RDWR | O_CREAT, {}, lock_)) return error;
@@ -103,6 +106,10 @@ Error Publication::publish(Memory const& memory, mode_t mode) {
   building_ = false;
   if (former) retireFormer(former);
   return {};
+}
+
+Error Publication::findName(Memory const& memory, bool& named) const {
+  return FileIo::findName(FileIo::tableDirectory(chosen_), mountPath_, name_, {}, memory.fd(), named);
 }
 
 void Publication::withdraw(Memory const& memory) noexcept {

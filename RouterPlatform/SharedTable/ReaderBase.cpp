@@ -60,10 +60,14 @@ ReaderBase::ReaderBase(RowType const& type, std::string_view mountPath, std::str
                        ReaderOptions options)
     : type_(type),
       owner_(options.owner),
-      directory_(FileIo::directoryOr(std::move(options.directory))),
+      directory_(FileIo::chosenDirectory(std::move(options.directory))),
       mountPath_(mountPath),
       collection_(collection),
-      path_(directory_ + "/" + mountPath_ + "/" + collection_ + ".tbl") {}
+      path_(pathIn(FileIo::tableDirectory(directory_))) {}
+
+std::string ReaderBase::pathIn(std::string const& directory) const {
+  return directory + "/" + mountPath_ + "/" + collection_ + ".tbl";
+}
 
 ReaderBase::~ReaderBase() = default;
 
@@ -76,12 +80,14 @@ void ReaderBase::detach() noexcept {
 U32 ReaderBase::count() const noexcept { return view_ ? view_.count().value_or(0) : 0; }
 U64 ReaderBase::changeCount() const noexcept { return view_ ? view_.changeCount() : 0; }
 
-Error ReaderBase::open(std::unique_ptr<Attachment>& out) const {
+Error ReaderBase::open(std::unique_ptr<Attachment>& out) {
+  std::string const base = FileIo::tableDirectory(directory_);
+  path_ = pathIn(base);
   if (!FileIo::namesAreSound(mountPath_, collection_))
     return {Errc::badName, 0, path_ + ": not a mount path and collection name"};
   Fd directory;
   Fd file;
-  if (Error error = FileIo::openDirectory(directory_, mountPath_, false, owner_, directory)) return error;
+  if (Error error = FileIo::openDirectory(base, mountPath_, false, owner_, directory)) return error;
   if (Error error = FileIo::openTrusted(directory, collection_ + ".tbl", O_RDONLY, owner_, file)) return error;
   auto attachment = std::make_unique<Attachment>();
   FixedHeader& header = attachment->header;
@@ -126,10 +132,10 @@ WriterState ReaderBase::writer() const noexcept {
 /// Whether the name leads to another file than the attached one, or to none. What cannot be told is no reason to let go
 /// of the rows that are there.
 bool ReaderBase::isReplaced() const {
-  Fd directory;
-  if (Error error = FileIo::openDirectory(directory_, mountPath_, false, owner_, directory))
-    return error.code == Errc::noTable;
-  return !FileIo::namesFile(directory, collection_ + ".tbl", attachment_->memory.fd());
+  bool named = false;
+  Error const error = FileIo::findName(FileIo::tableDirectory(directory_), mountPath_, collection_ + ".tbl", owner_,
+                                       attachment_->memory.fd(), named);
+  return !error && !named;
 }
 
 WaitResult ReaderBase::reattach() {

@@ -17,8 +17,13 @@ namespace SharedTable {
 
 /// Whom a reader trusts, and where it looks.
 struct ReaderOptions {
-  std::optional<uid_t> owner;  ///< who may own the table, besides root and this process's user
-  std::string directory;       ///< empty: $SHARED_TABLE_DIR, or /dev/shm/router-shared-tables
+  /// Who may own the table, besides root and this process's user. This user can end the reading process: whoever
+  /// shrinks the file makes the next access a SIGBUS. No row that is read can do more harm than wrong contents. A
+  /// process that must live on reads such a table in a child, or handles the signal.
+  std::optional<uid_t> owner;
+  /// Empty: $SHARED_TABLE_DIR, or the default directory: /run/router-shared-tables if that is a directory when the
+  /// table is looked for, otherwise /dev/shm/router-shared-tables.
+  std::string directory;
 };
 
 /// What ended a `wait`.
@@ -26,9 +31,11 @@ enum class WaitResult : U8 {
   changed,     ///< rows changed
   timedOut,    ///< nothing happened
   attached,    ///< another table has the name now and is attached: a writer (re)started; read everything anew
-  writerGone,  ///< no writer is alive any more; the rows are the last ones it left
-  tableGone,   ///< the writer ended the table, and there is no other; nothing is attached
-  unreadable   ///< another table has the name now and cannot be attached, `attachError()` says why; nothing is attached
+  writerGone,  ///< no writer is alive any more; the rows are the last ones it left. Read them once more: the last
+               ///< change of a writer that was killed may be there and not counted, so that `changed` never comes for
+               ///< it
+  tableGone,  ///< the writer ended the table, or its name is gone, and there is no other; nothing is attached
+  unreadable  ///< another table has the name now and cannot be attached, `attachError()` says why; nothing is attached
 };
 
 /// The writer of the attached table.
@@ -65,11 +72,12 @@ class ROUTER_PLATFORM_EXPORT ReaderBase {
   WriterState writer() const noexcept;
 
   /// Waits until the table's change count is not `seen`, or something else happens to the table, or the time is over.
-  /// Sleeps; a change wakes it at once, the end of a writer within about a second. Without a table it waits for one,
+  /// Sleeps; a change wakes it within about 25 ms and mostly at once, the end of a writer or of the table's name within
+  /// about a second, whether or not the writer lives. Without a table it waits for one,
   /// and ends too when there is another reason than before why none can be attached.
   WaitResult wait(U64 seen, std::chrono::milliseconds timeout);
 
-  /// Of the table's file, whether there is one or not.
+  /// Of the table's file, whether there is one or not, as of the last attempt to attach.
   std::string const& path() const noexcept { return path_; }
   View const& view() const noexcept { return view_; }
 
@@ -80,17 +88,18 @@ class ROUTER_PLATFORM_EXPORT ReaderBase {
  private:
   struct Attachment;
 
-  Error open(std::unique_ptr<Attachment>& out) const;
+  std::string pathIn(std::string const& directory) const;
+  Error open(std::unique_ptr<Attachment>& out);
   bool isReplaced() const;
   WaitResult reattach();
   std::optional<WaitResult> checkWriter();
 
   RowType const& type_;
   std::optional<uid_t> const owner_;
-  std::string const directory_;
+  std::string const directory_;  ///< empty: the default one
   std::string const mountPath_;
   std::string const collection_;
-  std::string const path_;
+  std::string path_;
   std::unique_ptr<Attachment> attachment_;
   View view_;  ///< of the attached table
   Error attachError_;

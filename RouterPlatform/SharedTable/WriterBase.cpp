@@ -1,15 +1,16 @@
 #include <RouterPlatform/Base/Steps.h>
+#include <RouterPlatform/SharedTable/FileIo.h>
 #include <RouterPlatform/SharedTable/Publication.h>
+#include <RouterPlatform/SharedTable/ReaderBase.h>
 #include <RouterPlatform/SharedTable/WriterBase.h>
 #include <RouterPlatform/SharedTable/WriterCore.h>
 #include <RouterPlatform/Stats/Counter.h>
 #include <RouterPlatform/Trace/Assert.h>
 #include <RouterPlatform/Trace/Trace.h>
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <new>
 #include <utility>
 #include <vector>
@@ -30,6 +31,10 @@ struct Counters {
 Counters& counters() {
   static Counters all;
   return all;
+}
+
+void countRefusal(WriteStatus status) {
+  (status == WriteStatus::full ? counters().full : counters().noSpace).addShared(1);
 }
 
 constexpr std::string_view moving = "moving the rows";
@@ -78,7 +83,15 @@ bool parseText(std::string_view text, MountStatus& status) noexcept {
 struct WriterBase::Next {
   std::unique_ptr<Publication> place;
   std::shared_ptr<WriterCore> core;
-  WriterCore::Damages damages;  ///< in the present place
+  WriterCore::Damages damages;   ///< in the present place
+  std::vector<U64> adopted;      ///< keys of the rows that a dead writer left and that are taken over
+  Corruption adoptedCorruption;  ///< the first in the dead writer's file
+};
+
+/// The file that a dead writer left.
+struct WriterBase::Former : ReaderBase {
+  Former(WriterBase const& writer, std::string_view path)
+      : ReaderBase(writer.type_, path, writer.collection_, {{}, writer.options_.directory}) {}
 };
 
 /// Tells the owner what has become of the table. Each callback may mount, unmount or end the writer: what is left to be
@@ -93,6 +106,9 @@ class WriterBase::Telling {
     for (auto const& damage : damages)
       steps_.run([&] { writer.reportCorruption(damage.corruption, during, damage.key()); });
   }
+  void adoption(WriterBase const& writer, Corruption const& corruption) {
+    if (corruption) steps_.run([&] { writer.reportCorruption(corruption, "adopting rows", nullptr); });
+  }
   void mounted() {
     told_->quiesced = false;
     tell(callbacks_->quiesced, false);
@@ -101,6 +117,9 @@ class WriterBase::Telling {
   void rowsChanged(WriterCore::Damages const& damages) {
     for (auto const& damage : damages)
       if (!damage.row.empty()) tell(callbacks_->rowChanged, damage.row.data());
+  }
+  void rowsAdopted(std::vector<U64> const& keys, std::size_t keyWords) {
+    for (std::size_t at = 0; at < keys.size(); at += keyWords) tell(callbacks_->rowChanged, keys.data() + at);
   }
   /// An unmounting that was made untrue has not said that the table is quiesced; this one does.
   void unmounted() {
@@ -200,15 +219,46 @@ Error WriterBase::moveRows(Next& next) {
   return {Errc::noSpace, ENOSPC, collection_ + ": rows do not fit"};
 }
 
+/// Nobody changes the former file meanwhile: its writer is dead, and the place is claimed. It keeps its name until the
+/// new file, with these rows in it, takes the name in one step.
+void WriterBase::adoptRows(std::string_view path, Next& next) {
+  Former former(*this, path);
+  if (Error const error = former.attach()) {
+    if (error.code != Errc::noTable)
+      TRACE(traceHandle, 2, "Could not adopt rows of ", path, "/", collection_, ": ", error.code, ": ", error.text);
+    return;
+  }
+  if (former.view().isRetired()) return;  // ended by its writer, which could not take the name away
+  std::vector<U64> own(type_.rowSize / 8);
+  std::size_t const keyWords = (type_.keySize + 7) / 8;
+  WalkResult const walked = former.view().walk([&](void const* row) {
+    Corruption corruption;
+    if (next.core->view().lookup(row, own.data(), corruption) == LookupStatus::found) return true;
+    WriteStatus const status = next.core->write(row, corruption);
+    if (status == WriteStatus::corrupt) finishWrite(status, corruption, row);
+    if (status != WriteStatus::ok) {
+      countRefusal(status);
+      TRACE(traceHandle, 2, "Could not adopt row ", KeyText{type_, row}, " of ", path, "/", collection_, ": ", status);
+      return false;
+    }
+    next.adopted.resize(next.adopted.size() + keyWords);
+    std::memcpy(&next.adopted[next.adopted.size() - keyWords], row, type_.keySize);
+    return true;
+  });
+  next.adoptedCorruption = walked.firstCorruption;
+  TRACE(traceHandle, 8, "Adopted ", next.adopted.size() / keyWords, " rows of ", path, "/", collection_);
+}
+
 Error WriterBase::publish(std::string_view path, Next& next) {
   next.place = std::make_unique<Publication>();
   next.core = std::make_shared<WriterCore>(type_, options_.capacity);
   Memory memory;
-  if (Error error = next.place->claim(FileIo::directoryOr(options_.directory), path, collection_)) return error;
+  if (Error error = next.place->claim(FileIo::chosenDirectory(options_.directory), path, collection_)) return error;
   if (Error error = next.place->createFile(next.core->memorySize(), memory)) return error;
   if (int const failure = next.core->start(std::move(memory), core_->count()))
     return FileIo::systemFailure(failure, collection_);
   if (Error error = moveRows(next)) return error;
+  if (options_.adoptRows) adoptRows(path, next);
   next.core->completeHeader();
   return next.place->publish(next.core->memory(), options_.mode);
 }
@@ -216,7 +266,9 @@ Error WriterBase::publish(std::string_view path, Next& next) {
 Error WriterBase::mount(std::string_view path) {
   Next next;
   Error error;
+  U64 process = 0;
   try {
+    process = FileIo::forkCount();
     mountPath_ = path;
     error = publish(mountPath_, next);
     mountError_ = error;
@@ -236,15 +288,17 @@ Error WriterBase::mount(std::string_view path) {
     core_ = std::move(next.core);
     publication_ = std::move(next.place);
     mountStatus_ = MountStatus::mounted;
-    mountedBy_ = getpid();
+    mountedBy_ = process;
   }
   Telling telling(*this);
   telling.damages(*this, next.damages, moving);
   if (error) {
     telling.unmounted();
   } else {
+    telling.adoption(*this, next.adoptedCorruption);
     telling.mounted();
     telling.rowsChanged(next.damages);
+    telling.rowsAdopted(next.adopted, (type_.keySize + 7) / 8);
   }
   telling.finish();
   return error;
@@ -257,26 +311,48 @@ Error WriterBase::takeRowsBack(Next& next) try {
   return outOfMemory();
 }
 
-Error WriterBase::unmount() {
+/// A table that has lost its name counts as one that could not be mounted.
+Error WriterBase::unmount(Error const& lost) {
   Next next;
   Error error = takeRowsBack(next);
   if (error) {
     traceSurely(2, Trace::Location::here(), "Rows of ", mountPath_, "/", collection_,
                 " stay in its file: ", error.text);
-    if (getpid() != mountedBy_) return error;
+    if (isForkedCopy()) return error;
   }
   leaveFile();
   if (!error) core_ = std::move(next.core);  // otherwise the file's memory, which nobody can attach any more, is ours
   publication_.reset();
-  mountStatus_ = MountStatus::unmounted;
+  mountStatus_ = lost ? MountStatus::failed : MountStatus::unmounted;
+  if (lost) {
+    mountError_ = lost;
+    counters().mountFailed.addShared(1);
+    traceSurely(2, Trace::Location::here(), "Lost ", mountPath_, "/", collection_, ": ", lost.text);
+  }
   told_->mountings += 1;
   Telling telling(*this);
   telling.damages(*this, next.damages, moving);
-  mountPath_.clear();
+  if (!lost) mountPath_.clear();
   if (!error) telling.rowsChanged(next.damages);
   telling.unmounted();
   telling.finish();
   return error;
+}
+
+Error WriterBase::verifyMount() {
+  assertNotReporting();
+  if (mountStatus_ != MountStatus::mounted || isForkedCopy()) return {};
+  Error lost;
+  try {
+    bool named = false;
+    if (Error error = publication_->findName(core_->memory(), named)) return error;
+    if (named) return {};
+    lost = {Errc::noTable, 0, "the name of the table is gone, or leads to another file"};
+  } catch (std::bad_alloc const&) {
+    return outOfMemory();
+  }
+  (void)unmount(lost);  // without memory the rows stay in the file, which is traced
+  return lost;
 }
 
 void WriterBase::close() noexcept {
@@ -297,8 +373,10 @@ void WriterBase::close() noexcept {
 }
 
 /// A forked child has the same file mapped, which is its parent's.
+bool WriterBase::isForkedCopy() const noexcept { return FileIo::forkCount() != mountedBy_; }
+
 void WriterBase::leaveFile() noexcept {
-  if (getpid() != mountedBy_) return;
+  if (isForkedCopy()) return;
   // The name goes first: a reader that hears of the end must not find the same file again.
   publication_->withdraw(core_->memory());
   core_->retire();
@@ -348,7 +426,7 @@ WriteStatus WriterBase::finishWrite(WriteStatus status, Corruption const& corrup
     reportSurely(corruption, "writing", key);
     ASSERT_AT_TEXT(false, (Trace::Location{source, __LINE__, "safeWrite"}), "TableMap::safeWrite() in no man's land");
   }
-  (status == WriteStatus::full ? counters().full : counters().noSpace).addShared(1);
+  countRefusal(status);
   TRACE(traceHandle, 2, "Could not write row ", KeyText{type_, key}, " to ", mountPath_, "/", collection_, ": ", status,
         " ( ", count(), " rows, ", maxRows(), " at most )");
   return status;

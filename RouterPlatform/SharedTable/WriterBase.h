@@ -21,7 +21,7 @@ class Publication;
 enum class MountStatus : U8 {
   unmounted,  ///< the rows are this process's own
   mounted,    ///< the rows stand in a file that other processes read
-  failed      ///< as unmounted; the last attempt to mount failed
+  failed      ///< as unmounted; the last attempt to mount failed, or the table's name was lost (`verifyMount`)
 };
 ROUTER_PLATFORM_EXPORT void appendText(std::string& out, MountStatus status);
 ROUTER_PLATFORM_EXPORT bool parseText(std::string_view text, MountStatus& status) noexcept;
@@ -30,14 +30,22 @@ constexpr char const* textTypeNameOf(MountStatus) noexcept { return "SharedTable
 /// How large a table may become, and who may read it where.
 struct WriterOptions {
   Capacity capacity;
-  mode_t mode = 0644;     ///< of the file; nobody but the owner gets to write it, whatever is asked for
-  std::string directory;  ///< empty: $SHARED_TABLE_DIR, or /dev/shm/router-shared-tables
+  mode_t mode = 0644;  ///< of the file; nobody but the owner gets to write it, whatever is asked for
+  /// Empty: $SHARED_TABLE_DIR, or the default directory: /run/router-shared-tables if that is a directory when the
+  /// table is mounted, otherwise /dev/shm/router-shared-tables.
+  std::string directory;
+  /// Whether a mounting takes over the rows that a writer left under the mount path when it died without unmounting.
+  /// Otherwise they are lost with it: the new table has the rows of its own writer only. Rows that the writer has
+  /// itself count as newer and stay. Rows that do not fit are left out, counted and traced as refused writes are;
+  /// damaged ones go to the corruption handler. `rowChanged` is called for each row that was taken over.
+  bool adoptRows = false;
 };
 
 /// The part of a `Writer` that knows no row type: mounting, callbacks, what happens on damage.
 ///
 /// A forked child may end its copy of a mounted writer or unmount it, which leaves the file to the parent; it must not
-/// change rows before.
+/// change rows before. Until it does so, or executes another program, or ends, it holds the parent's lock too: should
+/// the parent die, readers take the writer for alive, and no other writer can mount the table.
 class ROUTER_PLATFORM_EXPORT WriterBase {
  public:
   WriterBase(WriterBase const&) = delete;
@@ -46,7 +54,7 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
   std::string const& collection() const noexcept { return collection_; }
   std::string const& mountPath() const noexcept { return mountPath_; }
   MountStatus mountStatus() const noexcept { return mountStatus_; }
-  /// Why the last attempt to mount failed; none if it did not.
+  /// Why the last attempt to mount failed, or how the table's name was lost; none otherwise.
   Error const& mountError() const noexcept { return mountError_; }
 
   /// Publishes the rows under `path` in the table directory; the empty path unmounts. A mounted table moves: it is
@@ -61,8 +69,16 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
   /// parent's.
   Error mountPathDel();
 
-  /// The same at the writer's end, for the destructor of its owner: the rows are not moved, so that nothing can fail,
-  /// and are not to be used any more. What a callback throws is traced at level 1 and goes no further.
+  /// Looks whether other processes still find a mounted table: somebody may have removed its name or its directory, or
+  /// put another file there. If so, the table is unmounted, with status `failed` and the path kept, so that
+  /// `mountPathIs(mountPath())` mounts it anew; calls, counts and traces as a mounting that failed does, and returns
+  /// the reason. Otherwise nothing changes; an error then says that the directories could not be looked at. A few
+  /// system calls: for a timer of the program, once a second or less often. Does nothing in a forked child.
+  Error verifyMount();
+
+  /// The same as `mountPathDel` at the writer's end, for the destructor of its owner: the rows are not moved, so that
+  /// nothing can fail, and are not to be used any more. What a callback throws is traced at level 1 and goes no
+  /// further.
   void close() noexcept;
 
   /// Looks at all rows before they are removed. Damage goes to the corruption handler and then fails the assertion.
@@ -113,10 +129,13 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
     bool quiesced = true;  ///< the last that was said of it
   };
   struct Next;
+  struct Former;
 
   Error mount(std::string_view path);
   Error publish(std::string_view path, Next& next);
-  Error unmount();
+  void adoptRows(std::string_view path, Next& next);
+  Error unmount(Error const& lost = {});
+  bool isForkedCopy() const noexcept;
   Error takeRowsBack(Next& next);
   void leaveFile() noexcept;
   Error moveRows(Next& next);
@@ -136,7 +155,7 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
   Error mountError_;
   std::shared_ptr<BaseCallbacks const> callbacks_;  // kept by whoever calls them: a callback may set others
   std::shared_ptr<Told> const told_;
-  pid_t mountedBy_ = 0;
+  U64 mountedBy_ = 0;                                           ///< `FileIo::forkCount` of the process that mounted
   std::shared_ptr<CorruptionHandler const> corruptionHandler_;  // null, or kept by whoever calls it: likewise
   mutable bool reporting_ = false;                              // the handler runs
   std::unique_ptr<Publication> publication_;  // before the core: the file's lock goes before the place's

@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdlib>
+#include <fstream>
 #include <string>
 #include <thread>
 
@@ -37,18 +38,37 @@ TEST(SharedTableFileIo, ACorruptionSaysItsPlaceAndNoneSaysSo) {
 TEST(SharedTableFileIo, TheTableDirectoryIsThatOfTheEnvironmentOrTheUsualOne) {
   char const* const set = std::getenv("SHARED_TABLE_DIR");
   std::string const before = set ? set : "";
-  ASSERT_EQ(setenv("SHARED_TABLE_DIR", "/run/tables", 1), 0);
-  EXPECT_EQ(FileIo::directoryOr(""), "/run/tables");
+  ASSERT_EQ(setenv("SHARED_TABLE_DIR", "/var/tables", 1), 0);
+  EXPECT_EQ(FileIo::chosenDirectory(""), "/var/tables");
+  EXPECT_EQ(FileIo::chosenDirectory("/option"), "/option");
+  EXPECT_EQ(FileIo::tableDirectory("/option"), "/option");
   ASSERT_EQ(setenv("SHARED_TABLE_DIR", "", 1), 0);
-  EXPECT_EQ(FileIo::directoryOr(""), "/dev/shm/router-shared-tables");
+  EXPECT_EQ(FileIo::chosenDirectory(""), "");
   ASSERT_EQ(unsetenv("SHARED_TABLE_DIR"), 0);
-  EXPECT_EQ(FileIo::directoryOr(""), "/dev/shm/router-shared-tables");
+  EXPECT_EQ(FileIo::chosenDirectory(""), "");
+  bool const run = std::filesystem::is_directory(std::filesystem::symlink_status("/run/router-shared-tables"));
+  EXPECT_EQ(FileIo::tableDirectory(""), run ? "/run/router-shared-tables" : "/dev/shm/router-shared-tables");
   if (set) setenv("SHARED_TABLE_DIR", before.c_str(), 1);
 }
 
+using SharedTableDirectory = Tables;
+
+TEST_F(SharedTableDirectory, IsThePreferredOneExactlyWhileThatIsADirectory) {
+  std::string const preferred = directory_ + "/preferred";
+  EXPECT_EQ(FileIo::directoryThere(preferred, "/fallback"), "/fallback");
+  std::ofstream(preferred) << "a file";
+  EXPECT_EQ(FileIo::directoryThere(preferred, "/fallback"), "/fallback");
+  std::filesystem::remove(preferred);
+  std::filesystem::create_directory_symlink(directory_, preferred);
+  EXPECT_EQ(FileIo::directoryThere(preferred, "/fallback"), "/fallback") << "a link to one";
+  std::filesystem::remove(preferred);
+  std::filesystem::create_directory(preferred);
+  EXPECT_EQ(FileIo::directoryThere(preferred, "/fallback"), preferred);
+}
+
 TEST(SharedTableFileIo, ADirectorysNameLosesItsSlashesAtTheEnd) {
-  EXPECT_EQ(FileIo::directoryOr("/a/b//"), "/a/b");
-  EXPECT_EQ(FileIo::directoryOr("//"), "/");
+  EXPECT_EQ(FileIo::chosenDirectory("/a/b//"), "/a/b");
+  EXPECT_EQ(FileIo::chosenDirectory("//"), "/");
 }
 
 TEST(SharedTableFileIo, NamesHaveAtMostTwoHundredOctets) {

@@ -3,9 +3,11 @@
 #include <tests/RouterPlatform/Support/AllocationCount.h>
 #include <tests/RouterPlatform/Trace/TraceCapture.h>
 
+#include <sched.h>
 #include <sys/wait.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstddef>
 #include <map>
 #include <memory>
@@ -487,6 +489,36 @@ TEST_F(ForkedWriter, UnmountsToRowsOfItsOwnAndIsASecondWriterThen) {
   expectTheParentsTableToStand();
 }
 
+TEST_F(ForkedWriter, DoesNotLookWhetherTheTableStillHasItsName) {
+  std::filesystem::rename(path(), path("away"));
+  EXPECT_EQ(inChild([&] { return writer_->verifyMount() || writer_->mountStatus() != MountStatus::mounted ? 1 : 0; }),
+            0);
+  std::filesystem::rename(path("away"), path());
+  expectTheParentsTableToStand();
+}
+
+/// In a process namespace of its own a child may have the pid that its parent has in its own.
+TEST_F(ForkedWriter, OfTheSamePidEndsWithoutTouchingTheTable) {
+  constexpr int notPermitted = 99;
+  auto const inNamespace = [](auto const& body) { return unshare(CLONE_NEWPID) != 0 ? notPermitted : inChild(body); };
+  int const result = inChild([&] {
+    return inNamespace([&] {
+      if (getpid() != 1) return 1;
+      Writer writer("nested", writerOptions());
+      if (writer.mountPathIs(mountPath)) return 2;
+      int const child = inNamespace([&] {
+        if (getpid() != 1) return 3;
+        writer.close();
+        return 0;
+      });
+      if (child != 0) return child;
+      return Reader(mountPath, "nested", readerOptions()).attach() ? 4 : 0;
+    });
+  });
+  if (result == notPermitted) GTEST_SKIP() << "process namespaces are not permitted";
+  EXPECT_EQ(result, 0);
+}
+
 TEST_F(ForkedWriter, WithoutMemoryForTheRowsLeavesTheTableMounted) {
   EXPECT_EQ(inChild([&] {
               SharedTable::Error error;
@@ -722,6 +754,85 @@ TEST_P(WriterNames, ThatCouldLeadElsewhereAreRefused) {
   EXPECT_TRUE(std::filesystem::is_empty(directory_));
   Reader reader(GetParam().path, GetParam().collection, readerOptions());
   EXPECT_EQ(reader.attach().code, Errc::badName);
+}
+
+TEST_F(WriterMounting, IsFoundInOrderWhileTheNameLeadsToTheTable) {
+  Writer writer(collection, writerOptions());
+  EXPECT_FALSE(writer.verifyMount()) << "unmounted";
+  ASSERT_FALSE(writer.mountPathIs(mountPath));
+  EXPECT_FALSE(writer.verifyMount());
+  EXPECT_EQ(writer.mountStatus(), MountStatus::mounted);
+}
+
+/// Whatever takes the name of a table away from its living writer.
+struct NameLoss {
+  char const* name;
+  void (*takeAway)(std::string const& directory, std::string const& path);
+  friend void PrintTo(NameLoss const& c, std::ostream* out) { *out << c.name; }
+};
+class LostNames : public Tables, public testing::WithParamInterface<NameLoss> {};
+INSTANTIATE_TEST_SUITE_P(
+    SharedTable, LostNames,
+    testing::Values(NameLoss{"RemovedDirectories",
+                             [](auto const& directory, auto const&) { std::filesystem::remove_all(directory); }},
+                    NameLoss{"RemovedFile", [](auto const&, auto const& path) { std::filesystem::remove(path); }},
+                    NameLoss{"RenamedDirectory",
+                             [](auto const& directory, auto const&) {
+                               std::filesystem::rename(directory + "/test", directory + "/elsewhere");
+                             }},
+                    NameLoss{"AnotherFile",
+                             [](auto const&, auto const& path) {
+                               std::filesystem::copy_file(path, path + ".copy");
+                               std::filesystem::rename(path + ".copy", path);
+                             }}),
+    [](auto const& of) { return of.param.name; });
+
+TEST_P(LostNames, AreNoticedByTheWriterWhichCanMountAnew) {
+  Writer writer(collection, writerOptions());
+  writer.rowIs(Row(1, 1));
+  ASSERT_FALSE(writer.mountPathIs(mountPath));
+  std::vector<std::string> heard;
+  writer.callbacksAre({nullptr, [&] { heard.push_back(Trace::textOf(writer.mountStatus())); },
+                       [&](bool quiesced) { heard.push_back(quiesced ? "quiesced" : "active"); }});
+  Trace::Capture trace("SharedTable", "2");
+  U64 const failed = Stats::counter("sharedTableMountFailed").value();
+  GetParam().takeAway(directory_, path());
+  EXPECT_EQ(writer.verifyMount().code, Errc::noTable);
+  EXPECT_EQ(writer.mountStatus(), MountStatus::failed);
+  EXPECT_EQ(writer.mountError().code, Errc::noTable);
+  EXPECT_THAT(heard, ElementsAre("failed", "quiesced"));
+  EXPECT_EQ(Stats::counter("sharedTableMountFailed").value(), failed + 1);
+  EXPECT_THAT(trace.texts(2),
+              ElementsAre("Lost test/tables/row: the name of the table is gone, or leads to another file"));
+  EXPECT_EQ(writer.row(Key::of(1)), Row(1, 1)) << "the rows stay in the process";
+
+  ASSERT_FALSE(writer.mountPathIs(writer.mountPath()));
+  Reader reader(mountPath, collection, readerOptions());
+  ASSERT_FALSE(reader.attach());
+  EXPECT_EQ(reader.row(Key::of(1)).row, Row(1, 1));
+  EXPECT_FALSE(writer.verifyMount());
+}
+
+TEST_P(LostNames, AreNoticedByAWaiterAlthoughTheWriterLives) {
+  Writer writer(collection, writerOptions());
+  writer.rowIs(Row(1, 1));
+  ASSERT_FALSE(writer.mountPathIs(mountPath));
+  Reader reader(mountPath, collection, readerOptions());
+  ASSERT_FALSE(reader.attach());
+  GetParam().takeAway(directory_, path());
+  SharedTable::WaitResult const happened = reader.wait(reader.changeCount(), std::chrono::seconds(20));
+  EXPECT_TRUE(happened == SharedTable::WaitResult::tableGone || happened == SharedTable::WaitResult::attached);
+  if (happened == SharedTable::WaitResult::attached) {
+    EXPECT_FALSE(reader.writer().alive) << "the copy has no writer";
+  }
+}
+
+TEST_F(WriterMounting, IsNotTakenForLostWhenItsDirectoriesCannotBeTrusted) {
+  Writer writer(collection, writerOptions());
+  ASSERT_FALSE(writer.mountPathIs(mountPath));
+  ASSERT_EQ(chmod(path("").c_str(), 0777), 0);
+  EXPECT_EQ(writer.verifyMount().code, Errc::notTrusted);
+  EXPECT_EQ(writer.mountStatus(), MountStatus::mounted);
 }
 
 TEST_F(WriterMounting, FilesHaveTheModesThatTheyShould) {
