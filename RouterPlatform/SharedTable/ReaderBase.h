@@ -34,8 +34,8 @@ enum class WaitResult : U8 {
   writerGone,  ///< no writer is alive any more; the rows are the last ones it left. Read them once more: the last
                ///< change of a writer that was killed may be there and not counted, so that `changed` never comes for
                ///< it
-  tableGone,  ///< the writer ended the table, or its name is gone, and there is no other; nothing is attached
-  unreadable  ///< another table has the name now and cannot be attached, `attachError()` says why; nothing is attached
+  tableGone,   ///< the writer ended the table, or its name is gone, and there is no other; nothing is attached
+  unreadable   ///< another table has the name now and cannot be attached, `attachError()` says why; nothing is attached
 };
 
 /// The writer of the attached table.
