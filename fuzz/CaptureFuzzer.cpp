@@ -2,7 +2,7 @@
 // --json it ends likewise, and each line of the output is valid JSON about the next packet. No control octet of the
 // file reaches the output or a message.
 
-#include <fuzz/ToolOutput.h>
+#include <fuzz/ProgramOutput.h>
 
 namespace {
 

@@ -2,8 +2,8 @@
 // order. `show` says the same of it: it succeeds when there is a model, with and without --json. Its JSON is valid, and
 // no control octet of the file reaches the output or a message.
 
-#include <fuzz/ToolOutput.h>
-#include <tools/routeradvt/ConfigFile.h>
+#include <fuzz/ProgramOutput.h>
+#include <programs/common/config/ConfigFile.h>
 
 namespace {
 

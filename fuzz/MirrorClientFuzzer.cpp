@@ -2,11 +2,11 @@
 // JSON, and no control octet of the stream reaches the text. After each change the watch has nothing more to tell.
 
 #include <Ipv6RouterAdvt/RouterAdvt.h>
-#include <RouterPlatform/Fwk/ChangeStream.h>
-#include <fuzz/ToolOutput.h>
+#include <RouterPlatform/Mirror/ChangeStream.h>
+#include <fuzz/ProgramOutput.h>
+#include <programs/common/trees/TreeReport.h>
+#include <programs/common/trees/TreeWatch.h>
 #include <tests/Ipv6RouterAdvt/Support/TreeMutator.h>
-#include <tools/routeradvt/TreeReport.h>
-#include <tools/routeradvt/TreeWatch.h>
 
 #include <span>
 

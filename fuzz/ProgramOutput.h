@@ -1,7 +1,8 @@
 #pragma once
 
 #include <fuzz/Fuzzer.h>
-#include <tools/routeradvt/Program.h>
+#include <programs/routeradvt/cli/Program.h>
+#include <programs/routeradvt/commands/Commands.h>
 
 #include <nlohmann/json.hpp>
 
@@ -68,7 +69,7 @@ struct Result {
 /// Runs the command line, which succeeds without a message or fails with one. The exit status is never another.
 inline Result run(std::vector<std::string> arguments) {
   std::ostringstream out, err;
-  Tool::ExitStatus const status = Tool::runProgram(std::move(arguments), {out, err});
+  Tool::ExitStatus const status = Tool::runProgram(Tool::makeCommands(), std::move(arguments), {out, err});
   FUZZ_CHECK(status == Tool::ExitStatus::success || status == Tool::ExitStatus::failed);
   bool const succeeded = status == Tool::ExitStatus::success;
   FUZZ_CHECK(succeeded == err.str().empty());
