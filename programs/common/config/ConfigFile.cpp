@@ -184,6 +184,8 @@ class FileReader {
       readEntity(reader_, entry.value(entry.key), file_.config);
     } else if (entry.key == linksSection) {
       readLinks(reader_, entry.value(entry.key), file_.links);
+      for (LinkConfig const& link : file_.links)
+        file_.linkNumbers.emplace(link.intfId.toString(), file_.linkNumbers.size());
     } else {
       reader_.error(entry.keyPlace, entry.key,
                     "there is no such section" + nearestNameHint(entry.key, {configSection, linksSection}));
@@ -210,8 +212,8 @@ class FileReader {
 }  // namespace
 
 LinkConfig const* ConfigFile::link(Net::IntfId const& intfId) const {
-  auto const found = std::ranges::find(links, intfId, &LinkConfig::intfId);
-  return found == links.end() ? nullptr : &*found;
+  auto const found = linkNumbers.find(intfId.toString());
+  return found == linkNumbers.end() ? nullptr : &links[found->second];
 }
 
 Place ConfigFile::placeOf(std::string path) const {
@@ -233,6 +235,7 @@ ConfigFile readConfigText(std::string name, std::string const& text) {
   if (!file.errors.empty()) {
     file.config = nullptr;
     file.links.clear();
+    file.linkNumbers.clear();
   }
   return file;
 }

@@ -5,8 +5,10 @@
 #include <programs/common/config/LinkConfig.h>
 #include <programs/common/text/FileText.h>
 
+#include <cstddef>
 #include <map>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace Tool {
@@ -21,6 +23,7 @@ struct ConfigFile {
   /// Null when there are errors: nothing is made of a file that is wrong.
   Fwk::Ptr<RouterAdvt::Config> config;
   std::vector<LinkConfig> links;
+  std::unordered_map<std::string, std::size_t> linkNumbers;  ///< in `links`, by the interface's name
 
   /// All that were found, in the order of the file.
   std::vector<Diagnostic> errors;
