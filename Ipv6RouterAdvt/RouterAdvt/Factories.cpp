@@ -14,4 +14,9 @@ Ptr<Table::RouterNeighborRaStatus> Table::routerNeighborRaStatusFactory(Name nam
   return Fwk::create<RouterNeighborRaStatus>(name);
 }
 
+Ptr<Table::RouterNeighborRaStatus> Table::routerNeighborRaStatusFactory(Name name,
+                                                                        SharedTable::WriterOptions const& options) {
+  return Fwk::create<RouterNeighborRaStatus>(name, options);
+}
+
 }  // namespace RouterAdvt

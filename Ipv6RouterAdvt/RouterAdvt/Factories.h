@@ -27,6 +27,9 @@ ROUTER_ADVT_EXPORT Ptr<RouterNeighbors> routerNeighborsFactory(IntfId intfId);
 namespace Table {
 
 ROUTER_ADVT_EXPORT Ptr<RouterNeighborRaStatus> routerNeighborRaStatusFactory(Name name);
+/// The same with a table of other options than the default ones.
+ROUTER_ADVT_EXPORT Ptr<RouterNeighborRaStatus> routerNeighborRaStatusFactory(Name name,
+                                                                             SharedTable::WriterOptions const& options);
 
 }  // namespace Table
 

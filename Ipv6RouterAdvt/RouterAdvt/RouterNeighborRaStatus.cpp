@@ -26,9 +26,11 @@ class RouterNeighborRaStatusZeroReferencesNotifiee final : public Fwk::Notifiee 
   RouterNeighborRaStatus& status_;
 };
 
-RouterNeighborRaStatus::RouterNeighborRaStatus(Name name)
+RouterNeighborRaStatus::RouterNeighborRaStatus(Name name) : RouterNeighborRaStatus(name, {}) {}
+
+RouterNeighborRaStatus::RouterNeighborRaStatus(Name name, SharedTable::WriterOptions const& options)
     : name_(name),
-      table_(routerNeighborRaCollection),
+      table_(routerNeighborRaCollection, options),
       written_(Stats::counter("routerNeighborRaIs")),
       deleted_(Stats::counter("routerNeighborRaDel")),
       notified_(Stats::counter("routerNeighborRaNotify")) {
@@ -85,7 +87,7 @@ RouterNeighborRa RouterNeighborRaStatus::routerNeighborRa(RouterNeighborRaKey co
 void RouterNeighborRaStatus::routerNeighborRaIs(RouterNeighborRa const& row) {
   RouterNeighborRaKey const key = row.key();
   ++written_;
-  table_.rowIs(row);
+  lastWriteStatus_ = table_.rowIs(row);
   routerNeighborRaNotify(key);
 }
 
@@ -106,7 +108,7 @@ void RouterNeighborRaStatus::routerNeighborRaDelAll() {
 void RouterNeighborRaStatus::routerNeighborRaCommit(RouterNeighborRa const& row) {
   RouterNeighborRaKey const key = row.key();  // an observer may call for the writable slot
   ++written_;
-  table_.commit(row);
+  lastWriteStatus_ = table_.commit(row);
   routerNeighborRaNotify(key);
 }
 
@@ -123,6 +125,11 @@ void RouterNeighborRaStatus::handleParent(Ptr<Fwk::Entity> parent) {
     (void)table_.mountPathIs(tablePath());  // what goes wrong is counted, traced, and the mount status says it
   else
     (void)table_.mountPathDel();  // without memory the rows stay in the file, which is traced; nothing else is amiss
+}
+
+SharedTable::Error RouterNeighborRaStatus::verifyMount() {
+  Ptr<RouterNeighborRaStatus> const alive(this);  // as for unmounting
+  return table_.verifyMount();
 }
 
 RouterNeighborRaStatus::Rows::Iterator::Iterator(RouterNeighborRaStatus const& status) : status_(&status) {

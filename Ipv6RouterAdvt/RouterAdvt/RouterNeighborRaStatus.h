@@ -33,6 +33,9 @@ class ROUTER_ADVT_EXPORT RouterNeighborRaStatus final : public Fwk::Entity {
   using Writer = SharedTable::Writer<RouterNeighborRa>;
 
   explicit RouterNeighborRaStatus(Name name);
+  /// `options` of the table: how large it may become, who may read it where, and whether it adopts the rows that a dead
+  /// agent left.
+  RouterNeighborRaStatus(Name name, SharedTable::WriterOptions const& options);
 
   Name name() const override { return name_; }
   Name const& key() const noexcept { return name_; }
@@ -44,8 +47,12 @@ class ROUTER_ADVT_EXPORT RouterNeighborRaStatus final : public Fwk::Entity {
   /// Copy of the row of that key, or the default row.
   RouterNeighborRa routerNeighborRa(RouterNeighborRaKey const& key) const;
   /// Writes the row under its own key and notifies with the key: every time, whether or not it changes anything. A row
-  /// that the table has no room for is counted and traced by the table, and notified like any other.
+  /// that the table has no room for is counted and traced by the table, and notified like any other; `lastWriteStatus`
+  /// tells.
   void routerNeighborRaIs(RouterNeighborRa const& row);
+  /// What became of the last row that was written or committed: `ok`, or why the table does not have it. Already that
+  /// of the write whose observers are running. `ok` before the first.
+  SharedTable::WriteStatus lastWriteStatus() const { return lastWriteStatus_; }
   /// Removes and returns the row of that key and notifies with the key; the default row, and nobody notified, when
   /// there is none.
   RouterNeighborRa routerNeighborRaDel(RouterNeighborRaKey const& key);
@@ -73,7 +80,12 @@ class ROUTER_ADVT_EXPORT RouterNeighborRaStatus final : public Fwk::Entity {
   /// Mounts the table at `tablePath()` when there is a parent, unmounts it when there is none.
   void handleParent(Ptr<Fwk::Entity> parent) override;
 
-  /// Why the table could not be mounted, when its mount status is `failed`.
+  /// Looks whether other processes still find the table, which somebody may have removed; for a timer of the agent,
+  /// once a second or less often. If they do not, the mount status becomes `failed`, which is traced, and the reason is
+  /// returned; the rows stay in the process. To mount the table anew, take the entity out of its tree and put it back.
+  SharedTable::Error verifyMount();
+
+  /// Why the table could not be mounted, or how its name was lost, when its mount status is `failed`.
   SharedTable::Error const& mountError() const { return table_.mountError(); }
 
   /// What becomes of damage in the shared memory before the operation that met it fails. It must not take the entity
@@ -98,6 +110,7 @@ class ROUTER_ADVT_EXPORT RouterNeighborRaStatus final : public Fwk::Entity {
   Ptr<SharedTable::CollectionControl> tableControl_;  ///< whom the table tells: `control_`, or the last that it was
   Writer table_;
   Ptr<SharedTable::CollectionControl> control_;
+  SharedTable::WriteStatus lastWriteStatus_ = SharedTable::WriteStatus::ok;
   Stats::Counter& written_;
   Stats::Counter& deleted_;
   Stats::Counter& notified_;

@@ -7,7 +7,9 @@
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <signal.h>
 #include <stdlib.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstring>
@@ -299,6 +301,68 @@ TEST_F(NeighborTable, ReadersSeeRowsAsTheyAreWritten) {
   EXPECT_EQ(reader.row(keyOf(1)).row, RouterNeighborRa(keyOf(1), 1.5));
   status_->routerNeighborRaDel(keyOf(1));
   EXPECT_EQ(reader.row(keyOf(1)).status, LookupStatus::missing);
+}
+
+TEST_F(NeighborTable, SaysInsideAndAfterTheNotificationThatAWriteWasRefused) {
+  using SharedTable::WriteStatus;
+  status_ = Table::routerNeighborRaStatusFactory("small", {{1, 1}, 0644, {}, false});
+  EXPECT_EQ(status_->lastWriteStatus(), WriteStatus::ok);
+  std::vector<WriteStatus> heard;
+  Fwk::Subscription const subscription =
+      Fwk::observe(*status_, [&](Fwk::Notification const&) { heard.push_back(status_->lastWriteStatus()); });
+  status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1));
+  status_->routerNeighborRaIs(RouterNeighborRa(keyOf(2), 1));
+  EXPECT_EQ(status_->lastWriteStatus(), WriteStatus::full);
+  status_->routerNeighborRaCommit(RouterNeighborRa(keyOf(1), 2));
+  EXPECT_EQ(status_->lastWriteStatus(), WriteStatus::ok);
+  EXPECT_THAT(heard, ElementsAre(WriteStatus::ok, WriteStatus::full, WriteStatus::ok));
+}
+
+TEST_F(NeighborTable, IsMountedWithTheOptionsThatItWasMadeWith) {
+  std::string const elsewhere = directory_ + "/elsewhere";
+  status_ = Table::routerNeighborRaStatusFactory("options", {{1, 2}, 0600, elsewhere, false});
+  mount();
+  EXPECT_FALSE(published());
+  std::filesystem::path const table = elsewhere + "/routing6/routerAdvt/routerNeighborRaStatus/routerNeighborRa.tbl";
+  ASSERT_TRUE(std::filesystem::exists(table));
+  EXPECT_EQ(std::filesystem::status(table).permissions(), std::filesystem::perms(0600));
+  status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1));
+  RouterNeighborRaReader reader({{}, elsewhere});
+  ASSERT_FALSE(reader.attach());
+  EXPECT_TRUE(reader.row(keyOf(1)));
+}
+
+TEST_F(NeighborTable, AdoptsTheRowsOfADeadAgentOnRequestAndNotifies) {
+  pid_t const agent = fork();
+  if (agent == 0) {
+    mount();
+    status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1.5));
+    kill(getpid(), SIGKILL);
+  }
+  int ended = 0;
+  ASSERT_EQ(waitpid(agent, &ended, 0), agent);
+  ASSERT_TRUE(published());
+  status_ = Table::routerNeighborRaStatusFactory("next", {{}, 0644, {}, true});
+  Heard heard(*status_);
+  mount();
+  EXPECT_EQ(status_->routerNeighborRa(keyOf(1)), RouterNeighborRa(keyOf(1), 1.5));
+  EXPECT_THAT(heard.keys, ElementsAre("Ethernet1-fe80::1"));
+}
+
+TEST_F(NeighborTable, NoticesThatItsNameIsGoneAndIsMountedAnewByAParent) {
+  mount();
+  status_->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1.5));
+  EXPECT_FALSE(status_->verifyMount());
+  std::filesystem::remove_all(directory_);
+  EXPECT_EQ(status_->verifyMount().code, SharedTable::Errc::noTable);
+  EXPECT_EQ(status_->routerNeighborRaControl()->mountStatus(), MountStatus::failed);
+  EXPECT_TRUE(status_->routerNeighborRaControl()->quiesced());
+  EXPECT_TRUE(status_->mountError());
+  EXPECT_EQ(status_->routerNeighborRa().size(), 1u);
+  status_->parentIs(nullptr, 0);
+  mount();
+  EXPECT_TRUE(published());
+  EXPECT_FALSE(status_->mountError());
 }
 
 TEST_F(NeighborTable, AFailedMountingLeavesEverythingWorking) {

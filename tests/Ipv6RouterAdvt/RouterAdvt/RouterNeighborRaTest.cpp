@@ -33,6 +33,15 @@ TEST(RouterNeighborRaKey, OrdersByInterfaceAndThenByAddress) {
   EXPECT_FALSE(keyOf("Ethernet1", "fe80::1") < keyOf("Ethernet1", "fe80::1"));
 }
 
+/// What another user's program may have left in the table.
+TEST(RouterNeighborRa, IsNotSoundWithANameLongerThanAName) {
+  RouterNeighborRa row(keyOf("Ethernet1", "fe80::1"), 1);
+  EXPECT_TRUE(row.isSound());
+  reinterpret_cast<unsigned char*>(&row)[31] = 200;
+  EXPECT_FALSE(row.isSound());
+  EXPECT_LE(row.key().toStrep().size(), 31 + sizeof "-fe80::1");
+}
+
 TEST(RouterNeighborRaKey, HashesInterfaceThenAddressIntoAnAccumulator) {
   RouterNeighborRaKey const key = keyOf("Ethernet1", "fe80::1");
   for (U64 const seed : {U64{0}, U64{1}, ~U64{0}})
