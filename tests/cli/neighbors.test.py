@@ -5,6 +5,7 @@ import atexit
 import json
 import os
 import pathlib
+import pwd
 import queue
 import subprocess
 import tempfile
@@ -18,9 +19,9 @@ READER = os.path.join(os.path.dirname(ROUTERADVT), "neighbor_reader")
 class Watcher:
     """A running `neighbors --watch --json`, whose lines can be waited for."""
 
-    def __init__(self, env):
-        self.process = subprocess.Popen([ROUTERADVT, "neighbors", "--watch", "--json"], env=env, text=True,
-                                        stdout=subprocess.PIPE)
+    def __init__(self, env, *arguments):
+        self.process = subprocess.Popen([ROUTERADVT, "neighbors", "--watch", "--json", *arguments], env=env, text=True,
+                                        stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         atexit.register(self.process.kill)
         self.lines = queue.Queue()
         threading.Thread(target=self.collect, daemon=True).start()
@@ -38,6 +39,10 @@ class Watcher:
     def end(self):
         self.process.terminate()
         self.process.wait(timeout=30)
+
+    def fails(self):
+        """Exit status, and the message on standard error, of a watcher that ends by itself."""
+        return self.process.wait(timeout=30), self.process.stderr.read()
 
 
 class Reader:
@@ -160,6 +165,16 @@ def main():
         reader.until("1 routers")
         fourth.end()
         assert reader.end() == (0, table.name + ": no such file\n")
+
+        # A user whom --owner names can take the file away while it is read.
+        last = Writer(env)
+        last.hear("Ethernet1", "fe80::7")
+        watcher = Watcher(env, "--owner", pwd.getpwuid(os.geteuid()).pw_name)
+        watcher.until(lambda shown: routers(shown) == ["fe80::7"])
+        last.kill()
+        watcher.until(lambda shown: not shown["writer"]["alive"])
+        os.truncate(table, 0)
+        assert watcher.fails() == (1, "the table cannot be read: its owner has cut the file short\n")
 
         table.write_bytes(content[:100])
         damaged = neighbors(env)

@@ -6,9 +6,12 @@
 #include <nlohmann/json.hpp>
 
 #include <pwd.h>
+#include <signal.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <ostream>
+#include <string_view>
 #include <thread>
 
 namespace Tool {
@@ -22,6 +25,18 @@ using SharedTable::WaitResult;
 
 Fwk::Seconds now() {
   return std::chrono::duration<Fwk::Seconds>(std::chrono::system_clock::now().time_since_epoch()).count();
+}
+
+/// A user whom --owner names may cut the table's file short while it is mapped; the next access is then a SIGBUS. The
+/// handler calls async-signal-safe functions only (signal-safety(7)).
+void endWhenTheFileIsCutShort() {
+  struct sigaction action {};
+  action.sa_handler = [](int) {
+    constexpr std::string_view message = "the table cannot be read: its owner has cut the file short\n";
+    [[maybe_unused]] ssize_t const written = write(STDERR_FILENO, message.data(), message.size());
+    _exit(static_cast<int>(ExitStatus::failed));
+  };
+  sigaction(SIGBUS, &action, nullptr);
 }
 
 class NeighborsCommand final : public Command {
@@ -50,6 +65,7 @@ class NeighborsCommand final : public Command {
   }
 
   void run(Console& console) override {
+    if (!owner_.empty()) endWhenTheFileIsCutShort();
     RouterNeighborRaReader reader({ownerId(), {}});
     if (SharedTable::Error const error = reader.attach(); error && !watch_) {
       if (error.code != Errc::noTable) throw Failure("the table cannot be read: " + error.text);
