@@ -42,6 +42,14 @@ foreach(module IN ITEMS RouterPlatform Ipv6RouterAdvt)
     COMPONENT Development)
 endforeach()
 
+# The directory of shared tables, made when the system starts. The file has the name of the Debian package of the libraries:
+# two versions of it can stand side by side.
+install(
+  FILES ${PROJECT_SOURCE_DIR}/cmake/router-shared-tables.conf
+  DESTINATION lib/tmpfiles.d
+  RENAME libipv6routeradvt${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}.conf
+  COMPONENT Runtime)
+
 install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR}
         COMPONENT Development)
 # The guide, and what it and the README refer to.
