@@ -13,12 +13,12 @@
 namespace {
 
 using namespace Fwk::ChangeStream;
-using Fwk::Octets;
+using Fwk::OctetBuffer;
 
 /// The start of any stream of the model's trees: an input need not find it again, it is long.
-Octets const& hello() {
-  static Octets const octets = [] {
-    Octets whole;
+OctetBuffer const& hello() {
+  static OctetBuffer const octets = [] {
+    OctetBuffer whole;
     Writer(Source(TreeMutator::modelTrees())).drain(whole);
     Fwk::OctetSource in(whole);
     Fwk::U8 kind = 0;
