@@ -31,7 +31,7 @@ check("unknown interface", run("build", EXAMPLE, "Ethernet9"), 1, out="", err="d
 check("standard input", run("show", "-", stdin="config: {hopLimt: 3}\n"), 1, out="",
       err="standard input:1:10: config/hopLimt: there is no such attribute; did you mean hopLimit?\n")
 check("a comma behind the document", run("show", "-", stdin='{"config": {}},\n'), 1, out="",
-      err="standard input:1:15: a comma stands where a document begins\n")
+      err="standard input:1:15: unexpected comma\n")
 check("types", run("types"), 0, out="RouterAdvt::IntfConfig", err="")
 check("unknown type", run("types", "IntfConfg"), 1, out="", err="did you mean IntfConfig?")
 check("show", run("show", EXAMPLE), 0, out="intf[Ethernet1]", err="")

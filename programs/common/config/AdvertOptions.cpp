@@ -10,7 +10,7 @@ void traceLevelsAre(std::string const& settings) {
   if (char const* const environment = std::getenv("TRACE")) {
     try {
       Trace::levelsIs(environment);
-    } catch (Trace::SettingsError const&) {  // which was said at start
+    } catch (Trace::SettingsError const&) {  // reported at the start of the program
     }
   }
   if (!settings.empty()) Trace::levelsIs(settings);

@@ -9,7 +9,7 @@
 
 namespace Tool {
 
-/// What one advertisement is made of, as far as the command line says: the options that `build` and `send` share.
+/// The options of the command line that `build` and `send` share.
 struct AdvertOptions {
   std::string file;
   std::string intf;
@@ -24,10 +24,10 @@ struct AdvertOptions {
 
   bool hex = false;
   std::string write;  ///< name of a capture file; empty: none
-  std::string trace;  ///< as `Trace::levelsIs` takes it; empty: as the environment says
+  std::string trace;  ///< for `Trace::levelsIs`; empty: the levels of the environment variable TRACE
 };
 
-/// Sets the trace levels back to those of the environment and `settings`.
+/// Resets the trace levels to those of the environment variable TRACE, then applies `settings`.
 void traceLevelsAre(std::string const& settings);
 
 }  // namespace Tool

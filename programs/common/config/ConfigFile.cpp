@@ -5,7 +5,6 @@
 #include <programs/common/config/YamlReader.h>
 #include <programs/common/text/Failure.h>
 #include <programs/common/text/NearestName.h>
-#include <programs/common/text/Text.h>
 
 #include <yaml-cpp/depthguard.h>
 #include <yaml-cpp/eventhandler.h>
@@ -20,13 +19,13 @@ namespace Tool {
 
 namespace {
 
-// The configuration's name, and so the first part of every path in it, is that of its section.
+// The configuration is named after its section, so every path in it begins with that name.
 constexpr std::string_view configSection = "config";
 constexpr std::string_view linksSection = "links";
 
 constexpr Place startOfFile{1, 1};
 
-/// A NUL stands in no text but one of 16 or 32 bits a character, which begins with a byte order mark.
+/// Text contains no NUL, unless it has 16 or 32 bits per character and begins with a byte order mark.
 bool isText(std::string_view octets) {
   using namespace std::string_view_literals;
   if (octets.find('\0') == std::string_view::npos) return true;
@@ -34,12 +33,12 @@ bool isText(std::string_view octets) {
   return std::ranges::any_of(marks, [&](std::string_view mark) { return octets.starts_with(mark); });
 }
 
-/// The parser does not say what is most often wrong when it stumbles over a line, or over what went before it.
+/// Names the most frequent cause of a syntax error, which the parser does not: a tab in or before the line.
 std::string tabHint(std::string_view text, int lastLine) {
   for (int line = 1; line <= lastLine && !text.empty(); ++line) {
     std::string_view const blanks = text.substr(0, text.find_first_not_of(" \t"));
     if (blanks.size() < text.size() && text[blanks.size()] != '\n' && blanks.find('\t') != std::string_view::npos)
-      return "; line " + std::to_string(line) + " begins with a tab, and YAML is indented with blanks alone";
+      return "; line " + std::to_string(line) + " begins with a tab; YAML takes only blanks as indentation";
     text.remove_prefix(std::min(text.find('\n'), text.size() - 1) + 1);
   }
   return {};
@@ -49,19 +48,19 @@ Place placeOfMark(YAML::Mark const& mark) {
   return mark.is_null() ? startOfFile : Place{mark.line + 1, mark.column + 1};
 }
 
-/// Nodes of a document: each value, each key, each list and each mapping is one, and takes some 500 octets of memory.
+/// Nodes of a document: values, keys, lists and mappings. Each takes some 500 octets of memory.
 constexpr std::size_t nodesMax = 1'000'000;
-/// Nodes that aliases add to a document, each alias as many as its anchor has. A few lines could add billions.
+/// Nodes that aliases add to a document: each alias adds the nodes of its anchor. A few lines could add billions.
 constexpr std::size_t repeatedNodesMax = 200'000;
 
-/// Why a document is not read although it is YAML.
+/// Why a document is refused although it is YAML.
 struct Refusal {
   Place place;
   std::string text;
 };
 
-/// Where a document and its uppermost node begin, which may be later: behind "---". Throws `Refusal` for a document
-/// that is too large.
+/// Where a document begins, and its uppermost node, which may stand behind "---". Throws `Refusal` for a document that
+/// is too large.
 class DocumentScan final : public YAML::EventHandler {
  public:
   Place begin, root;
@@ -74,7 +73,7 @@ class DocumentScan final : public YAML::EventHandler {
   }
   void OnAlias(YAML::Mark const& mark, YAML::anchor_t anchor) override {
     std::size_t const count = sizes_.at(anchor);
-    if (count == 0) throw Refusal{placeOfMark(mark), "an alias stands within what it names"};
+    if (count == 0) throw Refusal{placeOfMark(mark), "an alias stands within its own anchor"};
     repeated_ += count;
     if (repeated_ > repeatedNodesMax)
       throw Refusal{placeOfMark(mark), "aliases repeat more than " + std::to_string(repeatedNodesMax) + " values"};
@@ -114,13 +113,13 @@ class DocumentScan final : public YAML::EventHandler {
     sizes_[anchor] = nodes_ + repeated_ - before;
   }
 
-  std::size_t nodes_ = 0;     ///< as they stand there
-  std::size_t repeated_ = 0;  ///< that aliases add
+  std::size_t nodes_ = 0;     ///< written in the document
+  std::size_t repeated_ = 0;  ///< added by aliases
   std::vector<Open> open_;
-  std::vector<std::size_t> sizes_;  ///< of what each anchor names; 0: its end has not come. The first is of no anchor.
+  std::vector<std::size_t> sizes_;  ///< nodes per anchor, 0 until its end; the first is for nodes without an anchor
 };
 
-/// Places of what stands behind the first document of a text, and must not.
+/// Places of unexpected text behind the first document.
 struct BehindTheDocument {
   std::optional<Place> document;
   std::optional<Place> comma;
@@ -131,7 +130,7 @@ BehindTheDocument findBehindTheDocument(std::string const& text) {
   YAML::Parser parser(octets);
   DocumentScan first, second, third;
   if (!parser.HandleNextDocument(first) || !parser.HandleNextDocument(second)) return {};
-  // The parser makes an empty document of a comma and does not pass it: there, documents never end.
+  // The parser turns a comma into an empty document and does not advance, so documents would never end there.
   if (second.begin == first.begin || (parser.HandleNextDocument(third) && third.begin == second.begin))
     return {{}, second.begin};
   return {second.root, {}};
@@ -151,21 +150,22 @@ class FileReader {
     } catch (Refusal const& refusal) {
       return reader_.error(refusal.place, {}, refusal.text);
     } catch (YAML::DeepRecursion const&) {
-      return reader_.error(startOfFile, {}, "not YAML that can be read: nested too deeply");
+      return reader_.error(startOfFile, {}, "nested too deeply");
     } catch (YAML::Exception const& e) {
       Place const place = placeOfMark(e.mark);
-      return reader_.error(place, {}, "not YAML: " + printable(e.msg) + tabHint(text, place.line));
+      return reader_.error(place, {}, "not YAML: " + e.msg + tabHint(text, place.line));
     }
     if (behind.comma)
-      reader_.error(*behind.comma, {}, "a comma stands where a document begins");
+      reader_.error(*behind.comma, {}, "unexpected comma");
     else if (document.IsNull())
-      return reader_.error(startOfFile, {}, "there is nothing in the file; a section config is meant");
+      return reader_.error(startOfFile, {}, "the file holds no values; expected a section config");
     else if (behind.document)
-      reader_.error(*behind.document, {}, "a second document begins; one is meant");
+      reader_.error(*behind.document, {}, "a second document begins; expected one");
     readSections({document, {}, placeOf(document, startOfFile)});
     if (file_.errors.size() >= YamlReader::errorsMax)
-      reader_.error(file_.errors.back().place, {},
-                    "there may be more errors; the first " + std::to_string(YamlReader::errorsMax) + " are told");
+      reader_.error(
+          file_.errors.back().place, {},
+          "there may be more errors; only the first " + std::to_string(YamlReader::errorsMax) + " are listed");
   }
 
  private:
@@ -192,7 +192,7 @@ class FileReader {
     }
   }
 
-  /// Harmless by itself, and most likely a slip of the pen.
+  /// A link without an interface has no effect; its name is probably misspelled.
   void warnWithoutConfig(LinkConfig const& link) {
     if (file_.config->intf(link.intfId)) return;
     std::vector<std::string> names;
@@ -200,7 +200,7 @@ class FileReader {
       for (auto const& [intfId, intf] : file_.config->intf()) names.push_back(intfId.toString());
     std::string const name = link.intfId.toString();
     reader_.warning(link.place, linkPath(link.intfId),
-                    "nothing is advertised there: config/intf has no such interface" +
+                    "has no effect: there is no such interface in config/intf" +
                         nearestNameHint(name, {names.begin(), names.end()}));
   }
 
@@ -219,7 +219,7 @@ LinkConfig const* ConfigFile::link(Net::IntfId const& intfId) const {
 Place ConfigFile::placeOf(std::string path) const {
   while (!path.empty()) {
     if (auto const found = places.find(path); found != places.end()) return found->second;
-    // A key may have slashes of its own; what is left of it then is no path, and so found nowhere.
+    // A key may contain slashes. A part of a key is not a path in `places`, so the loop passes over it.
     auto const separator = path.find_last_of("/[");
     path.resize(separator == std::string::npos ? 0 : separator);
   }
@@ -259,9 +259,10 @@ ConfigFile loadConfigFileOrFail(std::string const& fileName) {
 }
 
 void failIfWrong(ConfigFile const& file) {
-  std::string text;
-  for (Diagnostic const& error : file.errors) text += (text.empty() ? "" : "\n") + diagnosticLine(file.name, error);
-  if (!file) throw Failure(text);
+  if (file) return;
+  std::vector<std::string> messages;
+  for (Diagnostic const& error : file.errors) messages.push_back(diagnosticText(file.name, error));
+  throw Failure(std::move(messages));
 }
 
 }  // namespace Tool

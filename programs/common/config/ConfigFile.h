@@ -15,41 +15,44 @@ namespace Tool {
 
 /// A configuration file as read: the model it describes and the links behind its interfaces.
 ///
-/// The section `config` is a mapping from the attributes of `RouterAdvt::Config` to their values, and so on downwards;
-/// which attributes there are, and what they take, is asked of the type records. The section `links` is the tool's own.
+/// The section `config` is a mapping from the attributes of `RouterAdvt::Config` to their values, nested as the model
+/// is. The type records say which attributes exist and which values they take. The section `links` belongs to the
+/// programs.
 struct ConfigFile {
-  std::string name;  ///< as it was given
+  std::string name;  ///< as given to the reading function
 
-  /// Null when there are errors: nothing is made of a file that is wrong.
+  /// Null when there are errors.
   Fwk::Ptr<RouterAdvt::Config> config;
   std::vector<LinkConfig> links;
   std::unordered_map<std::string, std::size_t> linkNumbers;  ///< in `links`, by the interface's name
 
-  /// All that were found, in the order of the file.
+  /// In the order of the file.
   std::vector<Diagnostic> errors;
   std::vector<Diagnostic> warnings;
 
-  /// Where each attribute and each member that the file names stands, by path.
+  /// The place of each attribute and member that the file names, by path.
   std::map<std::string, Place> places;
 
   explicit operator bool() const { return errors.empty(); }
 
   /// The link of that interface, or null.
   LinkConfig const* link(Net::IntfId const& intfId) const;
-  /// Place of the path, or of the nearest one above it that the file names.
+  /// The place of the path, or of the nearest path above it that the file names.
   Place placeOf(std::string path) const;
 };
 
-/// Reads a file; `-`: standard input. Never throws for what the file holds.
+/// Reads a file; `-`: standard input. Errors in the file are returned, not thrown.
 ConfigFile loadConfigFile(std::string const& fileName);
 
-/// As above, but throws `Failure` with all that is wrong, a line each.
+/// As above, but throws `Failure` when there are errors.
 ConfigFile loadConfigFileOrFail(std::string const& fileName);
+
+/// Throws `Failure` with one message per error, if there are any.
 void failIfWrong(ConfigFile const& file);
 
-/// From text; `name` is what messages call it.
+/// Reads a configuration from text. `name`: the file's name in messages.
 ConfigFile readConfigText(std::string name, std::string const& text);
-/// From what came of reading a file.
+/// Reads a configuration from the result of reading a file.
 ConfigFile readConfigText(std::string name, FileText const& read);
 
 }  // namespace Tool

@@ -21,7 +21,7 @@ Fwk::AttributeRecord const* effectiveAttribute(Fwk::TypeRecord const& type, Attr
   return nullptr;
 }
 
-/// Of a DNS entry the model only tells given the interface's lifetime, which is what it falls back on.
+/// The lifetime of a DNS entry, which falls back on the interface's lifetime; the model computes it given the latter.
 std::optional<std::string> dnsLifetime(Fwk::Entity const& entity) {
   using namespace RouterAdvt;
   auto const intf = Fwk::ptrCast<IntfConfig const>(entity.parent());

@@ -7,11 +7,11 @@
 
 namespace Tool {
 
-/// What comes of a stored attribute once everything that bears on it is considered: the computed attribute that goes
-/// with it. Nothing where there is none. With `x` go `xValue` and `validX`, as the model names them.
+/// The effective value of a stored attribute: its computed counterpart, which the model names `xValue` or `validX` for
+/// an attribute `x`. Nothing without a counterpart.
 std::optional<std::string> effectiveValue(Fwk::Entity const& entity, Fwk::AttributeRecord const& attr);
 
-/// Whether the computed attribute is the effective value of another one.
+/// Whether a computed attribute is the effective value of another attribute.
 bool isEffectiveValue(Fwk::TypeRecord const& type, Fwk::AttributeRecord const& attr);
 
 }  // namespace Tool

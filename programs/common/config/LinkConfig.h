@@ -9,9 +9,9 @@
 
 namespace Tool {
 
-/// The link behind an interface: what an advertisement needs to know that is not configuration of advertisements.
+/// The link of an interface: facts that an advertisement needs and that are not part of the model's configuration.
 struct LinkConfig {
-  /// Octets; an advertisement's fixed part alone takes the least.
+  /// Octets. The fixed part of every advertisement takes `mtuMin`.
   static constexpr Fwk::S32 mtuMin = 86;
   static constexpr Fwk::S32 mtuMax = 2147483647;
   static constexpr Fwk::S32 mtuDefault = 1500;
@@ -23,16 +23,16 @@ struct LinkConfig {
   std::optional<Fwk::S32> mtu;
   std::vector<Net::Ip6AddrWithMask> addresses;
   Fwk::U32 nsRetransmitInterval = 0;  ///< milliseconds, 0: unspecified
-  /// Prefixes of the virtual router; nothing: there is none.
+  /// Prefixes of the virtual router; nothing: there is no virtual router.
   std::optional<std::vector<Net::Ip6AddrWithMask>> virtualRouter;
 
-  /// Why `mac` can be no link's; empty when it can.
+  /// Why `mac` cannot be the address of a link; empty when it can.
   static std::string macRefusal(Net::EthAddr const& mac) {
-    return mac.isMulticast() ? mac.toString() + " is a group address; nothing is sent from one" : std::string();
+    return mac.isMulticast() ? mac.toString() + " is a group address, which cannot be a source" : std::string();
   }
 };
 
-/// Where the file has the link of that interface.
+/// The path of the link of that interface in the file.
 inline std::string linkPath(Net::IntfId const& intfId) { return "links[" + intfId.toString() + ']'; }
 
 }  // namespace Tool

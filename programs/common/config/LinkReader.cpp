@@ -38,7 +38,7 @@ std::vector<Ip6AddrWithMask> readAddresses(YamlReader& reader, YamlValue const& 
       result.push_back(*address);
     else
       reader.error(element.place, element.path,
-                   address->toString() + " is there already, in line " + std::to_string(first->second.line));
+                   address->toString() + " is a duplicate; the first is in line " + std::to_string(first->second.line));
   });
   return result;
 }
@@ -55,9 +55,9 @@ void readMtu(YamlReader& reader, YamlValue const& value, LinkConfig& link) {
   if (!mtu) return;
   if (*mtu < Fwk::U32{LinkConfig::mtuMin} || *mtu > Fwk::U32{LinkConfig::mtuMax})
     return reader.error(value.place, value.path,
-                        std::to_string(*mtu) + " is out of range; " + std::to_string(LinkConfig::mtuMin) + " to " +
-                            std::to_string(LinkConfig::mtuMax) +
-                            " octets are possible, the least being what every advertisement takes");
+                        std::to_string(*mtu) + " is out of range; expected " + std::to_string(LinkConfig::mtuMin) +
+                            " to " + std::to_string(LinkConfig::mtuMax) + " octets; every advertisement takes " +
+                            std::to_string(LinkConfig::mtuMin));
   link.mtu = static_cast<Fwk::S32>(*mtu);
   if (*mtu < 1280) reader.warning(value.place, value.path, "IPv6 needs links of at least 1280 octets (RFC 8200 5)");
 }
@@ -74,7 +74,7 @@ void readVirtualRouter(YamlReader& reader, YamlValue const& value, LinkConfig& l
   link.virtualRouter = readAddresses(reader, value, "a list of prefixes");
 }
 
-/// The keys of a link, and who reads them.
+/// A key of a link, and the function that reads its value.
 struct LinkKey {
   std::string_view name;
   void (*read)(YamlReader& reader, YamlValue const& value, LinkConfig& link);
@@ -97,7 +97,7 @@ void readLinkKey(YamlReader& reader, YamlEntry const& entry, std::string const& 
     }
     names.push_back(key.name);
   }
-  reader.error(entry.keyPlace, path, "a link has nothing of that name" + nearestNameHint(entry.key, names));
+  reader.error(entry.keyPlace, path, "there is no such key of a link" + nearestNameHint(entry.key, names));
 }
 
 }  // namespace
@@ -113,7 +113,7 @@ void readLinks(YamlReader& reader, YamlValue const& section, std::vector<LinkCon
     link.intfId = IntfId(entry.key);
     link.place = entry.keyPlace;
     reader.notePlace(path, entry.keyPlace);
-    reader.forEachEntry(entry.value(path), "a mapping with mac, mtu, addresses and the like",
+    reader.forEachEntry(entry.value(path), "a mapping with keys such as mac",
                         [&](YamlEntry const& inner) { readLinkKey(reader, inner, path, link); });
   });
 }

@@ -4,7 +4,7 @@
 
 namespace Tool {
 
-/// Reads the section `links`: a mapping from interfaces to what is known of their links.
+/// Reads the section `links`: a mapping from interfaces to their links.
 void readLinks(YamlReader& reader, YamlValue const& section, std::vector<LinkConfig>& links);
 
 }  // namespace Tool

@@ -24,9 +24,9 @@ std::vector<std::string_view> configurableNames(TypeRecord const& type) {
   return names;
 }
 
-/// About a name that is none of those.
+/// About a name that is not configurable.
 std::string whyNoAttribute(TypeRecord const& type, std::string_view name) {
-  // Some have a number and are not reached by reflection, which does not find them.
+  // An attribute may have a number and not be reached by reflection.
   if (std::ranges::find(type.attributes, name, &AttributeRecord::name) != type.attributes.end()) return "cannot be set";
   return "there is no such attribute" + nearestNameHint(name, configurableNames(type));
 }
@@ -34,7 +34,7 @@ std::string whyNoAttribute(TypeRecord const& type, std::string_view name) {
 std::string whyNotConfigurable(AttributeRecord const& attr) {
   switch (attr.kind) {
     case Fwk::AttributeKind::key:
-      return "is given by the key of the mapping, and cannot be set";
+      return "is the key of the mapping, and cannot be set here";
     case Fwk::AttributeKind::constant:
       return "is a constant of the model, and cannot be set";
     case Fwk::AttributeKind::computed:
@@ -85,7 +85,7 @@ class EntityReader {
                          [&](YamlEntry const& entry) { readMember(entry, attr, members); });
   }
 
-  /// `members`: by the key as the model prints it, those read so far: two texts may name one member.
+  /// `members`: the entries read so far, by the key as the model prints it. Two texts may name the same member.
   void readMember(YamlEntry const& entry, AttributeRecord const& attr, std::map<std::string, YamlEntry>& members) {
     Fwk::CollectionView const collection({entity_.get(), &type_}, attr);
     std::string const memberPath = path_ + '/' + attr.name + '[' + entry.key + ']';
@@ -109,8 +109,8 @@ class EntityReader {
     if (member.entity) readEntity(reader_, entry.value(path), member.entity);
   }
 
-  /// A value that takes part only while another attribute says that it was configured: the model never sets that by
-  /// itself, so to forget it is an easy mistake.
+  /// Some values count only while another attribute, `...Configured`, is true. The model never sets it by itself, so it
+  /// is easily forgotten.
   void warnUnlessConfigured(AttributeRecord const& attr, Place place) {
     std::string const switchName = std::string(attr.name) + "Configured";
     AttributeRecord const* const configured = type_.attribute(switchName);

@@ -25,7 +25,7 @@ char const* kindOf(YAML::Node const& node) {
 }
 
 std::string wrongKind(YAML::Node const& node, std::string const& expected) {
-  return std::string("there is ") + kindOf(node) + " where " + expected + " is meant";
+  return "expected " + expected + ", found " + kindOf(node);
 }
 
 }  // namespace
@@ -35,7 +35,7 @@ Place placeOf(YAML::Node const& node, Place otherwise) {
   return mark.is_null() || mark.line < 0 ? otherwise : Place{mark.line + 1, mark.column + 1};
 }
 
-// Of nothing the parser notes where the next thing begins.
+// For an empty value the parser notes the place of the next token.
 YamlValue YamlEntry::value(std::string path) const {
   return {node, std::move(path), node.IsNull() ? keyPlace : placeOf(node, keyPlace)};
 }
@@ -56,7 +56,7 @@ std::optional<std::string> YamlReader::scalar(YamlValue const& value, std::strin
 
 std::optional<std::string> YamlReader::keyOf(YAML::Node const& node, Place place, std::string const& path) {
   if (node.IsScalar()) return node.Scalar();
-  error(place, path, std::string("a key is a text, and this is ") + kindOf(node));
+  error(place, path, std::string("expected a text as key, found ") + kindOf(node));
   return std::nullopt;
 }
 
@@ -71,7 +71,7 @@ void YamlReader::forEachEntry(YamlValue const& value, std::string const& expecte
     auto key = keyOf(pair.first, place, value.path);
     if (!key) continue;
     if (*key == "<<") {
-      error(place, value.path, "a merge key (<<) is not followed; what it would bring in has to be written here");
+      error(place, value.path, "merge keys (<<) are not supported; write the keys of the other mapping here");
       continue;
     }
     auto const [first, isNew] = seen.emplace(*key, place);
@@ -79,7 +79,7 @@ void YamlReader::forEachEntry(YamlValue const& value, std::string const& expecte
       visit({std::move(*key), place, pair.second});
     else
       error(place, value.path,
-            "duplicate key " + inQuotes(*key) + ", which line " + std::to_string(first->second.line) + " has already");
+            "duplicate key " + inQuotes(*key) + "; the first is in line " + std::to_string(first->second.line));
   }
 }
 

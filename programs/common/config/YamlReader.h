@@ -12,7 +12,7 @@
 
 namespace Tool {
 
-/// A value in a file: its node, its path, and where to point when it is wrong.
+/// A value in a file. Errors point to `place`.
 struct YamlValue {
   YAML::Node node;
   std::string path;
@@ -25,32 +25,33 @@ struct YamlEntry {
   Place keyPlace;
   YAML::Node node;
 
-  /// The entry's value under the path of what it was found to be.
+  /// The entry's value. `path`: of the attribute or member that the key names.
   YamlValue value(std::string path) const;
 };
 
-/// Takes a file's nodes apart, and notes what is wrong with them.
+/// Takes the nodes of a file apart, and adds errors and warnings to the file.
 class YamlReader {
  public:
-  /// With so many errors, no more entries and elements are visited.
+  /// With this many errors, no further entries and elements are visited.
   static constexpr std::size_t errorsMax = 1000;
 
   explicit YamlReader(ConfigFile& file) : file_(file) {}
 
   void error(Place place, std::string path, std::string text);
   void warning(Place place, std::string path, std::string text);
-  /// Notes where a path stands. Where two keys name the same thing the first one counts.
+  /// Notes the place of a path; of two places the first counts.
   void notePlace(std::string const& path, Place place) { file_.places.emplace(path, place); }
 
-  /// The text of a single value. `expected` says what is meant, for the message when there is none.
+  /// The text of a single value; anything else is an error. `expected`: describes the value in the message.
   std::optional<std::string> scalar(YamlValue const& value, std::string const& expected);
 
-  /// Calls `visit` for every entry, in order. What is no mapping, a key that is no text, a merge key and a key that was
-  /// there before are errors and not visited. Nothing at all counts as an empty mapping. `expected`: as above.
+  /// Calls `visit` for every entry, in order. An empty value counts as an empty mapping. Values of other kinds, keys
+  /// that are not texts, merge keys and repeated keys are errors and not visited. `expected`: as above.
   void forEachEntry(YamlValue const& value, std::string const& expected,
                     Fwk::FunctionRef<void(YamlEntry const&)> visit);
 
-  /// Calls `visit` for every element of a list, whose paths get their number from 0. Nothing counts as an empty list.
+  /// Calls `visit` for every element of a list. The path of an element is that of the list and its number, from 0. An
+  /// empty value counts as an empty list.
   void forEachElement(YamlValue const& value, std::string const& expected,
                       Fwk::FunctionRef<void(YamlValue const&)> visit);
 
@@ -60,7 +61,7 @@ class YamlReader {
   ConfigFile& file_;
 };
 
-/// The place of a node, or `otherwise` where the parser notes none.
+/// The place of a node; `otherwise` when the parser noted none.
 Place placeOf(YAML::Node const& node, Place otherwise);
 
 }  // namespace Tool

@@ -77,18 +77,18 @@ ErrorRow const attributeErrors[] = {
     {"BaseAttribute", intfFile("fullName: x"),
      "f:4:7: config/intf[Ethernet1]/fullName: is computed from other attributes, and cannot be set"},
     {"Key", intfFile("intfId: Ethernet1"),
-     "f:4:7: config/intf[Ethernet1]/intfId: is given by the key of the mapping, and cannot be set"},
+     "f:4:7: config/intf[Ethernet1]/intfId: is the key of the mapping, and cannot be set here"},
     {"AttributeWithoutDescriptor", intfFile("numPrefixesToAdvertise: 1"),
      "f:4:7: config/intf[Ethernet1]/numPrefixesToAdvertise: cannot be set"},
     {"DuplicateAttribute", "config:\n  hopLimit: 1\n  hopLimit: 2\n",
-     "f:3:3: config: duplicate key \"hopLimit\", which line 2 has already"},
+     "f:3:3: config: duplicate key \"hopLimit\"; the first is in line 2"},
 };
 INSTANTIATE_TEST_SUITE_P(Attribute, ConfigFileError, testing::ValuesIn(attributeErrors));
 
 ErrorRow const valueErrors[] = {
     {"NumberAboveTheType", intfFile("raLifetime: 4294967296"),
-     "f:4:19: config/intf[Ethernet1]/raLifetime: \"4294967296\" is out of range; a whole number from 0 to 4294967295 "
-     "is meant"},
+     "f:4:19: config/intf[Ethernet1]/raLifetime: \"4294967296\" is out of range; expected a whole number from 0 to "
+     "4294967295"},
     {"NumberBelowTheType", intfFile("raLifetime: -1"),
      "f:4:19: config/intf[Ethernet1]/raLifetime: \"-1\" is not a whole number from 0 to 4294967295"},
     {"NumberThatIsNone", intfFile("raLifetime: 5s"),
@@ -100,18 +100,17 @@ ErrorRow const valueErrors[] = {
     {"BoolThatIsNothingLikeOne", intfFile("raSuppress: 2"),
      "f:4:19: config/intf[Ethernet1]/raSuppress: \"2\" is not true or false"},
     {"ListForAValue", intfFile("raLifetime: [1, 2]"),
-     "f:4:19: config/intf[Ethernet1]/raLifetime: there is a list where a whole number from 0 to 4294967295 is meant"},
+     "f:4:19: config/intf[Ethernet1]/raLifetime: expected a whole number from 0 to 4294967295, found a list"},
     {"MappingForAValue", intfFile("raLifetime: {a: 1}"),
-     "f:4:19: config/intf[Ethernet1]/raLifetime: there is a mapping where a whole number from 0 to 4294967295 is "
-     "meant"},
+     "f:4:19: config/intf[Ethernet1]/raLifetime: expected a whole number from 0 to 4294967295, found a mapping"},
     {"NothingForAValue", intfFile("raLifetime:"),
-     "f:4:7: config/intf[Ethernet1]/raLifetime: there is nothing where a whole number from 0 to 4294967295 is meant"},
+     "f:4:7: config/intf[Ethernet1]/raLifetime: expected a whole number from 0 to 4294967295, found nothing"},
     {"ReservedPreference", intfFile("routerPreference: reserved_"),
      "f:4:25: config/intf[Ethernet1]/routerPreference: \"reserved_\" is the reserved router preference, which is never "
-     "sent (RFC 4191 2.1); medium, high or low is meant"},
+     "sent (RFC 4191 2.1); expected medium, high or low"},
     {"ReservedPreferenceAsNumber", intfFile("routerPreference: 2"),
      "f:4:25: config/intf[Ethernet1]/routerPreference: \"2\" is the reserved router preference, which is never sent "
-     "(RFC 4191 2.1); medium, high or low is meant"},
+     "(RFC 4191 2.1); expected medium, high or low"},
     {"PreferenceThatIsNone", intfFile("routerPreference: 4"),
      "f:4:25: config/intf[Ethernet1]/routerPreference: \"4\" is not medium, high or low, or the number of one of them "
      "(0, 1, 3)"},
@@ -134,23 +133,21 @@ ErrorRow const memberErrors[] = {
     {"InterfaceWithoutAName", "config: {intf: {\"\": {}}}",
      "f:1:17: config/intf[]: the empty name stands for no interface"},
     {"DuplicateMember", intfFile("prefixes: {2001:db8::/64: {}, 2001:db8::/64: {}}"),
-     "f:4:37: config/intf[Ethernet1]/prefixes: duplicate key \"2001:db8::/64\", which line 4 has already"},
+     "f:4:37: config/intf[Ethernet1]/prefixes: duplicate key \"2001:db8::/64\"; the first is in line 4"},
     {"DuplicateMemberInOtherWords", intfFile("prefixes: {2001:db8::/64: {}, 2001:DB8:0::/64: {}}"),
      "f:4:37: config/intf[Ethernet1]/prefixes: duplicate key \"2001:DB8:0::/64\", which is the same as "
      "\"2001:db8::/64\" in line 4"},
     {"ListForMembers", intfFile("prefixes: [2001:db8::/64]"),
-     "f:4:17: config/intf[Ethernet1]/prefixes: there is a list where a mapping with keys such as 2001:db8::/64 is "
-     "meant"},
+     "f:4:17: config/intf[Ethernet1]/prefixes: expected a mapping with keys such as 2001:db8::/64, found a list"},
     {"ValueForInterfaces", "config: {intf: Ethernet1}",
-     "f:1:16: config/intf: there is a single value where a mapping with keys such as Ethernet1 is meant"},
+     "f:1:16: config/intf: expected a mapping with keys such as Ethernet1, found a single value"},
     {"MergeKey", "config: {intf: {Ethernet1: &a {hopLimit: 3}, Ethernet2: {<<: *a}}}",
-     "f:1:58: config/intf[Ethernet2]: a merge key (<<) is not followed; what it would bring in has to be written "
-     "here"},
+     "f:1:58: config/intf[Ethernet2]: merge keys (<<) are not supported; write the keys of the other mapping here"},
     {"ValueForAMember", intfFile("dnsServers: {2001:db8::53: yes}"),
-     "f:4:34: config/intf[Ethernet1]/dnsServers[2001:db8::53]: there is a single value where a mapping with "
-     "attributes such as lifetime is meant"},
+     "f:4:34: config/intf[Ethernet1]/dnsServers[2001:db8::53]: expected a mapping with attributes such as lifetime, "
+     "found a single value"},
     {"KeyThatIsAList", intfFile("dnsServers: {[a]: {}}"),
-     "f:4:20: config/intf[Ethernet1]/dnsServers: a key is a text, and this is a list"},
+     "f:4:20: config/intf[Ethernet1]/dnsServers: expected a text as key, found a list"},
     {"DeepInside", intfFile("prefixes: {2001:db8::/64: {validLifetime: x}}"),
      "f:4:49: config/intf[Ethernet1]/prefixes[2001:db8::/64]/validLifetime: \"x\" is not a whole number from 0 to "
      "4294967295"},
@@ -159,69 +156,66 @@ INSTANTIATE_TEST_SUITE_P(Member, ConfigFileError, testing::ValuesIn(memberErrors
 
 ErrorRow const linkErrors[] = {
     {"UnknownKey", linkFile("adresses: []"),
-     "f:4:5: links[Ethernet1]/adresses: a link has nothing of that name; did you mean addresses?"},
+     "f:4:5: links[Ethernet1]/adresses: there is no such key of a link; did you mean addresses?"},
     {"BadMac", linkFile("mac: 02:00:00:00:00"),
      "f:4:10: links[Ethernet1]/mac: \"02:00:00:00:00\" is not an Ethernet address such as 02:00:00:00:00:01"},
     {"GroupMac", linkFile("mac: 03:00:00:00:00:01"),
-     "f:4:10: links[Ethernet1]/mac: 03:00:00:00:00:01 is a group address; nothing is sent from one"},
+     "f:4:10: links[Ethernet1]/mac: 03:00:00:00:00:01 is a group address, which cannot be a source"},
     {"MtuBelowTheFixedPart", linkFile("mtu: 85"),
-     "f:4:10: links[Ethernet1]/mtu: 85 is out of range; 86 to 2147483647 octets are possible, the least being what "
-     "every advertisement takes"},
+     "f:4:10: links[Ethernet1]/mtu: 85 is out of range; expected 86 to 2147483647 octets; every advertisement takes "
+     "86"},
     {"MtuAboveTheType", linkFile("mtu: 2147483648"),
-     "f:4:10: links[Ethernet1]/mtu: 2147483648 is out of range; 86 to 2147483647 octets are possible, the least being "
-     "what every advertisement takes"},
+     "f:4:10: links[Ethernet1]/mtu: 2147483648 is out of range; expected 86 to 2147483647 octets; every advertisement "
+     "takes 86"},
     {"AddressesNoList", linkFile("addresses: fe80::1/64"),
-     "f:4:16: links[Ethernet1]/addresses: there is a single value where a list of addresses is meant"},
+     "f:4:16: links[Ethernet1]/addresses: expected a list of addresses, found a single value"},
     {"BadAddress", linkFile("addresses: [fe80::1/64, fe80::2]"),
      "f:4:29: links[Ethernet1]/addresses[1]: \"fe80::2\" is not an IPv6 address with a mask length from 0 to 128, such "
      "as 2001:db8::/64"},
     {"DuplicateAddress", linkFile("addresses: [fe80::1/64, FE80::1/64]"),
-     "f:4:29: links[Ethernet1]/addresses[1]: fe80::1/64 is there already, in line 4"},
+     "f:4:29: links[Ethernet1]/addresses[1]: fe80::1/64 is a duplicate; the first is in line 4"},
     {"BadInterval", linkFile("nsRetransmitInterval: 1s"),
      "f:4:27: links[Ethernet1]/nsRetransmitInterval: \"1s\" is not a whole number from 0 to 4294967295"},
     {"BadVirtualRouterPrefix", linkFile("virtualRouter: [x]"),
      "f:4:21: links[Ethernet1]/virtualRouter[0]: \"x\" is not an IPv6 address with a mask length from 0 to 128, such "
-     "as "
-     "2001:db8::/64"},
+     "as 2001:db8::/64"},
     {"DuplicateLink", "config: {}\nlinks:\n  a: {}\n  a: {}\n",
-     "f:4:3: links: duplicate key \"a\", which line 3 has already"},
+     "f:4:3: links: duplicate key \"a\"; the first is in line 3"},
     {"LinkWithoutAName", "config: {}\nlinks: {\"\": {}}\n", "f:2:9: links[]: the empty name stands for no interface"},
     {"DuplicateVirtualRouterPrefix", linkFile("virtualRouter: [2001:db8::/64, 2001:DB8::/64]"),
-     "f:4:36: links[Ethernet1]/virtualRouter[1]: 2001:db8::/64 is there already, in line 4"},
+     "f:4:36: links[Ethernet1]/virtualRouter[1]: 2001:db8::/64 is a duplicate; the first is in line 4"},
     {"LinksThatAreAList", "config: {}\nlinks: [E1]\n",
-     "f:2:8: links: there is a list where a mapping from interfaces to their links is meant"},
+     "f:2:8: links: expected a mapping from interfaces to their links, found a list"},
     {"LinkThatIsAText", "config: {}\nlinks: {E1: foo}\n",
-     "f:2:13: links[E1]: there is a single value where a mapping with mac, mtu, addresses and the like is meant"},
+     "f:2:13: links[E1]: expected a mapping with keys such as mac, found a single value"},
     {"LinkNameTooLong", "config: {}\nlinks: {EthernetWithANameOfThirtyTwoOcts: {}}\n",
      "f:2:9: links[EthernetWithANameOfThirtyTwoOcts]: \"EthernetWithANameOfThirtyTwoOcts\" is not an interface name of "
-     "at "
-     "most 31 octets"},
+     "at most 31 octets"},
 };
 INSTANTIATE_TEST_SUITE_P(Link, ConfigFileError, testing::ValuesIn(linkErrors));
 
 ErrorRow const fileErrors[] = {
-    {"Empty", "", "f:1:1: there is nothing in the file; a section config is meant"},
-    {"OnlyAComment", "# nothing\n", "f:1:1: there is nothing in the file; a section config is meant"},
-    {"OnlyTabs", std::string(1000, '\t'), "f:1:1: there is nothing in the file; a section config is meant"},
+    {"Empty", "", "f:1:1: the file holds no values; expected a section config"},
+    {"OnlyAComment", "# nothing\n", "f:1:1: the file holds no values; expected a section config"},
+    {"OnlyTabs", std::string(1000, '\t'), "f:1:1: the file holds no values; expected a section config"},
     {"OnlyAnchorsWithoutANameOrAValue", std::string(1000, '&'),
-     "f:1:1: there is nothing in the file; a section config is meant"},
-    {"OnlyAValue", "hello",
-     "f:1:1: there is a single value where a mapping with the sections config and links is meant"},
+     "f:1:1: the file holds no values; expected a section config"},
+    {"OnlyAValue", "hello", "f:1:1: expected a mapping with the sections config and links, found a single value"},
     {"WithoutConfig", "links: {}\n", "f:1:1: there is no section config"},
     {"UnknownSection", "config: {}\nlink: {}\n", "f:2:1: link: there is no such section; did you mean links?"},
     {"SectionTwice", "config: {}\nlinks: {}\nconfig: {intf: {Ethernet1: {}}}\n",
-     "f:3:1: duplicate key \"config\", which line 1 has already"},
+     "f:3:1: duplicate key \"config\"; the first is in line 1"},
     {"SectionThatIsAList", "config: []\n",
-     "f:1:9: config: there is a list where a mapping with attributes such as intf is meant"},
-    {"TwoDocuments", "config: {}\n---\nconfig: {}\n", "f:3:1: a second document begins; one is meant"},
-    {"AnEmptySecondDocument", "config: {}\n---\n", "f:3:1: a second document begins; one is meant"},
-    {"ThreeDocuments", "config: {}\n---\n---\nconfig: {}\n", "f:3:1: a second document begins; one is meant"},
-    {"OnlyAComma", ",", "f:1:1: a comma stands where a document begins"},
-    {"CommaBeforeTheDocument", "# JSON\n,{\"config\": {}}\n", "f:2:1: a comma stands where a document begins"},
-    {"CommaBehindTheDocument", "{\"config\": {}},\n", "f:1:15: a comma stands where a document begins"},
-    {"CommaBetweenDocuments", "{\"config\": {}},\n{}\n", "f:1:15: a comma stands where a document begins"},
-    {"CommaBeforeAText", ",x", "f:1:1: a comma stands where a document begins"},
-    {"AnAliasWithinWhatItNames", "config: &a\n  intf: {E1: *a}\n", "f:2:14: an alias stands within what it names"},
+     "f:1:9: config: expected a mapping with attributes such as intf, found a list"},
+    {"TwoDocuments", "config: {}\n---\nconfig: {}\n", "f:3:1: a second document begins; expected one"},
+    {"AnEmptySecondDocument", "config: {}\n---\n", "f:3:1: a second document begins; expected one"},
+    {"ThreeDocuments", "config: {}\n---\n---\nconfig: {}\n", "f:3:1: a second document begins; expected one"},
+    {"OnlyAComma", ",", "f:1:1: unexpected comma"},
+    {"CommaBeforeTheDocument", "# JSON\n,{\"config\": {}}\n", "f:2:1: unexpected comma"},
+    {"CommaBehindTheDocument", "{\"config\": {}},\n", "f:1:15: unexpected comma"},
+    {"CommaBetweenDocuments", "{\"config\": {}},\n{}\n", "f:1:15: unexpected comma"},
+    {"CommaBeforeAText", ",x", "f:1:1: unexpected comma"},
+    {"AnAliasWithinWhatItNames", "config: &a\n  intf: {E1: *a}\n", "f:2:14: an alias stands within its own anchor"},
     {"AliasesThatRepeatTooMuch", repeatingFile(12, 20000), "f:11:4: aliases repeat more than 200000 values"},
     {"AliasesOfAliasesThatRepeatTooMuch",
      "a: &a [x, x, x, x, x, x, x, x, x, x]\nb: &b [*a, *a, *a, *a, *a, *a, *a, *a, *a, *a]\n"
@@ -231,7 +225,7 @@ ErrorRow const fileErrors[] = {
     {"TooManyValues", "config: [" + repeated("x,", 1'000'000) + "]\n",
      "f:1:2000004: the file has more than 1000000 values"},
     {"TabAsIndentation", "config:\n  intf:\n\n    E1:\n    \traLifetime: 5\n",
-     "f:5:16: not YAML: illegal map value; line 5 begins with a tab, and YAML is indented with blanks alone"},
+     "f:5:16: not YAML: illegal map value; line 5 begins with a tab; YAML takes only blanks as indentation"},
     {"TabBehindAValueIsNoMistake", "config:\t{}\n\t\nlinks: {a\n", "f:4:1: not YAML: end of map flow not found"},
     {"Binary",
      std::string("\x7f"
@@ -241,7 +235,7 @@ ErrorRow const fileErrors[] = {
     {"BinaryBehindAText", std::string("config: {}\n\0", 12), "f: is not a text file"},
     {"SyntaxError", "config:\n  intf: {a: {}\n", "f:3:1: not YAML: end of map flow not found"},
     {"UnknownAlias", "config: *a\n", "f:1:9: not YAML: the referenced anchor is not defined"},
-    {"NestedTooDeeply", std::string(10000, '['), "f:1:1: not YAML that can be read: nested too deeply"},
+    {"NestedTooDeeply", std::string(10000, '['), "f:1:1: nested too deeply"},
 };
 INSTANTIATE_TEST_SUITE_P(File, ConfigFileError, testing::ValuesIn(fileErrors));
 
@@ -258,7 +252,7 @@ TEST(ConfigFile, TellsNoMoreThanAThousandErrors) {
   std::vector<std::string> const errors = errorsOf(text + "}");
   ASSERT_THAT(errors, testing::SizeIs(1001));
   EXPECT_THAT(errors[999], testing::StartsWith("f:1000:1: config/x999: there is no such attribute"));
-  EXPECT_EQ(errors[1000], "f:1000:1: there may be more errors; the first 1000 are told");
+  EXPECT_EQ(errors[1000], "f:1000:1: there may be more errors; only the first 1000 are listed");
 }
 
 TEST(ConfigFile, ControlCharactersDoNotReachTheTerminal) {
@@ -432,7 +426,7 @@ TEST(ConfigFileWarning, NoneForPrefixLifetimes) {
 
 TEST(ConfigFileWarning, ALinkWithoutItsInterface) {
   EXPECT_THAT(warningsOf("config: {intf: {Ethernet1: {}}}\nlinks: {Ethernet11: {}}\n"),
-              ElementsAre("f:2:9: links[Ethernet11]: nothing is advertised there: config/intf has no such interface; "
+              ElementsAre("f:2:9: links[Ethernet11]: has no effect: there is no such interface in config/intf; "
                           "did you mean Ethernet1?"));
 }
 
@@ -440,7 +434,7 @@ TEST(ConfigFileWarning, NoNearestNameAmongMoreThanAHundred) {
   std::string text = "config: {intf: {";
   for (int i = 0; i < 101; ++i) text += "E" + std::to_string(i) + ": {}, ";
   EXPECT_THAT(warningsOf(text + "}}\nlinks: {E1O: {}}\n"),
-              ElementsAre("f:2:9: links[E1O]: nothing is advertised there: config/intf has no such interface"));
+              ElementsAre("f:2:9: links[E1O]: has no effect: there is no such interface in config/intf"));
 }
 
 TEST(ConfigFileWarning, AnMtuThatIsTooSmallForIPv6) {

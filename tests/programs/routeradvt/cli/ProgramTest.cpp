@@ -153,7 +153,7 @@ UsageRow const usageRows[] = {
     {"BadMac", {"build", "x", "y", "--dst-mac", "1"}, "--dst-mac: \"1\" is not an Ethernet address"},
     {"GroupMac",
      {"build", "x", "y", "--src-mac", "33:33:00:00:00:01"},
-     "--src-mac: 33:33:00:00:00:01 is a group address; nothing is sent from one"},
+     "--src-mac: 33:33:00:00:00:01 is a group address, which cannot be a source"},
     {"GroupMacToSendFrom",
      {"send", "x", "y", "--via", "z", "--src-mac", "01:00:00:00:00:00"},
      "--src-mac: 01:00:00:00:00:00 is a group address"},
