@@ -21,8 +21,8 @@ class Writer : public WriterBase {
 
   /// What the writer tells its owner, on the owner's thread, from inside the operation.
   struct Callbacks {
-    /// A row changed by the table's own doing: it was found damaged when the rows moved, or when all or the damaged
-    /// ones were removed, and is gone. Not called for what the owner does himself.
+    /// A row changed by the table's own doing: it was found damaged when the rows moved and is gone, or it was taken
+    /// over from a dead writer (`WriterOptions::adoptRows`). Not called for what the owner does.
     std::function<void(Key const&)> rowChanged;
     /// `mountStatus()` has another value.
     std::function<void()> mountStatus;
@@ -51,8 +51,8 @@ class Writer : public WriterBase {
   bool contains(Key const& key) const { return row(key).has_value(); }
 
   /// Creates the row or replaces the one of the same key. Readers see the old row or the new one, nothing between. A
-  /// row that cannot be added is counted ("sharedTableFull", "sharedTableNoSpace") and traced at level 2; the others
-  /// stay as they are. Damage goes to the corruption handler and then fails the assertion.
+  /// row that cannot be added is counted ("sharedTableFull", "sharedTableNoSpace") and traced at level 2 with its key;
+  /// the others stay as they are. Damage goes to the corruption handler and then fails the assertion.
   WriteStatus rowIs(R const& row) { return write(&row); }
 
   /// Removes the row of `key` and returns it. Damage goes to the corruption handler and then fails the assertion.

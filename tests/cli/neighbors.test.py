@@ -7,6 +7,7 @@ import os
 import pathlib
 import pwd
 import queue
+import shutil
 import subprocess
 import tempfile
 import threading
@@ -161,8 +162,12 @@ def main():
         fourth.hear("Ethernet1", "fe80::6")
         watcher.until(lambda shown: shown["table"] and routers(shown) == ["fe80::6"])
         watcher.end()
+        shutil.rmtree(pathlib.Path(directory, "routing6"))
+        fourth.hear("Ethernet1", "fe80::7")
+        shown = json.loads(neighbors(env, "--json").stdout)
+        assert routers(shown) == ["fe80::6", "fe80::7"] and shown["writer"]["alive"], shown
         reader = Reader(env)
-        reader.until("1 routers")
+        reader.until("2 routers")
         fourth.end()
         assert reader.end() == (0, table.name + ": no such file\n")
 

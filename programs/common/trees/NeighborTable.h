@@ -17,10 +17,12 @@ class NeighborTable {
   /// Why other processes cannot read it; empty: they can.
   std::string problem() const;
 
-  /// An advertisement of that router has arrived now.
+  /// An advertisement of that router has arrived now. A table that somebody has removed is published anew.
   void hear(Net::IntfId const& intfId, Net::Ip6Addr const& router);
 
  private:
+  void mountAnewIfLost();
+
   Fwk::Ptr<Fwk::Entity> root_;  ///< having a parent is what mounts the table
   Fwk::Ptr<RouterAdvt::Table::RouterNeighborRaStatus> rows_;
 };
