@@ -197,7 +197,7 @@ RowType const& rowTypeOf() noexcept {
   static_assert(sizeof(R) % 8 == 0 && alignof(R) <= 8, "a row is a multiple of 8 octets");
   static_assert(std::is_trivially_copyable_v<Key> && std::has_unique_object_representations_v<Key>,
                 "equal keys are equal octets");
-  static_assert(std::equality_comparable<R> && std::totally_ordered<Key>);
+  static_assert(std::equality_comparable<R> && std::equality_comparable<Key>);
   static_assert(fieldsFillRow(R::tableFields, sizeof(R)), "a field is not listed, or there is padding");
   static_assert(fieldsBeginWithKey(R::tableFields, sizeof(Key)), "the first fields are those of the key");
   ASSERT_AT(keyStandsFirst<R>(), Trace::Location::here());
