@@ -96,7 +96,7 @@ enum class ReadErrorKind : U8 {
   incompatible,  ///< another version, or a type that differs in more than attributes that were added
   gap,           ///< octets are missing
   lost,          ///< a record is about something that is not in the mirror
-  tooLarge,      ///< a record or a depth above the bounds
+  tooLarge,      ///< a record, a depth or a number of members above the bounds
   refused,       ///< the mirror threw: its text is what()
 };
 
@@ -112,6 +112,9 @@ struct ReadError {
 struct ReaderOptions {
   /// Octets of a record that are waited for; a writer's records are as large as the values in them.
   std::size_t maxRecordSize = std::size_t{16} << 20;
+  /// Members of collections, entities and values alike, and children that the mirror may have below its roots. A record
+  /// of a few octets makes one of some hundred octets; 10,000 interfaces with everything configured have 90,000.
+  std::size_t maxMembers = 1'000'000;
 };
 
 /// Applies a stream to a mirror: trees that nobody else changes. Setters and collections of the mirror notify as ever,

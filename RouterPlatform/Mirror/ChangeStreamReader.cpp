@@ -57,12 +57,31 @@ Octets takeBlock(OctetSource& in) {
 
 std::string_view textOf(Octets octets) { return OctetSource(octets).restAsText(); }
 
+/// Members and children of the entity and of everything below it.
+std::size_t membersBelow(Entity const& entity) {
+  std::size_t count = 0;
+  for (AttributeRecord const& attr : entity.fwkType().attributes) {
+    if (attr.child) {
+      if (Ptr<Entity> const child = attr.child->get(&entity)) count += 1 + membersBelow(*child);
+    } else if (attr.streamed() && attr.collection && attr.collection->size(&entity) > 0) {
+      count += attr.collection->size(&entity);
+      if (!attr.collection->stream->ofEntities) continue;
+      for (auto const walk = attr.collection->stream->walk(&entity); !walk->atEnd(); walk->next())
+        count += membersBelow(*walk->entity());
+    }
+  }
+  return count;
+}
+
 }  // namespace
 
 class Reader::Impl {
  public:
   Impl(std::vector<Ptr<Entity>> roots, RootFactory factory, ReaderOptions const& options)
-      : roots_(std::move(roots)), factory_(std::move(factory)), options_(options) {}
+      : roots_(std::move(roots)), factory_(std::move(factory)), options_(options) {
+    for (auto const& root : roots_)
+      if (root) members_ += membersBelow(*root);
+  }
 
   bool feed(Octets octets) {
     if (error_) return false;
@@ -215,7 +234,10 @@ class Reader::Impl {
 
   void end() {
     require(inSnapshot_ && frames_.empty(), "the end of no snapshot");
-    if (factory_) roots_.resize(static_cast<std::size_t>(rootsNamed_));
+    while (factory_ && roots_.size() > rootsNamed_) {
+      letGo(roots_.back());
+      roots_.pop_back();
+    }
     inSnapshot_ = false;
     hasSnapshot_ = true;
   }
@@ -238,7 +260,10 @@ class Reader::Impl {
     if (factory_) {
       if (index == roots_.size()) roots_.emplace_back();
       Ptr<Entity>& root = roots_[index];
-      if (!root || root->fwkType().name != typeName || root->keyText() != key) root = factory_(typeName, key);
+      if (!root || root->fwkType().name != typeName || root->keyText() != key) {
+        letGo(root);
+        root = factory_(typeName, key);
+      }
     }
     if (index >= roots_.size()) return nullptr;
     Ptr<Entity> const& root = roots_[index];
@@ -274,7 +299,7 @@ class Reader::Impl {
       if (left.members)
         removeUnmentioned(frame, left, {});
       else
-        left.attr->child->del(objectOf(frame));
+        removeChild(frame, *left.attr);
     }
     frames_.pop_back();
   }
@@ -335,15 +360,24 @@ class Reader::Impl {
     if (inSnapshot_)
       std::erase_if(frame.unmentioned, [&](Unmentioned const& left) { return left.attr == &attr; });
     else
-      attr.child->del(objectOf(frame));
-    return attr.child->set(objectOf(frame), name);
+      removeChild(frame, attr);
+    Ptr<Entity> const before = attr.child->get(objectOf(frame));
+    Ptr<Entity> made = attr.child->set(objectOf(frame), name);
+    if (made && made != before) {
+      if (before) {
+        countOut(1);
+        letGo(before);
+      }
+      countIn(1);
+    }
+    return made;
   }
 
   Ptr<Entity> memberIs(Frame& frame, AttributeRecord const& attr, Octets key) {
     require(attr.collection && attr.collection->stream->ofEntities, "a member of no collection");
     makeWay(frame, attr, key, true);
     Ptr<Entity> made;
-    require(attr.collection->stream->set(objectOf(frame), key, {}, made), "no key of the collection");
+    require(setMember(frame, attr, key, {}, made), "no key of the collection");
     return made;
   }
 
@@ -355,7 +389,7 @@ class Reader::Impl {
     Octets const key = takeBlock(in);
     makeWay(frame, *attr, key, last);
     Ptr<Entity> none;
-    require(attr->collection->stream->set(objectOf(frame), key, in.rest(), none), "no row of the collection");
+    require(setMember(frame, *attr, key, in.rest(), none), "no row of the collection");
   }
 
   void removed(OctetSource in) {
@@ -363,17 +397,52 @@ class Reader::Impl {
     AttributeRecord const* const attr = takeAttribute(frame, in);
     if (!attr) return;
     if (attr->child)
-      attr->child->del(objectOf(frame));
+      removeChild(frame, *attr);
     else
-      require(attr->collection && attr->collection->stream->del(objectOf(frame), in.rest()),
-              "no key of the collection");
+      require(attr->collection && removeMember(frame, *attr, in.rest()), "no key of the collection");
+  }
+
+  // Every change of a mirror's members goes through the following, which count them.
+
+  bool setMember(Frame const& frame, AttributeRecord const& attr, Octets key, Octets value, Ptr<Entity>& made) {
+    U64 const before = attr.collection->size(objectOf(frame));
+    bool const wellFormed = attr.collection->stream->set(objectOf(frame), key, value, made);
+    if (attr.collection->size(objectOf(frame)) > before) countIn(1);
+    return wellFormed;
+  }
+
+  bool removeMember(Frame const& frame, AttributeRecord const& attr, Octets key) {
+    U64 const before = attr.collection->size(objectOf(frame));
+    Ptr<Entity> const entity = attr.collection->stream->entity(objectOf(frame), key);
+    bool const wellFormed = attr.collection->stream->del(objectOf(frame), key);
+    if (attr.collection->size(objectOf(frame)) < before) countOut(1);
+    letGo(entity);
+    return wellFormed;
+  }
+
+  void removeChild(Frame const& frame, AttributeRecord const& attr) {
+    Ptr<Entity> const removed = attr.child->del(objectOf(frame));
+    if (removed) countOut(1);
+    letGo(removed);
+  }
+
+  /// An entity is not in the mirror any more, and so is everything below it.
+  void letGo(Ptr<Entity> const& entity) {
+    if (entity) countOut(membersBelow(*entity));
+  }
+  /// Observers of the mirror should not change it, but might.
+  void countOut(std::size_t count) noexcept { members_ -= std::min(members_, count); }
+  void countIn(std::size_t count) {
+    members_ += count;
+    if (members_ > options_.maxMembers)
+      throw Failure{ReadErrorKind::tooLarge, "more than " + std::to_string(options_.maxMembers) + " members"};
   }
 
   /// Before a member is set. In a snapshot it stands in the place that it is mentioned at: one that is there stays, and
   /// what would stand before it goes, unless any order will do. Otherwise one that comes last is made anew.
   void makeWay(Frame& frame, AttributeRecord const& attr, Octets key, bool last) {
     if (!inSnapshot_) {
-      if (last) (void)attr.collection->stream->del(objectOf(frame), key);
+      if (last) (void)removeMember(frame, attr, key);
       return;
     }
     for (Unmentioned& left : frame.unmentioned)
@@ -398,7 +467,7 @@ class Reader::Impl {
       members.putKey(sink);
       if (key && std::ranges::equal(key_, *key)) return;
       if (left.mentioned.contains(textOf(key_))) continue;
-      left.attr->collection->stream->del(objectOf(frame), key_);
+      (void)removeMember(frame, *left.attr, key_);
     }
   }
 
@@ -411,6 +480,7 @@ class Reader::Impl {
   U64 offset_ = 0;
   U64 nextBatch_ = 1;
   U64 rootsNamed_ = 0;
+  std::size_t members_ = 0;    ///< below all roots
   std::vector<Frame> frames_;  ///< outermost first; outside a snapshot the first one is where `at` led
   bool greeted_ = false;
   bool inSnapshot_ = false;

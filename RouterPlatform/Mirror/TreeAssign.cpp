@@ -1,6 +1,7 @@
 #include <RouterPlatform/Mirror/ChangeStream.h>
 #include <RouterPlatform/Mirror/TreeAssign.h>
 
+#include <limits>
 #include <stdexcept>
 
 namespace Fwk {
@@ -10,7 +11,7 @@ void assignTree(Ptr<Entity> const& from, Ptr<Entity> const& to) {
   constexpr std::size_t chunkSize = 65536;
   if (&from->fwkType() != &to->fwkType()) throw std::invalid_argument("trees of two types");
   ChangeStream::Writer writer(from);
-  ChangeStream::Reader reader(to);
+  ChangeStream::Reader reader(to, {.maxMembers = std::numeric_limits<std::size_t>::max()});
   OctetBuffer chunk;
   while (writer.pending()) {
     chunk.clear();

@@ -330,6 +330,67 @@ TEST_P(ReadError, EndsTheReadingUntilTheNextAttachment) {
   EXPECT_EQ(TreeText::of(mirror), TreeText::of(original));
 }
 
+/// A rack's worth of members that a reader with a bound of 5 is fed.
+struct BoundedMembers : testing::Test {
+  Ptr<Rack> const original = Fwk::create<Rack>("rack");
+  Ptr<Rack> const mirror = Fwk::create<Rack>("rack");
+  Writer writer{original};
+  Reader reader{mirror, {.maxMembers = 5}};
+
+  bool sync() {
+    OctetBuffer octets;
+    writer.drain(octets);
+    return reader.feed(octets);
+  }
+};
+
+TEST_F(BoundedMembers, EntitiesChildrenAndValuesCount) {
+  original->boxesIs("a")->portsIs("E1");
+  original->boxesIs("b")->diskIs("d");
+  original->topIs("t");
+  ASSERT_TRUE(sync()) << reader.error().text;
+  original->boxes("a")->labelsIs("x", "1");
+  EXPECT_FALSE(sync());
+  EXPECT_EQ(reader.error().kind, ReadErrorKind::tooLarge);
+  EXPECT_EQ(reader.error().text, "more than 5 members");
+}
+
+TEST_F(BoundedMembers, MembersThatLeaveMakeRoomWithEverythingBelowThem) {
+  for (char const* const round : {"a", "b", "c"}) {
+    Ptr<Box> const box = original->boxesIs(round);
+    box->portsIs("E1");
+    box->labelsIs("x", "1");
+    box->labelsIs("x", "2");
+    box->diskIs(round);
+    original->topIs(round);
+    ASSERT_TRUE(sync()) << reader.error().text;
+    original->boxesDel(round);
+    ASSERT_TRUE(sync()) << reader.error().text;
+  }
+}
+
+TEST_F(BoundedMembers, ASnapshotThatMeetsAFullMirrorReplacesIt) {
+  for (char const* const key : {"a", "b", "c", "d", "e"}) original->boxesIs(key);
+  ASSERT_TRUE(sync());
+  original->boxesDelAll();
+  for (char const* const key : {"e", "f", "g"}) original->boxesIs(key)->numberIs(7);
+  writer.restart();
+  reader.attach();
+  EXPECT_TRUE(sync()) << reader.error().text;
+  EXPECT_EQ(TreeText::of(mirror), TreeText::of(original));
+}
+
+TEST_F(BoundedMembers, MembersThatTheMirrorHadCount) {
+  auto const full = Fwk::create<Rack>("rack");
+  for (char const* const key : {"a", "b", "c", "d", "e"}) full->boxesIs(key);
+  Reader ofFull(full, {.maxMembers = 5});
+  for (char const* const key : {"a", "b", "c", "d", "e", "f"}) original->boxesIs(key);
+  OctetBuffer octets;
+  writer.drain(octets);
+  EXPECT_FALSE(ofFull.feed(octets));
+  EXPECT_EQ(ofFull.error().kind, ReadErrorKind::tooLarge);
+}
+
 TEST(ChangeStreamReader, SaysWhereTheRecordIsThatItCannotRead) {
   HandWritten stream;
   stream.snapshot();
