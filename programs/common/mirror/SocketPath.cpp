@@ -6,11 +6,11 @@
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
 #include <cstring>
-#include <filesystem>
 #include <optional>
 #include <thread>
 
@@ -31,17 +31,37 @@ std::optional<sockaddr_un> addressOf(std::string const& path) {
 
 FileDescriptor newSocket() { return FileDescriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0)); }
 
-/// Holds the directory of a path, so that one process at a time looks at the path and takes it.
-FileDescriptor lockDirectoryOf(std::string const& path) {
-  auto const directory = std::filesystem::path(path).parent_path();
-  FileDescriptor lock(open(directory.empty() ? "." : directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (lock.get() < 0) fail(path, std::string("its directory cannot be opened: ") + std::strerror(errno));
-  for (int tries = 0; flock(lock.get(), LOCK_EX | LOCK_NB) != 0; ++tries) {
-    if (tries == 100) fail(path, "another process has locked its directory for 2 seconds");
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+/// A locked file beside the socket, for as long as this process looks at the path and takes it. Only its owner can open
+/// it, so no other user can hold up the server.
+class PathLock {
+ public:
+  explicit PathLock(std::string const& path) : path_(path), name_(path + ".lock") {
+    for (int tries = 0; !take(); ++tries) {
+      if (tries == 100) fail(path_, "another process has locked " + printable(name_) + " for 2 seconds");
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
   }
-  return lock;
-}
+  PathLock(PathLock const&) = delete;
+  PathLock& operator=(PathLock const&) = delete;
+  ~PathLock() { unlink(name_.c_str()); }
+
+ private:
+  /// False: another process has it, or had it and has removed the file meanwhile.
+  bool take() {
+    file_ = FileDescriptor(open(name_.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    struct stat opened {};
+    struct stat named {};
+    if (file_.get() < 0 || fstat(file_.get(), &opened) != 0)
+      fail(path_, printable(name_) + " cannot be opened: " + std::strerror(errno));
+    if (opened.st_uid != geteuid()) fail(path_, printable(name_) + " belongs to another user");
+    return flock(file_.get(), LOCK_EX | LOCK_NB) == 0 && lstat(name_.c_str(), &named) == 0 &&
+           named.st_dev == opened.st_dev && named.st_ino == opened.st_ino;
+  }
+
+  std::string path_;
+  std::string name_;
+  FileDescriptor file_{-1};
+};
 
 /// Removes what another process has left at `path`; fails when it is in use, or no socket.
 void clear(std::string const& path) {
@@ -75,14 +95,17 @@ FileDescriptor connectTo(std::string const& path, int& error) {
 
 SocketPath::SocketPath(std::string path) : path_(std::move(path)), listener_(newSocket()) {
   if (!addressOf(path_)) fail(path_, "a path of 1 to 107 octets is meant");
-  FileDescriptor const lock = lockDirectoryOf(path_);
+  PathLock const lock(path_);
   clear(path_);
   bindAndListen();
 }
 
 void SocketPath::bindAndListen() {
   auto const address = addressOf(path_);
-  if (bind(listener_.get(), reinterpret_cast<sockaddr const*>(&*address), sizeof *address) != 0 ||
+  // For owner and group, less what the umask takes away. Before bind(), which makes the file with this mode.
+  constexpr mode_t mode = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP;
+  if (fchmod(listener_.get(), mode) != 0 ||
+      bind(listener_.get(), reinterpret_cast<sockaddr const*>(&*address), sizeof *address) != 0 ||
       listen(listener_.get(), SOMAXCONN) != 0)
     fail(path_, std::string("no socket can be made there: ") + std::strerror(errno));
   struct stat made {};

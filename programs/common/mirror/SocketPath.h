@@ -11,8 +11,9 @@ namespace Tool {
 /// A socket in the file system that this process listens on: made when nobody listens there, removed at the end.
 class SocketPath {
  public:
-  /// Replaces a socket that a process has left behind. Throws `Failure` when somebody listens there, or something
-  /// stands there that is no socket, or the socket cannot be made.
+  /// Replaces a socket that a process has left behind. The new one is for its owner and, as far as the umask lets it,
+  /// for its group. Throws `Failure` when another server listens there, when the path is something other than a socket,
+  /// or when the socket cannot be made.
   explicit SocketPath(std::string path);
   SocketPath(SocketPath const&) = delete;
   SocketPath& operator=(SocketPath const&) = delete;

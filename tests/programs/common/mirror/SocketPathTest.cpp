@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 
 #include <cerrno>
 
@@ -85,11 +86,40 @@ TEST_F(SocketPathTest, AnotherOneInItsPlaceIsNotRemoved) {
 }
 
 TEST_F(SocketPathTest, ALockThatAnotherHoldsIsWaitedForAWhileOnly) {
-  FileDescriptor const lock(open(folder.operator/("").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  folder.write("socket.lock", "");
+  FileDescriptor const lock(open((path + ".lock").c_str(), O_RDONLY | O_CLOEXEC));
   ASSERT_EQ(flock(lock.get(), LOCK_EX), 0);
-  EXPECT_EQ(failureOf(path), path + ": another process has locked its directory for 2 seconds");
+  EXPECT_EQ(failureOf(path), path + ": another process has locked " + path + ".lock for 2 seconds");
   flock(lock.get(), LOCK_UN);
   EXPECT_EQ(failureOf(path), "none");
+}
+
+TEST_F(SocketPathTest, ALockOfTheDirectoryHoldsNothingUp) {
+  FileDescriptor const lock(open((folder / "").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  ASSERT_EQ(flock(lock.get(), LOCK_EX), 0);
+  EXPECT_EQ(failureOf(path), "none");
+}
+
+TEST_F(SocketPathTest, ItsLockIsGoneOnceItListens) {
+  SocketPath const claimed(path);
+  EXPECT_FALSE(std::filesystem::exists(path + ".lock"));
+}
+
+TEST_F(SocketPathTest, ALinkInTheLocksPlaceIsNotFollowed) {
+  std::filesystem::create_symlink(folder / "made", path + ".lock");
+  EXPECT_THAT(failureOf(path), testing::StartsWith(path + ": " + path + ".lock cannot be opened: "));
+  EXPECT_FALSE(std::filesystem::exists(folder / "made"));
+}
+
+TEST_F(SocketPathTest, IsForOwnerAndGroupWhateverTheUmask) {
+  for (auto const& [mask, mode] : {std::pair(0, 0660), std::pair(022, 0640), std::pair(077, 0600)}) {
+    mode_t const before = umask(static_cast<mode_t>(mask));
+    SocketPath const claimed(path);
+    umask(before);
+    struct stat made {};
+    ASSERT_EQ(lstat(path.c_str(), &made), 0);
+    EXPECT_EQ(made.st_mode & 07777, static_cast<mode_t>(mode)) << "umask " << mask;
+  }
 }
 
 TEST_F(SocketPathTest, HasToFitAnAddress) {
@@ -99,8 +129,8 @@ TEST_F(SocketPathTest, HasToFitAnAddress) {
 }
 
 TEST_F(SocketPathTest, ItsFolderHasToBeThere) {
-  EXPECT_EQ(failureOf(folder / "none/socket"),
-            folder / "none/socket" + ": its directory cannot be opened: No such file or directory");
+  EXPECT_EQ(failureOf(folder / "none/socket"), folder / "none/socket" + ": " + (folder / "none/socket") +
+                                                   ".lock cannot be opened: No such file or directory");
 }
 
 }  // namespace
