@@ -7,38 +7,49 @@
 #include <asio/local/stream_protocol.hpp>
 #include <asio/steady_timer.hpp>
 
+#include <chrono>
 #include <memory>
 #include <set>
 
 namespace Tool {
 
-/// Streams trees to whoever connects to a socket, each at the pace at which it reads. One that does not read holds up
-/// nobody, and costs a buffer and its part of what the source keeps for all together: when that is not enough, it
-/// gets a new snapshot once it reads again.
+/// How many mirrors a server has at once, and for how long one may leave octets unread when another one waits.
+struct MirrorLimits {
+  std::size_t sessions = 256;  ///< fewer when the process may not have that many descriptors
+  std::chrono::steady_clock::duration silence = std::chrono::seconds(10);
+};
+
+/// Streams trees to each process that connects to a socket, at the pace at which it reads. A mirror that does not read
+/// holds up no other: changes for it are merged, and if too many accumulate, it receives a new snapshot. When the
+/// server is full, the mirror that has been silent for the longest is ended for one that waits; without a silent one,
+/// the socket's queue holds those that wait.
 class MirrorServer {
  public:
   /// Serves while `context` runs.
-  MirrorServer(asio::io_context& context, SocketPath& path, std::vector<Fwk::Ptr<Fwk::Entity>> roots);
+  MirrorServer(asio::io_context& context, SocketPath& path, std::vector<Fwk::Ptr<Fwk::Entity>> roots,
+               MirrorLimits const& limits = {});
   ~MirrorServer();
 
  private:
   class Session;
-  // More wait in the socket's queue until others leave.
-  static constexpr std::size_t mostSessions = 256;
-  // Files and directories are read, too.
+  using Clock = std::chrono::steady_clock;
+  // For files and directories.
   static constexpr std::size_t otherDescriptors = 32;
 
-  static std::size_t sessionsThatFit();
+  static std::size_t sessionsThatFit(std::size_t wanted);
 
   void accept();
   void handleAccept(std::error_code const& error, asio::local::stream_protocol::socket socket);
-  void end(std::shared_ptr<Session> const& session);
+  void acceptLater();
+  /// The server is full and another mirror waits.
+  void makeRoom();
+  void end(std::shared_ptr<Session> session);
 
   Fwk::ChangeStream::Source source_;
   asio::local::stream_protocol::acceptor acceptor_;
   asio::steady_timer retry_;
   bool accepting_ = false;
-  std::size_t const sessionsMax_ = sessionsThatFit();
+  MirrorLimits const limits_;
   std::set<std::shared_ptr<Session>> sessions_;
 };
 
