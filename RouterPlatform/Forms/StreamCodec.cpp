@@ -4,7 +4,7 @@
 
 namespace Fwk {
 
-/// Nearly every block is short: its size has one octet, which is there already.
+/// Most blocks are short: their size takes one octet, which is reserved.
 void OctetSink::closeBlock(std::size_t sizeAt) {
   U64 size = to_.size() - sizeAt - 1;
   if (size < 0x80) {
@@ -28,7 +28,7 @@ bool OctetSource::number(U64& value) noexcept {
     U64 const bits = octet & 0x7f;
     if (shift == 63 && bits > 1) return false;  // more than 64 bits
     value |= bits << shift;
-    if (octet < 0x80) return octet != 0 || shift == 0;  // a zero at the end says nothing
+    if (octet < 0x80) return octet != 0 || shift == 0;  // a last octet of zero is not the shortest form
   }
   return false;
 }

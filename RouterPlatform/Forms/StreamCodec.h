@@ -27,7 +27,7 @@ class ROUTER_PLATFORM_EXPORT OctetSink {
   void octets(Octets octets) { to_.insert(to_.end(), octets.begin(), octets.end()); }
   /// The octets of a text, without its size.
   void text(std::string_view text) { to_.insert(to_.end(), text.begin(), text.end()); }
-  /// A number, seven bits an octet, the low ones first; every octet but the last has its top bit set.
+  /// A number, seven bits per octet, the low ones first; every octet but the last has its top bit set.
   void number(U64 value) {
     for (; value >= 0x80; value >>= 7) octet(static_cast<U8>(value | 0x80));
     octet(static_cast<U8>(value));
@@ -36,7 +36,7 @@ class ROUTER_PLATFORM_EXPORT OctetSink {
   void fixed64(U64 value) {
     for (int shift = 56; shift >= 0; shift -= 8) octet(static_cast<U8>(value >> shift));
   }
-  /// What `fill` appends, with its size in front as a number.
+  /// The octets that `fill` appends, with their size in front as a number.
   template <class Fill>
   void block(Fill fill) {
     std::size_t const sizeAt = to_.size();
@@ -51,8 +51,8 @@ class ROUTER_PLATFORM_EXPORT OctetSink {
   OctetBuffer& to_;
 };
 
-/// Reads octets that somebody sent. Every reading operation says whether the octets were there and well formed; when
-/// they were not, its result and the place are not to be used. Refers to the octets, owns nothing.
+/// Reads received octets. Every operation returns whether the octets were there and well formed; if not, neither its
+/// result nor the source may be used further. Refers to the octets and owns nothing.
 class ROUTER_PLATFORM_EXPORT OctetSource {
  public:
   OctetSource() = default;
@@ -79,7 +79,7 @@ class ROUTER_PLATFORM_EXPORT OctetSource {
   /// The same, at most `greatest`.
   bool number(U64& value, U64 greatest) noexcept { return number(value) && value <= greatest; }
   bool fixed64(U64& value) noexcept;
-  /// What `OctetSink::block` wrote.
+  /// A block as `OctetSink::block` writes it.
   bool block(OctetSource& content) noexcept {
     U64 size = 0;
     Octets octets;
@@ -92,8 +92,8 @@ class ROUTER_PLATFORM_EXPORT OctetSource {
   Octets rest_;
 };
 
-/// How a value of a type goes into octets, beside `TextCodec`. `put(out, v)` writes; `take(in, v)` reads into a
-/// default-constructed value and says whether that could be done.
+/// The octet form of a type, beside its `TextCodec`. `put(out, v)` writes; `take(in, v)` reads into a
+/// default-constructed value and returns whether the octets were a value.
 template <class T>
 struct StreamCodec;
 
@@ -151,7 +151,7 @@ struct StreamCodec<T> {
   }
 };
 
-/// As the number it stands for. Any number of the underlying type is taken: setters store any, too.
+/// As a number. Any number of the underlying type is taken, as setters store any.
 template <Enumeration T>
 struct StreamCodec<T> {
   using Number = std::underlying_type_t<T>;
@@ -222,9 +222,9 @@ struct StreamCodec<T> {
   }
 };
 
-/// A value type by the attributes it stores, in the order of their declaration, in a block. A shorter block leaves the
-/// attributes that are missing at its end as they are, a longer one has more than this program knows: either way the
-/// type of one side has had attributes added at the end.
+/// A block with the stored attributes of a value type, in order of declaration. Attributes are added at the end: a
+/// block of an older program is shorter and leaves the missing ones as they are; a longer one has attributes that are
+/// skipped.
 template <StoredRecord T>
 struct StreamCodec<T> {
   static void put(OctetSink& out, T const& value) {

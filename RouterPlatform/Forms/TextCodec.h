@@ -14,18 +14,16 @@ namespace Fwk {
 
 using Trace::appendText;
 
-/// What a text that was to become a value turned out to be.
+/// Result of reading a value from a text.
 enum class TextStatus : U8 { ok, malformed, outOfRange };
 
-/// How a value of a type is best shown: tools use it to choose between `true`, `7` and `"text"`.
+/// How to show a value of a type: programs choose between `true`, `7` and `"text"` by it.
 enum class ValueKind : U8 { none, boolean, integer, floating, text, record };
 
 /// The plain text form of a type, as in files and on command lines: `2001:db8::/64`, `true`, `high`.
 ///
-/// `typeName`: the type's registered name. `append(out, v)`: prints. `parse(text, v)`: reads what printing gives and
-/// leaves `v` alone unless it returns `ok`. A type whose values may be more than what may be set, such as a received
-/// prefix with a mask length of 129, has `parsePrinted(text, v)` as well: it reads everything that printing gives,
-/// `parse` what may be set.
+/// `typeName`: the type's registered name. `append(out, v)`: prints. `parse(text, v)`: reads a printed text, and leaves
+/// `v` alone unless it returns `ok`. A `ParsesPrinted` type has `parsePrinted(text, v)` as well.
 template <class T>
 struct TextCodec {
   static constexpr char const* typeName = T::textTypeName;

@@ -27,7 +27,7 @@ void appendEscaped(String& out, char character) {
   }
 }
 
-/// One character of a quoted text from the front of `text`, which gets shorter; nothing when it is no such thing.
+/// Takes one character of a quoted text off the front of `text`; nothing when it is malformed.
 std::optional<char> takeUnescaped(std::string_view& text) {
   auto const take = [&](std::size_t count, char value) {
     text.remove_prefix(count);

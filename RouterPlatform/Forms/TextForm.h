@@ -24,14 +24,14 @@
 /// Readers accept exactly what printing gives, and throw `ParseError` for anything else.
 namespace Fwk {
 
-/// A text form that cannot be read: which attribute, how far into the text, and what should have stood there.
+/// A text form that cannot be read: the attribute, the offset in the text, and the text expected there.
 class ROUTER_PLATFORM_EXPORT ParseError : public std::runtime_error {
  public:
   ParseError(String attribute, std::size_t offset, String expected);
 
   /// Name of the attribute; empty for the text around the attributes.
   String const& attribute() const noexcept { return attribute_; }
-  /// Octets from the start of the text that was to be read.
+  /// Octets from the start of the text.
   std::size_t offset() const noexcept { return offset_; }
   String const& expected() const noexcept { return expected_; }
 
@@ -41,7 +41,7 @@ class ROUTER_PLATFORM_EXPORT ParseError : public std::runtime_error {
   String expected_;
 };
 
-/// Of a bool alone: a literal text, which would become one, is a text.
+/// Only for bool: without this constraint a string literal would convert to bool.
 template <std::same_as<bool> T>
 String valueToStrep(T value) {
   return value ? "True" : "False";
@@ -66,7 +66,7 @@ String valueToStrep(T value) {
   return valueToStrep(U64{value});
 }
 
-/// An attribute that a value type stores: what its text form and its octets in a stream are made from.
+/// An attribute that a value type stores. Its text form and its octets in a stream are made from these.
 template <class Class, class Type>
 struct StoredAttribute {
   char const* name;
@@ -82,18 +82,17 @@ concept StoredRecord = requires {
   T::storedAttributes();
 };
 
-/// A value type whose text form is that of its stored attributes, and which can be read from it: none of them is a
-/// collection.
+/// A value type that can be read from its text form: none of its stored attributes is a collection.
 template <class T>
 concept ReadableRecord =
     StoredRecord<T> && std::is_constructible_v<T, String::IteratorConst&, String::IteratorConst const&>;
 
-/// Reads one text form, piece by piece, moving `pos` along.
+/// Reads one text form piece by piece and advances `pos`.
 class ROUTER_PLATFORM_EXPORT TextFormReader {
  public:
   TextFormReader(String::IteratorConst& pos, String::IteratorConst const& end) : start_(pos), pos_(pos), end_(end) {}
 
-  /// Passes over `text`, which must stand here.
+  /// Skips `text`, which must come next.
   void literal(std::string_view text);
 
   /// Reads the value of attribute `name`.
@@ -123,7 +122,7 @@ class ROUTER_PLATFORM_EXPORT TextFormReader {
   }
 
  private:
-  /// What printing gives can be more than what a user may write: a received value is kept as it came.
+  /// A received value may print as a text that a user may not write.
   template <class T>
   static std::optional<T> parsePrinted(std::string_view text) {
     if constexpr (ParsesPrinted<T>)
@@ -192,7 +191,7 @@ void recordFromStrep(String::IteratorConst& pos, String::IteratorConst const& en
   reader.literal("})");
 }
 
-/// Reads a value from the whole of `text`. Throws `ParseError`, also when anything is left over. The pointer only
+/// Reads a value from the whole of `text`. Throws `ParseError`, also when octets are left over. The pointer only
 /// selects the type.
 template <class T>
 T strepToValue(String const& text, T*) {

@@ -10,23 +10,23 @@
 #include <memory>
 #include <vector>
 
-/// Entity trees as octets, for a mirror of them in another process: first a snapshot, then what changes.
+/// Entity trees as octets, for a mirror in another process: first a snapshot, then the changes.
 ///
 ///     ChangeStream::Source source({config, status});   // once
-///     ChangeStream::Writer writer(source);             // for each subscriber
+///     ChangeStream::Writer writer(source);             // one per subscriber
 ///     writer.drain(out);                               // whenever the subscriber has room and writer.pending()
 ///
 ///     ChangeStream::Reader reader({mirrorOfConfig, mirrorOfStatus});
 ///     if (!reader.feed(octets)) ...reader.error()...   // then attach() and a new stream
 ///
-/// What goes through are the attributes that type records call streamed: scalars that can be set, collections,
-/// children. The octets are described in docs/formats/change-stream.md. Thread rule, for all of it: that of the trees.
+/// A stream carries the attributes that type records call streamed: scalars that can be set, collections, children.
+/// docs/formats/change-stream.md describes the octets. Thread rule of everything here: that of the trees.
 namespace Fwk::ChangeStream {
 
-/// What the subscribers of a source may cost.
+/// Bounds of a source.
 struct SourceOptions {
-  /// Octets of memory for changes that some subscriber has not drained yet, whatever the number of subscribers. A
-  /// subscriber for whom they do not suffice gets a new snapshot instead of the changes.
+  /// Octets of memory for changes that some subscriber has not drained yet, for all subscribers together. When they are
+  /// full, the oldest changes go, and a subscriber that needed them gets a new snapshot.
   std::size_t maxPendingOctets = std::size_t{8} << 20;
 };
 
@@ -36,16 +36,16 @@ class Hub;
 
 /// Entity trees that are streamed. Observes every entity in them, once for all subscribers; keeps the roots alive.
 ///
-/// What changes while an entity's notification is inactive, and what another observer keeps from this one by throwing,
-/// is not seen: `Writer::restart` makes up for it.
+/// Two kinds of change are not seen: those while an entity's notification is inactive, and those of which an earlier
+/// observer threw. `Writer::restart` makes up for them. ADR 0010.
 class ROUTER_PLATFORM_EXPORT Source {
  public:
   /// At most 64 trees, none of them within another. Throws std::length_error, and std::bad_alloc.
   explicit Source(std::vector<Ptr<Entity>> roots, SourceOptions const& options = {});
 
-  /// Octets of memory that hold changes now; bounded by `maxPendingOctets`.
+  /// Octets of memory that hold changes now; at most `maxPendingOctets`.
   std::size_t pendingOctets() const noexcept;
-  /// Number of changes that are held now: at most one an attribute or member.
+  /// Number of changes that are held now: at most one per attribute or member.
   std::size_t pendingChanges() const noexcept;
 
  private:
@@ -53,8 +53,8 @@ class ROUTER_PLATFORM_EXPORT Source {
   std::shared_ptr<detail::Hub> hub_;
 };
 
-/// One subscriber's stream. Holds no changes itself: a place in what the source holds, and in a snapshot the place it
-/// has come to. Keeps the source's trees alive.
+/// One subscriber's stream. Holds no changes, only its place among those of the source, and in a snapshot its place
+/// in the trees. Keeps the source's trees alive.
 class ROUTER_PLATFORM_EXPORT Writer {
  public:
   static constexpr std::size_t noLimit = std::numeric_limits<std::size_t>::max();
@@ -66,22 +66,22 @@ class ROUTER_PLATFORM_EXPORT Writer {
   Writer& operator=(Writer&&) noexcept;
   ~Writer();
 
-  /// Whether `drain` has something to give: from the start, and after each change.
+  /// Whether `drain` has octets to append: from the start, and after each change.
   bool pending() const noexcept;
 
   /// Appends records until nothing is pending or `maxOctets` are reached, which the last record may exceed; returns the
-  /// number of octets appended. What is given is gone: to lose octets is to lose the stream, which the reader notices
-  /// by the next ones. Throws std::bad_alloc, after which the stream begins anew.
+  /// number of octets appended. The writer does not keep them: if they are lost, so is the stream, and the reader
+  /// notices the gap at the next octets. Throws std::bad_alloc, and then the stream begins anew.
   std::size_t drain(OctetBuffer& out, std::size_t maxOctets = noLimit);
 
-  /// Begins anew, for a reader that attaches anew: the next octets are the first ones of a stream.
+  /// Begins a new stream, for a reader that attaches anew.
   void restart();
 
   /// Called when something becomes pending after a drain that left nothing. Runs inside the change's notification: it
-  /// is to wake somebody up, not to drain, to change the trees, or to throw.
+  /// marks or wakes, and must not drain, change the trees, or throw.
   void onPendingIs(std::function<void()> call);
 
-  /// How often a new snapshot took the place of changes that could not be held.
+  /// How often a new snapshot replaced changes that could not be held.
   U64 overflows() const noexcept;
 
  private:
@@ -89,18 +89,18 @@ class ROUTER_PLATFORM_EXPORT Writer {
   std::unique_ptr<Impl> impl_;
 };
 
-/// What a stream that cannot be read on suffers from.
+/// Why a stream can no longer be read.
 enum class ReadErrorKind : U8 {
   none,
-  malformed,     ///< not what a writer writes
+  malformed,     ///< a writer writes no such octets
   incompatible,  ///< another version, or a type that differs in more than attributes that were added
   gap,           ///< octets are missing
-  lost,          ///< a record is about something that is not in the mirror
+  lost,          ///< a record is about an entity that is not in the mirror
   tooLarge,      ///< a record, a depth or a number of members above the bounds
-  refused,       ///< the mirror threw: its text is what()
+  refused,       ///< the mirror threw an exception: `text` is its what()
 };
 
-/// Why a stream cannot be read on; true when there is an error.
+/// An error of a stream; true when there is one.
 struct ReadError {
   ReadErrorKind kind = ReadErrorKind::none;
   U64 offset = 0;  ///< of the record, in octets from the start of the stream
@@ -108,9 +108,9 @@ struct ReadError {
   explicit operator bool() const noexcept { return kind != ReadErrorKind::none; }
 };
 
-/// What a reader takes, and how it takes it.
+/// Bounds of a reader.
 struct ReaderOptions {
-  /// Octets of a record that are waited for; a writer's records are as large as the values in them.
+  /// Octets of the largest record that is taken. A writer's records are as large as the values in them.
   std::size_t maxRecordSize = std::size_t{16} << 20;
   /// Members of collections, entities and values alike, and children that the mirror may have below its roots. A record
   /// of a few octets makes one of some hundred octets; 10,000 interfaces with everything configured have 90,000.
@@ -124,36 +124,36 @@ struct ReaderOptions {
 /// A new member is notified before it is filled: its observer sees defaults. An observer marks; act on the mark when
 /// `feed` has returned. `TreeObserver` does both.
 ///
-/// Any octets may come: they end in an error or in a mirror that is sound, in memory proportional to their number.
+/// Any octets may arrive: they end in an error or in a sound mirror, and take memory in proportion to their number.
 class ROUTER_PLATFORM_EXPORT Reader {
  public:
-  /// Makes a root of that registered type and key, in plain text; null: this tree is passed over.
+  /// Makes a root of that registered type and key, in plain text; null: the tree is skipped.
   using RootFactory = std::function<Ptr<Entity>(std::string_view typeName, std::string_view key)>;
 
-  /// A mirror that is there, a root for each root of the source, in order and of the same types; names may differ.
-  /// Trees of the source beyond these are passed over.
+  /// For a mirror that exists: one root per root of the source, in order and of the same types; names may differ.
+  /// Further trees of the source are skipped.
   explicit Reader(std::vector<Ptr<Entity>> roots, ReaderOptions const& options = {});
   explicit Reader(Ptr<Entity> root, ReaderOptions const& options = {});
-  /// A mirror that is made when the stream names its roots: see `registeredRoot`. A root that is there is kept when the
-  /// next stream's has the same type and key; one beyond those of the next stream is let go.
+  /// For a mirror that is made when the stream names its roots: see `registeredRoot`. A later stream keeps a root that
+  /// has the same type and key, and drops roots that it does not have.
   explicit Reader(RootFactory factory, ReaderOptions const& options = {});
   Reader(Reader&&) noexcept;
   Reader& operator=(Reader&&) noexcept;
   ~Reader();
 
-  /// Applies what is complete, keeps the rest for the next call. False: there is an error, now or since an earlier
-  /// call; nothing is read until `attach`. Not to be called by an observer of the mirror.
+  /// Applies the complete records and keeps the rest for the next call. False: there is an error, now or since an
+  /// earlier call, and nothing is read until `attach`. An observer of the mirror must not call it.
   bool feed(Octets octets);
   ReadError const& error() const noexcept;
 
-  /// Begins with another stream, which finds the mirror as it is.
+  /// Begins another stream and keeps the mirror.
   void attach();
 
-  /// Whether the mirror is what the source was when it was last drained to the end. False from an attachment until
-  /// then, and between two drains of which only the second comes to the end.
+  /// Whether the mirror equals the source as it was when it was last drained to the end. False from an attachment until
+  /// then, and after a part of a drain.
   bool synchronized() const noexcept;
 
-  /// The mirror; a null one is not made yet, or passed over.
+  /// The roots of the mirror; a null one is not made yet, or its tree is skipped.
   std::vector<Ptr<Entity>> const& roots() const noexcept;
 
  private:
@@ -161,8 +161,8 @@ class ROUTER_PLATFORM_EXPORT Reader {
   std::unique_ptr<Impl> impl_;
 };
 
-/// A root of any type in the type registry: what a `Reader` makes its mirror with. Null when there is no such entity
-/// type here, when a stream carries nothing of it, or when `key` is none of its keys.
+/// Makes a root of any type in the type registry, as a `Reader` needs it for its mirror. Null when the registry has no
+/// such entity type, when a stream carries nothing of it, or when `key` is no key of it.
 ROUTER_PLATFORM_EXPORT Ptr<Entity> registeredRoot(std::string_view typeName, std::string_view key);
 
 }  // namespace Fwk::ChangeStream

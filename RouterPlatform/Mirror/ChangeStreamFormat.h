@@ -4,8 +4,8 @@
 
 #include <string_view>
 
-/// The records of a change stream, as docs/formats/change-stream.md has them. A record is its kind, the size of its
-/// body as a number, and the body.
+/// The records of a change stream, as docs/formats/change-stream.md describes them. A record is its kind, the size of
+/// its body as a number, and the body.
 namespace Fwk::ChangeStream::detail {
 
 enum class RecordKind : U8 {
@@ -15,13 +15,13 @@ enum class RecordKind : U8 {
   root,       ///< index, type name, key: enters a tree of the snapshot
   end,        ///< of a snapshot
   at,         ///< index of a root, steps: goes to an entity
-  value,      ///< place, value: of a scalar
+  value,      ///< place, value: sets a scalar
   member,     ///< place, key: makes a member or a child, which comes last, and enters it
   leave,      ///< back to where `root` or `member` entered
-  row,        ///< place, key, value: of a collection of values; one that is there keeps its place
-  lastRow,    ///< the same, and comes last
-  removed,    ///< place, key: a member or child is no more
-  mark,       ///< the mirror is what the source is now
+  row,        ///< place, key, value: sets a value of a collection; one that exists keeps its place
+  lastRow,    ///< the same, and the value comes last
+  removed,    ///< place, key: removes a member or child
+  mark,       ///< the mirror equals the source now
 };
 
 inline constexpr std::string_view magic = "RtrStrm\n";

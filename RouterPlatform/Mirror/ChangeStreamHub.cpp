@@ -17,7 +17,7 @@ bool Node::reachable(U64 sequence) const noexcept {
 
 void Node::handleNotification(Notification const& notification) { hub_.changed(*this, notification); }
 
-/// An entity in a tree is referred to by what holds it: this one has left its tree.
+/// An entity in a tree is referenced by its holder, so this one has left its tree.
 void Node::handleZeroReferences(Entity&) { hub_.forget(*this); }
 
 namespace {
@@ -57,7 +57,7 @@ void Hub::observeRoots() {
   for (auto const& root : roots_) observe(*root, nullptr, nullptr, 0);
 }
 
-/// Enters the entity and all that is below it. One that is known is known with all that is below it.
+/// Observes the entity and everything below it. An entity that is known is known with everything below it.
 void Hub::observe(Entity& entity, Node* parent, AttributeRecord const* attr, U64 introduced) {
   Ptr<Node>& known = nodes_[&entity];
   if (known && known->registered()) {
@@ -88,8 +88,8 @@ void Hub::forget(Node& node) noexcept {
   nodes_.erase(&node.entity());
 }
 
-/// Never throws: that the mirrors' machinery has no memory is no concern of who changes the tree. The subscribers get a
-/// snapshot when there is memory again.
+/// A failed allocation must not reach the caller of the setter. The subscribers get a snapshot when there is memory
+/// again.
 void Hub::changed(Node& node, Notification const& notification) noexcept {
   AttributeRecord const* const attr = node.entity().fwkType().attribute(notification.attr);
   if (!attr || !attr->streamed()) return;
@@ -126,8 +126,8 @@ void Hub::recordMember(Node& node, AttributeRecord const& attr, NotificationKey 
   if (!stream.isLast(objectOf(node), key)) recordFollowing(node, attr);
 }
 
-/// A member was added, and before this was heard others came behind it: an earlier observer added them. Subscribers put
-/// what they are told last behind everything else, so these are told again, in their order.
+/// An earlier observer has already added further members behind the new one. A mirror puts each member that it is told
+/// of last, so they are entered again, in their order.
 void Hub::recordFollowing(Node& node, AttributeRecord const& attr) {
   CollectionStream const& stream = *attr.collection->stream;
   OctetBuffer const added = key_;
@@ -147,9 +147,9 @@ void Hub::recordFollowing(Node& node, AttributeRecord const& attr) {
   }
 }
 
-/// Enters the change of `key_`. Nothing is entered of an entity that every subscriber has yet to get as a whole, and a
-/// value that every subscriber has yet to look at stays where it is. Returns the sequence of the change with which
-/// subscribers get what has come.
+/// Enters the change of `key_`. Changes of an entity that no subscriber has yet are not entered: it will be told as a
+/// whole. A value that no subscriber has looked at keeps its place in the log. Returns the sequence of the change with
+/// which subscribers get the new state.
 U64 Hub::note(Node& node, AttributeRecord const& attr, bool order) {
   if (anyLive_ && node.introduced() > furthest_) return node.introduced();
   ++sequence_;
@@ -165,7 +165,7 @@ U64 Hub::note(Node& node, AttributeRecord const& attr, bool order) {
   return sequence_;
 }
 
-/// Lets go of the oldest changes, and of the subscribers who needed them.
+/// Drops the oldest changes; subscribers that needed them lapse.
 void Hub::makeRoomFor(Octets key) noexcept {
   while (log_.fullFor(key) && !log_.empty()) {
     U64 const lost = log_[log_.first()].sequence;

@@ -13,23 +13,23 @@ namespace Fwk::ChangeStream::detail {
 
 class Hub;
 
-/// The source's observer of one entity of a tree; knows the way to it. Outlives the entity while changes refer to it.
+/// The source's observer of one entity, with the path to it. Outlives the entity while changes refer to it.
 class Node final : public Notifiee {
  public:
   Node(Hub& hub, Entity& entity, Node* parent, AttributeRecord const* attr, U64 introduced)
       : hub_(hub), entity_(entity), parent_(parent), attr_(attr), introduced_(introduced) {}
 
-  /// Only while it is registered: after that the entity may be gone.
+  /// Call it only while registered: after that the entity may be gone.
   Entity& entity() const noexcept { return entity_; }
   Node* parent() const noexcept { return parent_.get(); }
   /// The parent's attribute that holds the entity; null for a root.
   AttributeRecord const* attr() const noexcept { return attr_; }
 
-  /// Sequence of the change with which subscribers get the whole entity; what is behind it has to be told.
+  /// Sequence of the change with which subscribers get the whole entity. Later changes of it are told one by one.
   U64 introduced() const noexcept { return introduced_; }
   void introducedIs(U64 sequence) noexcept { introduced_ = sequence; }
 
-  /// Whether the entity still hangs in its tree, and subscribers that have come to `sequence` have it.
+  /// Whether the entity is still in its tree, and subscribers at `sequence` have it.
   bool reachable(U64 sequence) const noexcept;
 
   void handleNotification(Notification const& notification) override;
@@ -47,12 +47,12 @@ class Node final : public Notifiee {
 class Subscriber {
  public:
   U64 cursor = 0;        ///< changes up to here have been drained
-  bool live = false;     ///< false: has to get a snapshot first
-  bool waiting = false;  ///< has drained everything: is to be told of the next change
+  bool live = false;     ///< false: needs a snapshot first
+  bool waiting = false;  ///< has drained everything: the next change calls `onPending`
   std::function<void()> onPending;
 };
 
-/// What the writers of a source share: the observers of all entities, and the changes that some writer has not drained.
+/// Shared by the writers of a source: the observers of all entities, and the changes that some writer has not drained.
 class Hub {
  public:
   Hub(std::vector<Ptr<Entity>> roots, SourceOptions const& options);
@@ -67,9 +67,9 @@ class Hub {
 
   void enter(Subscriber& subscriber) { subscribers_.push_back(&subscriber); }
   void leave(Subscriber& subscriber) noexcept;
-  /// The subscriber begins with a snapshot of what is there now.
+  /// The subscriber begins with a snapshot of the present trees.
   void startSnapshot(Subscriber& subscriber);
-  /// The subscriber's cursor has moved, or it is not live any more: forgets what nobody needs.
+  /// A cursor has moved, or a subscriber is no longer live: forgets changes that no subscriber needs.
   void cursorMoved() noexcept;
 
   void changed(Node& node, Notification const& notification) noexcept;
@@ -94,12 +94,12 @@ class Hub {
   std::vector<Subscriber*> subscribers_;
   ChangeLog log_;
   U64 sequence_ = 0;  ///< of the latest change
-  /// Greatest cursor that there has been. Not that of the subscribers there are: once a member of an entity has been
-  /// entered, all later ones have to be, or those entered would seem to stand behind them.
+  /// Greatest cursor there has been, also of subscribers that have left: once a change of an entity has been entered,
+  /// all later ones must be, or those entered would seem to come after them.
   U64 furthest_ = 0;
   bool anyLive_ = false;
   bool anyWaiting_ = false;
-  bool incomplete_ = false;  ///< there was no memory to observe everything
+  bool incomplete_ = false;  ///< memory ran out: some entities are not observed
   OctetBuffer key_;          ///< of the change being recorded
 };
 

@@ -8,7 +8,7 @@
 namespace Fwk::ChangeStream::detail {
 
 namespace {
-/// Room that a key may keep when its change has gone.
+/// Octets of capacity that a key may keep when its change is dropped.
 constexpr std::size_t keptKeyRoom = 64;
 }  // namespace
 
@@ -116,8 +116,7 @@ void ChangeLog::dropFirst() noexcept {
   free_ = at;
 }
 
-/// Looked for from the end, so that it costs as much as there is behind; a drain that comes to its bound leaves some of
-/// that for the next one, which looks again.
+/// Searches from the end, so the cost is the number of changes behind `sequence`.
 U32 ChangeLog::firstBehind(U64 sequence) const noexcept {
   U32 found = none;
   for (U32 at = last_; at != none && changes_[at].sequence > sequence; at = changes_[at].previous) found = at;

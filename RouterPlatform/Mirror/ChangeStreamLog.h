@@ -11,13 +11,13 @@ namespace Fwk::ChangeStream::detail {
 
 class Node;
 
-/// Changes by what changed, in the order of the last time that each did. A change says where to look, not what is
-/// there: however often something changes, it is held once. Allocates only while it grows; bounded.
+/// Changes by place, in the order of the latest change of each. An entry says where to look, not the value: a place
+/// that changes often is held once. Allocates only while it grows; bounded. ADR 0010.
 class ChangeLog {
  public:
   static constexpr U32 none = ~U32{0};
 
-  /// What changed: a value in its place, or which members there are and in which order (`order`).
+  /// A place that changed: a value, or with `order` the presence and position of a member.
   struct What {
     Node const* node;
     U16 place;
@@ -37,15 +37,15 @@ class ChangeLog {
 
   explicit ChangeLog(std::size_t maxOctets) noexcept : maxOctets_(maxOctets) {}
 
-  /// The change of that, or `none`.
+  /// The change of that place, or `none`.
   U32 find(What const& what) const noexcept;
-  /// Puts a change that is there behind all others.
+  /// Moves a change behind all others.
   void touch(U32 at, U64 sequence) noexcept;
-  /// Puts a new one behind all others. Throws std::bad_alloc, having changed nothing.
+  /// Adds a change behind all others. Throws std::bad_alloc, having changed nothing.
   void add(What const& what, U64 sequence);
-  /// Whether one more has no room.
+  /// Whether there is no room for one more.
   bool fullFor(Octets key) const noexcept { return octets_ + cost(key.size()) > maxOctets_; }
-  /// Forgets the first one. There is one.
+  /// Forgets the first change. The log must not be empty.
   void dropFirst() noexcept;
 
   bool empty() const noexcept { return first_ == none; }

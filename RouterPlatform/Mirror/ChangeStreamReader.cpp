@@ -32,13 +32,13 @@ struct Unmentioned {
 
 /// An entity that records are about.
 struct Frame {
-  Ptr<Entity> entity;  ///< null: not known here, what is said of it is passed over
+  Ptr<Entity> entity;  ///< null: unknown here, records about it are skipped
   std::vector<Unmentioned> unmentioned;
 };
 
 void* objectOf(Frame const& frame) { return frame.entity.get(); }
 
-/// The attribute of the place that is read next; null when it is not known here.
+/// Reads a place; returns its attribute, or null when it is unknown here.
 AttributeRecord const* takeAttribute(Frame const& frame, OctetSource& in) {
   U64 place = 0;
   require(in.number(place), "no place");
@@ -143,7 +143,7 @@ class Reader::Impl {
     U64 size = 0;
     OctetSource sizeIn(in.rest().first(std::min<std::size_t>(in.rest().size(), 10)));
     if (!sizeIn.number(size)) {
-      // Ten octets are enough for any number; one that ends before is wrong, too.
+      // Any number fits in ten octets. One that ends before and cannot be read is malformed, too.
       bool const complete = std::ranges::any_of(in.rest().first(std::min<std::size_t>(in.rest().size(), 10)),
                                                 [](U8 octet) { return octet < 0x80; });
       require(!complete && in.rest().size() < 10, "a record's size is no number");
@@ -190,7 +190,7 @@ class Reader::Impl {
       case RecordKind::mark:
         return mark();
     }
-    // A kind of a later writer: whoever writes one says nothing in it that a reader has to know.
+    // Unknown record kind from a newer writer: safe to skip.
   }
 
   void hello(OctetSource in) {
@@ -272,7 +272,7 @@ class Reader::Impl {
     return root;
   }
 
-  /// What is said from here on is about `entity`, until it is left.
+  /// The next records are about `entity`, until `leave`.
   void enter(Ptr<Entity> entity) {
     if (frames_.size() == maxDepth) throw Failure{ReadErrorKind::tooLarge, "too deep"};
     Frame& frame = frames_.emplace_back();
@@ -438,8 +438,8 @@ class Reader::Impl {
       throw Failure{ReadErrorKind::tooLarge, "more than " + std::to_string(options_.maxMembers) + " members"};
   }
 
-  /// Before a member is set. In a snapshot it stands in the place that it is mentioned at: one that is there stays, and
-  /// what would stand before it goes, unless any order will do. Otherwise one that comes last is made anew.
+  /// Called before a member is set. Outside a snapshot a member that comes last is removed first. In a snapshot an
+  /// existing member stays; where order counts, members that stand before it and were not named are removed.
   void makeWay(Frame& frame, AttributeRecord const& attr, Octets key, bool last) {
     if (!inSnapshot_) {
       if (last) (void)removeMember(frame, attr, key);
@@ -459,7 +459,7 @@ class Reader::Impl {
     if (!left.members->atEnd()) left.members->next();
   }
 
-  /// Removes members that were not mentioned up to that of `key`, or all.
+  /// Removes members that were not named, up to that of `key`, or all of them.
   void removeUnmentioned(Frame const& frame, Unmentioned& left, std::optional<Octets> key) {
     OctetSink sink(key_);
     for (StreamWalk& members = *left.members; !members.atEnd(); members.next()) {

@@ -8,7 +8,7 @@ namespace Fwk::ChangeStream::detail {
 
 namespace {
 
-/// What an attribute is to the stream. The numbers are part of the format.
+/// Kind of an attribute in a stream. The numbers are part of the format.
 enum class StreamKind : U8 { none, key, scalar, entities, values, set, child };
 
 StreamKind streamKind(TypeRecord const& type, AttributeRecord const& attr) {
@@ -25,7 +25,7 @@ StreamKind streamKind(TypeRecord const& type, AttributeRecord const& attr) {
 
 char const* keyTypeName(AttributeRecord const& attr) { return attr.collection ? attr.collection->keyTypeName : ""; }
 
-/// The type that the attribute's values or members have; null when it is a plain one.
+/// The record type of the attribute's values or members; null when they are plain.
 TypeRecord const* typeInside(AttributeRecord const& attr) {
   if (attr.child) return &attr.child->type();
   if (attr.collection) return attr.collection->memberType ? &attr.collection->memberType() : nullptr;
@@ -63,7 +63,7 @@ struct ForeignAttribute {
   std::string_view typeName;
   std::string_view keyTypeName;
 
-  /// What comes behind is of a later version.
+  /// Octets behind these are of a later version.
   bool take(OctetSource in) {
     OctetSource nameIn;
     OctetSource typeIn;
@@ -77,7 +77,7 @@ struct ForeignAttribute {
   }
 };
 
-/// Whether the attribute is unknown to `type`, or the same. One that is carried by one side only is unknown to it.
+/// Whether the attribute is the same in `type`, or unknown to it, or streamed by one side only.
 bool agrees(TypeRecord const& type, ForeignAttribute const& theirs) {
   if (theirs.place >= type.attributes.size()) return true;
   AttributeRecord const& ours = type.attributes[static_cast<std::size_t>(theirs.place)];

@@ -9,16 +9,16 @@
 
 namespace Fwk::ChangeStream::detail {
 
-/// What a stream says of the types in it, so that a reader knows whether it means the same by them: names, and of each
-/// attribute that is streamed its place, name, kind and types.
+/// The description of the types in a stream: their names, and place, name, kind and types of each streamed attribute. A
+/// reader compares it with its own.
 class Schema {
  public:
-  /// Of the roots' types and everything that can hang below them.
+  /// Describes the types of the roots and all types that can occur below them.
   explicit Schema(std::span<TypeRecord const* const> roots);
 
   OctetBuffer const& octets() const noexcept { return octets_; }
   U64 hash() const noexcept;
-  /// The type of that name: one of these, or a registered one; null when it is not known here.
+  /// The type of that name, among the described or the registered ones; null when it is unknown.
   TypeRecord const* find(std::string_view name) const noexcept;
 
  private:
@@ -28,8 +28,8 @@ class Schema {
   OctetBuffer octets_;
 };
 
-/// Whether a stream of schema `theirs` can be read with `ours`: nothing that both know differs. Types and attributes
-/// that only one side has do no harm. Otherwise `difference` says what there is.
+/// Whether a stream of schema `theirs` can be read with `ours`: no type or attribute that both have differs. Otherwise
+/// `difference` names it.
 enum class SchemaMatch : U8 { compatible, malformed, different };
 SchemaMatch compareSchema(Schema const& ours, OctetSource theirs, String& difference);
 

@@ -14,8 +14,8 @@ Source::Source(std::vector<Ptr<Entity>> roots, SourceOptions const& options)
 std::size_t Source::pendingOctets() const noexcept { return hub_->log().octets(); }
 std::size_t Source::pendingChanges() const noexcept { return hub_->log().size(); }
 
-/// One record at a time: the walk over an entity and what is below it can be put aside after any of them, while the
-/// tree changes. What changes behind the walk's back is in the log and comes after the walk.
+/// Writes one record at a time: the walk over an entity and everything below it can pause after any record, while the
+/// tree changes. Changes behind the walk are in the log and follow it.
 class Writer::Impl : public Subscriber {
  public:
   explicit Impl(std::shared_ptr<Hub> hub) : hub_(std::move(hub)) { hub_->enter(*this); }
@@ -45,7 +45,7 @@ class Writer::Impl : public Subscriber {
   }
 
  private:
-  /// An entity that is being written: how far it is written.
+  /// Progress in an entity that is being written.
   struct Frame {
     Ptr<Entity> entity;
     std::size_t place = 0;
@@ -88,7 +88,7 @@ class Writer::Impl : public Subscriber {
     nextRoot_ = 0;
   }
 
-  /// Writes one record, or finds that there is nothing to write about a change. False: nothing is left.
+  /// Writes one record, or skips a change about which there is nothing to write. False: nothing is left.
   bool step(OctetSink& out) {
     if (!walk_.empty()) {
       stepWalk(out);
@@ -187,7 +187,7 @@ class Writer::Impl : public Subscriber {
     });
   }
 
-  /// The child of the attribute, or that there is none.
+  /// Writes the child of the attribute, or that there is none.
   void putChild(OctetSink& out, Entity const& entity, AttributeRecord const& attr) {
     Ptr<Entity> const child = attr.child->get(&entity);
     putRecord(out, child ? RecordKind::member : RecordKind::removed, [&] {
@@ -211,7 +211,7 @@ class Writer::Impl : public Subscriber {
       putMember(out, entity, attr, change);
   }
 
-  /// The member of the change's key, or that there is none.
+  /// Writes the member of the change's key, or that there is none.
   void putMember(OctetSink& out, Entity const& entity, AttributeRecord const& attr, ChangeLog::Change const& change) {
     CollectionStream const& stream = *attr.collection->stream;
     Ptr<Entity> const member = stream.entity(&entity, change.key);
@@ -229,7 +229,7 @@ class Writer::Impl : public Subscriber {
     if (member) enter(member);
   }
 
-  /// Leads the reader to the entity, unless it is there.
+  /// Leads the reader to the entity, unless it is there already.
   void goTo(OctetSink& out, Node const& node) {
     if (current_.get() == &node) return;
     putRecord(out, RecordKind::at, [&] { putPath(out, node); });
@@ -250,9 +250,9 @@ class Writer::Impl : public Subscriber {
   }
 
   std::shared_ptr<Hub> hub_;
-  std::vector<Frame> walk_;     ///< what is being written, outermost first
+  std::vector<Frame> walk_;     ///< entities that are being written, outermost first
   Ptr<Notifiee> current_;       ///< node of the entity that the reader is at
-  U32 next_ = ChangeLog::none;  ///< change to come; valid during a drain
+  U32 next_ = ChangeLog::none;  ///< next change to write; valid during a drain
   std::size_t nextRoot_ = 0;
   U64 batch_ = 1;
   U64 overflows_ = 0;
