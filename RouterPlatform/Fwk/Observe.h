@@ -39,6 +39,9 @@ class Subscription {
 
 /// Calls `function(Notification const&)` for each change of `entity`, from the next change on, for as long as the
 /// returned subscription lives. Allocates here, never when notifying.
+///
+/// A collection notifies of a new member before the member is filled: the function marks, and the program acts when the
+/// setter has returned. `TreeObserver` does both for a whole tree.
 template <class Function>
 [[nodiscard]] Subscription observe(Entity& entity, Function&& function) {
   struct FunctionNotifiee final : Notifiee {

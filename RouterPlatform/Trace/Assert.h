@@ -14,9 +14,9 @@ namespace Trace {
 }  // namespace Trace
 
 /// ASSERT_AT(condition, location): stops the process unless the condition holds; the text is the condition as written.
-/// `Trace::Location::here()` is the place of the assertion itself.
+/// `Trace::Location::here()` gives the place of the assertion itself.
 #define ASSERT_AT(condition, ...) \
   ((condition) ? static_cast<void>(0) : ::Trace::assertionFailed(__VA_ARGS__, #condition))
 
-/// ASSERT_AT_TEXT(condition, location, "text"): the same with a text of its own.
+/// ASSERT_AT_TEXT(condition, location, "text"): the same with the given text.
 #define ASSERT_AT_TEXT(condition, ...) ((condition) ? static_cast<void>(0) : ::Trace::assertionFailed(__VA_ARGS__))

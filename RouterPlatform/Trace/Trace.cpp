@@ -70,7 +70,7 @@ class SettingsReader {
     }
   }
 
-  /// The number at `at`, which moves behind it.
+  /// Reads the number at `at`, and moves `at` behind it.
   unsigned level(std::size_t& at, std::size_t end) const {
     unsigned value = 0;
     auto const [stop, error] = std::from_chars(text_.data() + at, text_.data() + end, value);
@@ -95,7 +95,7 @@ void writeToStandardError(Record const& record) try {
   std::fputs("trace: a message was lost, out of memory\n", stderr);
 }
 
-/// The process's handles and the settings made so far. It never ends: handles in static objects outlive everything.
+/// The process's handles and the settings made so far. Never destroyed: handles in static objects may outlive it.
 class Registry {
  public:
   static Registry& instance() {
@@ -140,11 +140,11 @@ class Registry {
 
   std::mutex mutex_;  // guards both lists
   std::vector<Handle const*> handles_;
-  std::vector<Setting> settings_;  // in the order in which they were made; a pattern stands there once
+  std::vector<Setting> settings_;  // in the order in which they were made; each pattern once
 };
 
-/// The sink in force. Recursive, because a sink may replace itself; held while the sink runs, so that whoever has
-/// replaced a sink knows that it is out of use.
+/// The sink in force. The mutex is held while the sink runs, so that a replaced sink is no longer in use. It is
+/// recursive, because a sink may replace itself.
 struct SinkPlace {
   static SinkPlace& instance() {
     static SinkPlace& place = *new SinkPlace;
@@ -159,12 +159,12 @@ struct SinkPlace {
 
 Handle::Handle(std::string_view name) : name_(name) {
   Registry::instance().add(*this);
-  SinkPlace::instance();  // made now, so that the first message needs no memory for it
+  SinkPlace::instance();  // made now, so that the first message allocates nothing for it
 }
 
 Handle::~Handle() {
   Registry::instance().remove(*this);
-  levelsIs(0);  // what is traced after the end of a static handle goes nowhere
+  levelsIs(0);  // messages after the end of a static handle are dropped
 }
 
 Sink sinkIs(Sink sink) {
@@ -181,7 +181,7 @@ void detail::deliver(Handle const& handle, unsigned level, Location location, st
   SinkPlace& place = SinkPlace::instance();
   std::lock_guard const lock(place.mutex);
   if (place.running) return;
-  auto const sink = place.sink;  // keeps a sink that replaces itself
+  auto const sink = place.sink;  // keeps a sink alive that replaces itself
   struct Running {
     bool& flag;
     explicit Running(bool& f) : flag(f) { flag = true; }

@@ -11,8 +11,8 @@
 #include <string>
 #include <string_view>
 
-/// Trace messages with numbered levels, switched on per handle. A message that is switched off costs one relaxed load
-/// and one branch; nothing of it is evaluated.
+/// Trace messages with numbered levels, switched on per handle. A message that is off costs one relaxed load and one
+/// branch; its parts are not evaluated.
 ///
 ///     static Trace::Handle const traceHandle("RouterAdvtUtils");
 ///     TRACE(traceHandle, 3, "Could not copy prefix as msgLen ( ", msgLen, " )");
@@ -23,7 +23,7 @@ namespace Trace {
 /// Number of levels; they are numbered from 0.
 inline constexpr unsigned levelCount = 64;
 
-/// Where a message or an assertion stands. The texts are not copied; literals are meant.
+/// Place of a message or an assertion in the source. The texts are not copied: pass literals.
 struct Location {
   char const* source;
   int line;
@@ -36,8 +36,8 @@ struct Location {
   }
 };
 
-/// One source of messages. Usually a static object; it enters itself into the process's list of handles, and settings
-/// that were made before it existed reach it.
+/// One source of messages, usually a static object. It enters itself into the process's list of handles, and gets
+/// earlier settings that match it.
 class ROUTER_PLATFORM_EXPORT Handle {
  public:
   explicit Handle(std::string_view name);
@@ -55,7 +55,7 @@ class ROUTER_PLATFORM_EXPORT Handle {
 
  private:
   std::string name_;
-  // Relaxed on both sides and without a partner: nothing but the mask itself is told through it.
+  // Relaxed on both sides and without a partner: it publishes nothing but itself.
   mutable std::atomic<std::uint64_t> levels_{0};
 };
 
@@ -69,15 +69,15 @@ struct Record {
   std::string_view text;
 };
 
-/// Takes the messages. It is called by one thread at a time and must not throw; what it traces itself is dropped.
+/// Takes the messages. One thread at a time calls it. It must not throw; messages that it traces itself are dropped.
 using Sink = std::function<void(Record const&)>;
 
-/// Replaces the sink and returns the former one, which no thread is running any more (unless it called this itself). An
-/// empty sink stands for the one in force at start: a line a message on standard error,
+/// Replaces the sink and returns the former one. No thread is running the former sink then, unless it called this
+/// itself. An empty sink restores the one in force at start: one line per message on standard error,
 /// `HANDLE/LEVEL SOURCE:LINE: FUNCTION: TEXT`, control characters as `\xNN`.
 ROUTER_PLATFORM_EXPORT Sink sinkIs(Sink sink);
 
-/// A settings text that cannot be read; `what()` says what is wrong, and where.
+/// A settings text that cannot be read; `what()` gives the error and its place.
 class ROUTER_PLATFORM_EXPORT SettingsError : public std::invalid_argument {
  public:
   SettingsError(std::size_t offset, std::string const& what) : std::invalid_argument(what), offset_(offset) {}
@@ -89,10 +89,10 @@ class ROUTER_PLATFORM_EXPORT SettingsError : public std::invalid_argument {
 
 /// Sets the levels of the handles whose names match, those made later included: `RouterAdvt*/0-3,8`. A setting is a
 /// glob pattern (fnmatch(3)), a slash, and a list of levels and ranges; `*` is every level, an empty list none. Several
-/// settings are separated by colons; a later one wins, and handles that match none keep what they have. Throws
-/// `SettingsError`, and then nothing is changed.
+/// settings are separated by colons; a later one wins, and handles that match none keep their levels. Throws
+/// `SettingsError`, and then nothing has changed.
 ///
-/// At start the environment variable TRACE is read as such a text. If it is bad, that is said on standard error.
+/// At start the environment variable TRACE is read as such a text. An error in it is reported on standard error.
 ROUTER_PLATFORM_EXPORT void levelsIs(std::string_view settings);
 
 namespace detail {
@@ -106,7 +106,7 @@ template <class... Parts>
 
 }  // namespace Trace
 
-/// TRACE_AT(handle, level, location, parts...): a message with a place of its own, `Trace::Location{source, line,
+/// TRACE_AT(handle, level, location, parts...): a message with the given place, `Trace::Location{source, line,
 /// function}`. Location and parts are evaluated only when the level is enabled.
 #define TRACE_AT(handle, level, ...)                         \
   do {                                                       \

@@ -12,7 +12,7 @@ namespace Tool {
 
 namespace {
 
-/// Why there is no connection, if that may pass; else empty.
+/// Why there is no connection, if the cause may pass; otherwise empty.
 std::string passingReason(std::string const& path, int error) {
   if (error == ECONNREFUSED && !isSocket(path)) return "";
   if (error == EAGAIN) return "the server has no room for one more mirror";

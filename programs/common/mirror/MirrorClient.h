@@ -12,27 +12,26 @@
 
 namespace Tool {
 
-/// A mirror of the trees that somebody serves on a socket, whatever their types are. Attaches again, and goes on with
-/// the same mirror, when the server ends and another one comes.
+/// A mirror of the trees that a server has on a socket, of any types. When the server ends and another one comes, it
+/// attaches again and goes on with the same mirror.
 class MirrorClient {
  public:
-  /// Is told what happens, while the context runs. What it throws comes out of there.
+  /// Is called while the context runs. Its exceptions come out of `run()`.
   class Observer {
    public:
     virtual void onAttached() = 0;
-    /// Nobody listens, or whoever did has ended. A try follows, and another one, until somebody does.
+    /// No server listens, or the server has ended. The client tries again until one listens.
     virtual void onMissing(std::string const& why) = 0;
-    /// Something has come, complete or not.
+    /// Octets have arrived, complete records or not.
     virtual void onOctets() = 0;
-    /// The mirror has come to what the server has.
+    /// The mirror equals the server's trees.
     virtual void onSynchronized(std::vector<Fwk::Ptr<Fwk::Entity>> const& roots) = 0;
 
    protected:
     ~Observer() = default;
   };
 
-  /// Begins when `context` runs. Throws `Failure` from there when the socket cannot be used, or what comes from it not
-  /// be read.
+  /// Begins when `context` runs. `run()` throws `Failure` when the socket cannot be used or its stream not be read.
   MirrorClient(asio::io_context& context, std::string path, Observer& observer);
 
  private:
@@ -41,7 +40,7 @@ class MirrorClient {
   void attach();
   void read();
   void take(std::size_t size);
-  /// What a new stream mends is asked for; anything else is a failure.
+  /// An error that a new stream mends leads to one; any other is a failure.
   void unreadable();
   void missing(std::string const& why);
 

@@ -16,14 +16,14 @@ namespace Tool {
 
 using Protocol = asio::local::stream_protocol;
 
-/// One mirror. Lives until its connection ends; then the server lets go of it.
+/// One mirror. Lives until its connection ends.
 class MirrorServer::Session : public std::enable_shared_from_this<Session> {
  public:
   Session(MirrorServer& server, Protocol::socket socket)
       : server_(server), socket_(std::move(socket)), writer_(server.source_) {}
 
   void start() {
-    // What has changed is told from inside the change: the octets are for later, when it is complete.
+    // Runs inside a setter: the octets are drained later, when the change is complete.
     writer_.onPendingIs([this] {
       asio::post(socket_.get_executor(), [weak = weak_from_this()] {
         if (auto const self = weak.lock()) self->write();
@@ -64,7 +64,7 @@ class MirrorServer::Session : public std::enable_shared_from_this<Session> {
     });
   }
 
-  /// A mirror sends nothing: whatever there is to read, it has gone, or is none.
+  /// A mirror sends nothing: if there is something to read, it has ended or is no mirror.
   void endWhenReadable() {
     socket_.async_read_some(asio::buffer(ignored_),
                             [self = shared_from_this()](std::error_code, std::size_t) { self->server_.end(self); });

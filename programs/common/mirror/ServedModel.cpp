@@ -12,7 +12,7 @@ namespace Tool {
 
 namespace {
 
-// So many directories are read in some milliseconds.
+// Reading this many directories takes a few milliseconds.
 constexpr int interfacesAtOnce = 100;
 
 void tell(std::ostream& err, ConfigFile const& file) {
@@ -42,7 +42,7 @@ ServedModel::Reload ServedModel::reload(std::ostream& err) {
     if (read.text == read_.text && read.error == read_.error) return Reload::unchanged;
     read_ = std::move(read);
     file = readConfigText(fileName_, read_);
-  } catch (std::exception const& e) {  // the file takes more memory than there is
+  } catch (std::exception const& e) {  // memory ran out
     err << printable(fileName_) << ": cannot be read: " << e.what() << std::endl;
     return Reload::refused;
   }

@@ -11,12 +11,12 @@
 
 namespace Tool {
 
-/// What `serve` serves: the configuration of a file as a live tree, and a status tree with the interfaces of that
-/// configuration. Both live as long as this; what changes in them is notified like any other change.
+/// The trees that `serve` serves: the configuration of a file as a live tree, and a status tree with the interfaces of
+/// that configuration. Both live as long as this object; their changes are notified as ever.
 class ServedModel {
  public:
-  /// Reads the file, which has to be a regular one. Throws `Failure` with all that is wrong in it, a line each;
-  /// warnings go to `err`.
+  /// Reads the file, which must be a regular one. Throws `Failure` with all errors in it, one per line; warnings go to
+  /// `err`.
   ServedModel(std::string fileName, std::ostream& err, ProcFiles procFiles = ProcFiles());
 
   std::vector<Fwk::Ptr<Fwk::Entity>> roots() const { return {config_, status_}; }
@@ -24,24 +24,23 @@ class ServedModel {
   Fwk::Ptr<RouterAdvt::Status> const& status() const { return status_; }
 
   enum class Reload {
-    unchanged,  ///< the file holds the octets that it held
-    applied,    ///< and the trees say what it says
-    refused     ///< the trees are as they were
+    unchanged,  ///< the file has the same octets as before
+    applied,    ///< the trees equal the file
+    refused     ///< the trees stay as they were
   };
-  /// Reads the file again if it is another one than it was, and applies what differs. Warnings, and the errors of a
+  /// Reads the file again if it has changed, and applies the differences. Warnings, and the errors of a
   /// file that is refused, go to `err`, once for each state of the file. A file that takes more memory than there is
   /// is refused, too.
   Reload reload(std::ostream& err);
 
-  /// Captures the files of some interfaces, the next ones each time, so that no call takes long. True: it was the last
-  /// one of a round.
+  /// Captures the files of the next few interfaces, so that no call takes long. True: this call ended a round.
   bool captureSome();
 
  private:
   void applyInterfaces();
 
   std::string fileName_;
-  FileText read_;  ///< what came of reading the file last
+  FileText read_;  ///< result of the last reading
   ProcFiles procFiles_;
   Fwk::Ptr<RouterAdvt::Config> config_;
   Fwk::Ptr<RouterAdvt::Status> status_;

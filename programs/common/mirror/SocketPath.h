@@ -8,7 +8,7 @@
 
 namespace Tool {
 
-/// A socket in the file system that this process listens on: made when nobody listens there, removed at the end.
+/// A socket in the file system that this process listens on: made if no process listens there, removed at the end.
 class SocketPath {
  public:
   /// Replaces a socket that a process has left behind. The new one is for its owner and, as far as the umask lets it,
@@ -17,10 +17,10 @@ class SocketPath {
   explicit SocketPath(std::string path);
   SocketPath(SocketPath const&) = delete;
   SocketPath& operator=(SocketPath const&) = delete;
-  /// Removes the socket, unless another one has taken its place.
+  /// Removes the socket, unless another file has taken its place.
   ~SocketPath();
 
-  /// The listening socket, nonblocking, for the caller to own. Once.
+  /// The listening socket, nonblocking. The caller owns it. Call it once.
   FileDescriptor takeListener() { return std::move(listener_); }
 
  private:

@@ -95,7 +95,7 @@ class EntityLines {
   Entity const& entity_;
   Fwk::TypeRecord const& type_;
   std::size_t depth_;
-  Ptr<Entity> fresh_;  // one as it is made, to compare with
+  Ptr<Entity> fresh_;  // a new entity of the type: its values are the defaults
 };
 
 template <class T>

@@ -7,19 +7,19 @@
 
 namespace Tool {
 
-/// An entity and all below it, for people: a line an attribute, with its value, whether that is the default, and what
-/// comes of it; members of collections indented. Constants are left out.
+/// Prints an entity and everything below it for people: one line per attribute, with its value, whether that is the
+/// default, and the effective value; members of collections indented. Constants are left out.
 std::string entityText(Fwk::Entity const& entity);
 
-/// What is below an entity, in the same form, indented once more than its name would be.
+/// Prints everything below an entity in the same form, indented once more than its name would be.
 std::string entityLines(Fwk::Entity const& entity);
 
-/// An attribute that can be read, in the same form: free text in quotes, on one line.
+/// Prints an attribute that can be read, in the same form: free text in quotes, on one line.
 std::string attributeText(Fwk::AttributeRecord const& attr, Fwk::Entity const& entity);
-/// A member of a collection of values, likewise.
+/// Prints a member of a collection of values, likewise.
 std::string memberText(Fwk::AttributeRecord const& attr, Fwk::MemberRef const& member);
 
-/// A link in the same form.
+/// Prints a link in the same form.
 std::string linkText(LinkConfig const& link);
 
 }  // namespace Tool

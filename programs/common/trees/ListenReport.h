@@ -9,12 +9,12 @@
 
 namespace Tool {
 
-/// What `listen` has counted.
+/// The counts of `listen`.
 struct ListenCounts {
   Fwk::U64 heard = 0;    ///< valid advertisements
-  Fwk::U64 notKept = 0;  ///< of these, those of a router too many
+  Fwk::U64 notKept = 0;  ///< of these, advertisements of routers beyond the most that are kept
   Fwk::U64 dropped = 0;
-  Fwk::U64 lost = 0;  ///< those that the kernel had no room for
+  Fwk::U64 lost = 0;  ///< messages for which the kernel had no room
 };
 
 /// Says what `listen` hears, in words or as JSON, a line or a few an event, each at once.

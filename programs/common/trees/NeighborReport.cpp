@@ -32,7 +32,7 @@ std::string clockText(Fwk::Seconds seconds) {
   return {text, std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S UTC", &parts)};
 }
 
-/// When a writer that is no more was last known to live.
+/// When a writer that has died was last known to live.
 Fwk::U64 lastSignOfLife(SharedTable::WriterState const& writer) {
   return std::max({writer.retiredTime, writer.changeTime, writer.createdTime});
 }
@@ -73,7 +73,7 @@ NeighborReport readNeighbors(RouterAdvt::RouterNeighborRaReader const& reader, N
   });
   report.damagedPlaces = walked.corrupt;
   std::ranges::sort(report.neighbors, [order](RouterNeighborRa const& a, RouterNeighborRa const& b) {
-    if (order == NeighborReport::Order::age)  // a time that is none has its place, too
+    if (order == NeighborReport::Order::age)  // a NaN has its place, too
       if (auto const later = std::strong_order(b.lastRaReceived(), a.lastRaReceived()); later != 0) return later < 0;
     return a.key() < b.key();
   });

@@ -6,7 +6,7 @@
 
 namespace Tool {
 
-/// The table of neighbouring routers that other processes read, kept for as long as this lives.
+/// The table of neighbouring routers that other processes read. It is mounted while this object lives.
 class NeighborTable {
  public:
   NeighborTable();
@@ -14,7 +14,7 @@ class NeighborTable {
   NeighborTable& operator=(NeighborTable const&) = delete;
   ~NeighborTable();
 
-  /// Why other processes cannot read it; empty: they can.
+  /// Why other processes cannot read the table; empty if they can.
   std::string problem() const;
 
   /// An advertisement of that router has arrived now. A table that somebody has removed is published anew.
@@ -23,7 +23,7 @@ class NeighborTable {
  private:
   void mountAnewIfLost();
 
-  Fwk::Ptr<Fwk::Entity> root_;  ///< having a parent is what mounts the table
+  Fwk::Ptr<Fwk::Entity> root_;  ///< parent of the table: having one mounts it
   Fwk::Ptr<RouterAdvt::Table::RouterNeighborRaStatus> rows_;
 };
 

@@ -8,7 +8,7 @@ namespace Tool {
 
 namespace {
 
-/// A member as the list shows it: members that are values of their own kind by their record, others by their text.
+/// A member as a list shows it: a value record by its attributes, another value by its text.
 Json listedJson(Fwk::MemberRef const& member) {
   if (member.value.object) return recordJson(member.value);
   return member.text.empty() ? Json(member.key) : Json(member.text);

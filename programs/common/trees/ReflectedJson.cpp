@@ -19,7 +19,7 @@ Json collectionJson(AttributeRecord const& attr, void const* object) {
   attr.collection->forEach(object, [&](Fwk::MemberRef const& member) {
     if (isSet)
       result.push_back(member.key);
-    else  // not looked up among the others first: no two have one key
+    else  // no look-up: keys are unique
       result.get_ref<Json::object_t&>().emplace_back(member.key, memberJson(member));
     return true;
   });

@@ -15,7 +15,7 @@ using Json = nlohmann::ordered_json;
 /// out. Booleans and numbers as such, everything else as its plain text; a collection is an object from key to member,
 /// a set a list of keys; a child has its name beside its attributes, and is null when there is none.
 Json toJson(Fwk::ConstObjectRef object);
-/// One attribute of it, which can be read as text or is a record.
+/// One attribute, which can be read as text or is a record.
 Json attributeJson(Fwk::AttributeRecord const& attr, void const* object);
 /// A member of a collection.
 Json memberJson(Fwk::MemberRef const& member);

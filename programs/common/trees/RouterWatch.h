@@ -13,24 +13,24 @@ namespace Tool {
 struct RecordChange;
 struct RecordValue;
 
-/// Keeps what the routers of one link advertise in the status entities, and tells what changes by observing them.
+/// Keeps the advertisements of the routers of one link in the status entities, and reports changes by observing them.
 class RouterWatch {
  public:
-  /// What is told. Calls come from within `hear`.
+  /// Gets the reports, from within `hear`.
   struct Observer {
     virtual ~Observer() = default;
     /// A router is heard for the first time, or again after it was gone.
     virtual void onRouter(Net::Ip6Addr const& router) = 0;
     /// A router has withdrawn.
     virtual void onRouterGone(Net::Ip6Addr const& router) = 0;
-    /// More than `routersMax` routers are heard; told once.
+    /// More than `routersMax` routers are heard; reported once.
     virtual void onTooManyRouters() = 0;
     /// The latest packet is another one than that router's former one. `changes`: against that one, or all values when
     /// it is the router's first.
     virtual void onChange(RouterAdvt::RaPacket const& packet, std::vector<RecordChange> const& changes) = 0;
   };
 
-  /// Anybody can pretend to be any number of routers; no more are kept.
+  /// The most routers that are kept: an attacker can pretend to be any number.
   static constexpr Fwk::U32 routersMax = 1000;
 
   RouterWatch(Net::IntfId const& intfId, Observer& observer);
@@ -41,7 +41,7 @@ class RouterWatch {
   /// An advertisement that was found valid. False: it is passed over, being of one router too many.
   bool hear(RouterAdvt::RaPacket const& packet);
 
-  /// The routers that have not withdrawn.
+  /// Routers that have not withdrawn.
   RouterAdvt::RouterNeighbors const& routers() const { return *routers_; }
 
   /// The latest router of the interface, until it withdraws, and all of them.

@@ -16,7 +16,7 @@ Json addedJson(TreeChange const& change) {
   return change.attr->child ? childJson(*change.added) : toJson(Fwk::objectRef(*change.added));
 }
 
-/// What was set: of a scalar, or of a member that is a value.
+/// The value that was set, of a scalar or of a member.
 Json setJson(TreeChange const& change) {
   if (!change.attr->collection) return attributeJson(*change.attr, change.holder.get());
   Json result;
@@ -26,7 +26,7 @@ Json setJson(TreeChange const& change) {
 
 std::string setText(TreeChange const& change) {
   if (!change.attr->collection) return " = " + attributeText(*change.attr, *change.holder);
-  if (change.attr->collection->memberTypeName[0] == '\0') return " added";  // to a set, which has keys alone
+  if (change.attr->collection->memberTypeName[0] == '\0') return " added";  // a set has keys only
   std::string result = " = ";
   findMember(*change.holder, *change.attr, change.key,
              [&](Fwk::MemberRef const& member) { result += memberText(*change.attr, member); });

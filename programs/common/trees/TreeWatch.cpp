@@ -12,7 +12,7 @@ using Fwk::Ptr;
 
 namespace {
 
-/// Calls `visit` with each entity that hangs directly below `entity`.
+/// Calls `visit` with each entity directly below `entity`.
 void forEachBelow(Entity const& entity, Fwk::FunctionRef<void(Ptr<Entity> const&)> visit) {
   for (AttributeRecord const& attr : entity.fwkType().attributes) {
     if (attr.child) {
@@ -32,7 +32,7 @@ bool findMember(Entity const& holder, AttributeRecord const& attr, std::string c
                 Fwk::FunctionRef<void(Fwk::MemberRef const&)> visit) {
   Fwk::ReflectionResult const result = attr.collection->get(&holder, key, visit);
   if (result.error != Fwk::ReflectionError::malformed) return static_cast<bool>(result);
-  // A key may print as a text that none may write, such as a received prefix of more than 128 bits.
+  // A received key may print as a text that cannot be parsed, such as a prefix of more than 128 bits.
   bool found = false;
   attr.collection->forEach(&holder, [&](Fwk::MemberRef const& member) {
     found = member.key == key;

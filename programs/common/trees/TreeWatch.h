@@ -11,11 +11,11 @@
 
 namespace Tool {
 
-/// What has become of one attribute, or one member, somewhere in a tree.
+/// A change of one attribute or one member somewhere in a tree.
 struct TreeChange {
   enum class Kind {
     set,      ///< a scalar, or a member that is a value
-    added,    ///< an entity, with all that is below it
+    added,    ///< an entity, with everything below it
     removed,  ///< a member, or a child
   };
   Kind kind;
@@ -26,17 +26,17 @@ struct TreeChange {
   Fwk::Ptr<Fwk::Entity> added;  ///< for `added`
 };
 
-/// Observes trees, also what comes into them later, and puts together what changes: one change an attribute or member,
-/// however often it has changed, and one for an entity that comes with all that is in it.
+/// Observes trees, also entities that are added later, and merges changes: one change per attribute or member, however
+/// often it changed, and one per entity that is added with everything below it.
 class TreeWatch {
  public:
   TreeWatch() = default;
   TreeWatch(TreeWatch const&) = delete;
   TreeWatch& operator=(TreeWatch const&) = delete;
 
-  /// Watches these trees, and no others any more. What had changed in the others is forgotten.
+  /// Watches these trees instead of the former ones. Pending changes of the former ones are dropped.
   void rootsAre(std::vector<Fwk::Ptr<Fwk::Entity>> const& roots);
-  /// What has changed since the last call, in the order in which it began to.
+  /// The changes since the last call, in the order of their first change.
   std::vector<TreeChange> take();
 
  private:
@@ -57,13 +57,13 @@ class TreeWatch {
 
   std::vector<Fwk::Ptr<Fwk::Entity>> roots_;
   std::unordered_map<Fwk::Entity const*, Fwk::Subscription> subscriptions_;
-  std::unordered_set<Fwk::Entity const*> new_;  ///< came since the last `take`: a part of a change already
+  std::unordered_set<Fwk::Entity const*> new_;  ///< added since the last `take`: part of another change
   bool somethingLeft_ = false;                  ///< the trees since the last `take`
   std::vector<Dirty> dirty_;
-  std::unordered_set<std::string> paths_;  ///< of what is in `dirty_`
+  std::unordered_set<std::string> paths_;  ///< of the entries of `dirty_`
 };
 
-/// Calls `visit` with the member of that key; false: there is none.
+/// Calls `visit` with the member of that key; false if there is none.
 bool findMember(Fwk::Entity const& holder, Fwk::AttributeRecord const& attr, std::string const& key,
                 Fwk::FunctionRef<void(Fwk::MemberRef const&)> visit);
 
