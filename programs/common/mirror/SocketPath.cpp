@@ -37,7 +37,7 @@ class PathLock {
  public:
   explicit PathLock(std::string const& path) : path_(path), name_(path + ".lock") {
     for (int tries = 0; !take(); ++tries) {
-      if (tries == 100) fail(path_, "another process has locked " + printable(name_) + " for 2 seconds");
+      if (tries == 100) fail(path_, "another process has locked " + name_ + " for 2 seconds");
       std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
   }
@@ -52,8 +52,8 @@ class PathLock {
     struct stat opened {};
     struct stat named {};
     if (file_.get() < 0 || fstat(file_.get(), &opened) != 0)
-      fail(path_, printable(name_) + " cannot be opened: " + std::strerror(errno));
-    if (opened.st_uid != geteuid()) fail(path_, printable(name_) + " belongs to another user");
+      fail(path_, name_ + " cannot be opened: " + std::strerror(errno));
+    if (opened.st_uid != geteuid()) fail(path_, name_ + " belongs to another user");
     return flock(file_.get(), LOCK_EX | LOCK_NB) == 0 && lstat(name_.c_str(), &named) == 0 &&
            named.st_dev == opened.st_dev && named.st_ino == opened.st_ino;
   }
