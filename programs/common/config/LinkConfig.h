@@ -11,7 +11,7 @@ namespace Tool {
 
 /// The link of an interface: facts that an advertisement needs and that are not part of the model's configuration.
 struct LinkConfig {
-  /// Octets. The fixed part of every advertisement takes `mtuMin`.
+  /// Octets; an advertisement's fixed part alone takes the least.
   static constexpr Fwk::S32 mtuMin = 86;
   static constexpr Fwk::S32 mtuMax = 2147483647;
   static constexpr Fwk::S32 mtuDefault = 1500;

@@ -18,13 +18,13 @@ using RouterAdvt::PrefixConfigEntry;
 
 constexpr std::size_t longestLabel = 63;  // RFC 1035 2.3.4
 
-/// Collects what is found about one entity, or link.
+/// Collects the warnings about one entity or link.
 class Findings {
  public:
   Findings(ConfigFile const& file, std::vector<Diagnostic>& found, std::string path)
       : file_(file), found_(found), path_(std::move(path)) {}
 
-  /// About an attribute; an empty one: about the whole.
+  /// `attr`: empty for a warning about the entity as a whole.
   void add(std::string const& attr, std::string text) {
     std::string path = attr.empty() ? path_ : path_ + '/' + attr;
     Place const place = file_.placeOf(path);
@@ -41,8 +41,7 @@ class Findings {
 
 void checkHeaderFields(Findings& findings, IntfConfig const& intf) {
   if (intf.raSuppress())
-    findings.add("raSuppress",
-                 "nothing is advertised there on its own; what is built or sent by hand is not held back");
+    findings.add("raSuppress", "suppresses advertisements of the router; 'build' and 'send' make one nevertheless");
   U32 const lifetime = intf.raLifetime();
   if (lifetime > 0xffff)
     findings.add("raLifetime", std::to_string(lifetime) + " s is more than the field's 16 bits hold; " +
@@ -67,10 +66,10 @@ void checkLifetimes(Findings& findings, Lifetimes const& lifetimes) {
   if (lifetimes.preferredLifetime() > lifetimes.validLifetime())
     findings.add("preferredLifetime", std::to_string(lifetimes.preferredLifetime()) + " s is above validLifetime, " +
                                           std::to_string(lifetimes.validLifetime()) +
-                                          " s; hosts make no address of such a prefix (RFC 4862 5.5.3)");
+                                          " s; hosts form no address from such a prefix (RFC 4862 5.5.3)");
 }
 
-/// A profile changes what the model reports, and not what is sent.
+/// A profile changes what the model reports; advertisements are sent without it.
 void checkProfile(Findings& findings, RouterAdvt::Config const& config, PrefixConfigEntry const& prefix) {
   if (!prefix.useProfile()) {
     if (prefix.profile().empty()) return;
@@ -85,9 +84,10 @@ void checkProfile(Findings& findings, RouterAdvt::Config const& config, PrefixCo
     auto const effective = effectiveValue(prefix, attr);
     std::string own;
     if (!effective || !Fwk::readAttribute(Fwk::objectRef(prefix), attr.id, own) || own == *effective) continue;
-    differences += (differences.empty() ? "" : ", ") + std::string(attr.name) + ' ' + own + " and not " + *effective;
+    differences += (differences.empty() ? "" : ", ") + std::string(attr.name) + ' ' + own + " instead of " + *effective;
   }
-  if (!differences.empty()) findings.add("profile", "profiles are not applied to what is sent: it has " + differences);
+  if (!differences.empty())
+    findings.add("profile", "profiles do not apply to advertisements, which have " + differences);
 }
 
 void checkLabel(Findings& findings, std::string_view label, bool isLast) {
@@ -108,7 +108,7 @@ void checkSuffix(Findings& findings, std::string_view suffix) {
   }
 }
 
-/// Why hosts make nothing of an advertised prefix; empty: they do.
+/// Why receivers ignore an advertised prefix; empty when they do not.
 std::string prefixOddity(Net::Ip6AddrWithMask const& prefix) {
   if (prefix.address().isLinkLocal()) return "is link-local; receivers ignore it (RFC 4861 4.6.2)";
   if (prefix.address().isMulticast()) return "is multicast; receivers ignore it, no interface has such an address";
@@ -117,12 +117,13 @@ std::string prefixOddity(Net::Ip6AddrWithMask const& prefix) {
 
 void checkAdvertisedPrefix(Findings& findings, PrefixConfigEntry const& prefix) {
   Net::Ip6AddrWithMask const& key = prefix.key();
-  if (key.subnet() != key) findings.add("", "bits behind the prefix are set, and sent; receivers ignore them");
+  if (key.subnet() != key)
+    findings.add("", "has bits set behind the prefix length; they are sent, and receivers ignore them");
   if (std::string oddity = prefixOddity(key); !oddity.empty()) return findings.add("", std::move(oddity));
   if (!prefix.noAutoConfig() && key.maskLen() != 64)
     findings.add("", "has " + std::to_string(key.maskLen()) +
-                         " bits; hosts make addresses of prefixes of 64 bits only (RFC 4862 5.5.3), and with "
-                         "noAutoConfig: true they are not told to");
+                         " bits; hosts form addresses only from prefixes of 64 bits (RFC 4862 5.5.3); "
+                         "noAutoConfig: true tells them not to");
 }
 
 void checkPrefixes(ConfigFile const& file, std::vector<Diagnostic>& found, IntfConfig const& intf) {

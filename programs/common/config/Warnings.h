@@ -8,14 +8,14 @@
 
 namespace Tool {
 
-/// What a configuration says that will not be sent, or not as it is written; in the order of the file. With what the
-/// file itself was warned about.
+/// Warnings about configured values that are not sent, are sent differently, or are ignored by receivers; in the order
+/// of the file, together with the warnings of the file itself.
 std::vector<Diagnostic> configWarnings(ConfigFile const& file);
 
-/// The same for one interface and its link, without what the file itself was warned about.
+/// The same for one interface and its link, without the warnings of the file itself.
 std::vector<Diagnostic> intfWarnings(ConfigFile const& file, RouterAdvt::IntfConfig const& intf);
 
-/// What the file itself was warned about, as far as it is about that interface or its link.
+/// Those warnings of the file itself that are about that interface or its link.
 std::vector<Diagnostic> fileWarningsOf(ConfigFile const& file, RouterAdvt::IntfConfig const& intf);
 
 /// What an advertisement on behalf of a virtual router lacks when there is none.

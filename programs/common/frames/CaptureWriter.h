@@ -14,7 +14,8 @@ namespace Tool {
 /// A capture file of Ethernet frames that is being written.
 class CaptureWriter {
  public:
-  /// Makes the file, or empties it. Throws `Failure` when that cannot be.
+  /// Creates the file, or empties it; `-`: standard output. Links are followed. Throws `Failure` when the file cannot
+  /// be written, and for a FIFO that no process reads.
   explicit CaptureWriter(std::string const& fileName);
 
   /// Appends a frame, with the time of now, and sees to it that it is written. Throws `Failure`.

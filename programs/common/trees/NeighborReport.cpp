@@ -1,5 +1,5 @@
-#include <programs/common/text/Table.h>
 #include <programs/common/text/Text.h>
+#include <programs/common/text/TextTable.h>
 #include <programs/common/trees/NeighborReport.h>
 
 #include <nlohmann/json.hpp>
@@ -87,7 +87,7 @@ std::string neighborsText(NeighborReport const& report) {
   if (report.neighbors.empty()) {
     text = "no neighbouring router\n";
   } else {
-    Table table({"interface", "router", "last advertisement"});
+    TextTable table({"interface", "router", "last advertisement"});
     for (RouterNeighborRa const& neighbor : report.neighbors)
       table.add({printable(neighbor.key().intfId().toString()), neighbor.key().neighborAddr().toString(),
                  neighbor.lastRaReceived() == 0 ? "never" : durationText(ageOf(neighbor, report.now)) + " ago"});

@@ -1,7 +1,7 @@
 #include <RouterPlatform/Fwk/TypeRegistry.h>
 #include <programs/common/text/NearestName.h>
-#include <programs/common/text/Table.h>
 #include <programs/common/text/Text.h>
+#include <programs/common/text/TextTable.h>
 #include <programs/routeradvt/cli/Options.h>
 #include <programs/routeradvt/commands/Commands.h>
 
@@ -46,7 +46,7 @@ std::string remarkOf(AttributeRecord const& attr) {
   return {};
 }
 
-void addRows(Table& table, std::span<AttributeRecord const> attributes) {
+void addRows(TextTable& table, std::span<AttributeRecord const> attributes) {
   for (AttributeRecord const& attr : attributes)
     table.add({std::to_string(attr.id), attr.name, attr.reflected ? attributeKindName(attr.kind) : "-",
                attr.reflected ? typeText(attr) : "-", remarkOf(attr)});
@@ -75,7 +75,7 @@ class TypesCommand final : public Command {
 
  private:
   static void listTypes(std::ostream& out) {
-    Table table({"type", "kind", "attributes"});
+    TextTable table({"type", "kind", "attributes"});
     for (TypeRecord const* type : Fwk::typeRegistry().types())
       table.add({type->name, kindOf(*type), std::to_string(type->attributes.size())});
     out << table.text();
@@ -83,7 +83,7 @@ class TypesCommand final : public Command {
 
   static void listAttributes(std::ostream& out, TypeRecord const& type) {
     out << type.name << " (" << kindOf(type) << ")\n\n";
-    Table table({"number", "attribute", "kind", "type", ""});
+    TextTable table({"number", "attribute", "kind", "type", ""});
     addRows(table, type.baseAttributes());
     addRows(table, type.attributes);
     out << table.text();

@@ -55,17 +55,17 @@ Row const rows[] = {
      "f:3:1: config/intf[E]/nsIntervalMsec: is not sent; the Retrans Timer is nsRetransmitInterval of the link"},
     {"PreferredAboveValid", "prefixes: {2001:db8::/64: {validLifetime: 5}}",
      "f:3:12: config/intf[E]/prefixes[2001:db8::/64]/preferredLifetime: 604800 s is above validLifetime, 5 s; hosts "
-     "make no address of such a prefix (RFC 4862 5.5.3)"},
+     "form no address from such a prefix (RFC 4862 5.5.3)"},
     {"HostBits", "prefixes: {2001:db8::1/64: {}}",
-     "f:3:12: config/intf[E]/prefixes[2001:db8::1/64]: bits behind the prefix are set, and sent; receivers ignore "
-     "them"},
+     "f:3:12: config/intf[E]/prefixes[2001:db8::1/64]: has bits set behind the prefix length; they are sent, and "
+     "receivers ignore them"},
     {"LinkLocalPrefix", "prefixes: {fe80::/64: {}}",
      "f:3:12: config/intf[E]/prefixes[fe80::/64]: is link-local; receivers ignore it (RFC 4861 4.6.2)"},
     {"MulticastPrefix", "prefixes: {ff02::/64: {}}",
      "f:3:12: config/intf[E]/prefixes[ff02::/64]: is multicast; receivers ignore it, no interface has such an address"},
     {"PrefixOfAnotherLengthToMakeAddressesOf", "prefixes: {2001:db8::/48: {}}",
-     "f:3:12: config/intf[E]/prefixes[2001:db8::/48]: has 48 bits; hosts make addresses of prefixes of 64 bits only "
-     "(RFC 4862 5.5.3), and with noAutoConfig: true they are not told to"},
+     "f:3:12: config/intf[E]/prefixes[2001:db8::/48]: has 48 bits; hosts form addresses only from prefixes of 64 bits "
+     "(RFC 4862 5.5.3); noAutoConfig: true tells them not to"},
     {"MulticastServer", "dnsServers: {ff02::fb: {}}",
      "f:3:14: config/intf[E]/dnsServers[ff02::fb]: is multicast; no DNS server answers there"},
     {"UnspecifiedServer", "dnsServers: {\"::\": {}}",
@@ -73,8 +73,8 @@ Row const rows[] = {
     {"LoopbackServer", "dnsServers: {\"::1\": {}}",
      "f:3:14: config/intf[E]/dnsServers[::1]: is the loopback address; every host would ask itself"},
     {"Suppressed", "raSuppress: true",
-     "f:3:1: config/intf[E]/raSuppress: nothing is advertised there on its own; what is built or sent by hand is not "
-     "held back"},
+     "f:3:1: config/intf[E]/raSuppress: suppresses advertisements of the router; 'build' and 'send' make one "
+     "nevertheless"},
     {"EmptySuffix", "dnsSuffixes: {\"\": {}}",
      "f:3:15: config/intf[E]/dnsSuffixes[]: is empty, and sent as a name without labels"},
     {"EmptyLabel", "dnsSuffixes: {a..b: {}}",
@@ -131,8 +131,7 @@ TEST(IntfWarnings, PrefixesOfTheVirtualRouterThatReceiversIgnoreAreTold) {
 TEST(IntfWarnings, AMissingProfileComesWithTheNearestOne) {
   EXPECT_THAT(
       warningsOf("config:\n  prefixProfiles: {guest: {}}\n  intf: {E: {prefixes: {\"::/64\": {profile: gest}}}}"),
-      ElementsAre("f:3:35: config/intf[E]/prefixes[::/64]/profile: there is no profile \"gest\"; did you mean "
-                  "guest?"));
+      ElementsAre("f:3:35: config/intf[E]/prefixes[::/64]/profile: there is no profile \"gest\"; did you mean guest?"));
 }
 
 TEST(IntfWarnings, AMissingProfileComesWithoutTheNearestOneOfMoreThanAHundred) {
@@ -143,11 +142,10 @@ TEST(IntfWarnings, AMissingProfileComesWithoutTheNearestOneOfMoreThanAHundred) {
 }
 
 TEST(IntfWarnings, AProfileThatDiffersFromWhatIsSentIsTold) {
-  EXPECT_THAT(
-      warningsOf("config:\n  prefixProfiles: {guest: {noAdvertise: true, validLifetime: 5, preferredLifetime: "
-                 "604800}}\n  intf: {E: {prefixes: {\"::/64\": {profile: guest}}}}"),
-      ElementsAre("f:3:35: config/intf[E]/prefixes[::/64]/profile: profiles are not applied to what is sent: it "
-                  "has noAdvertise false and not true, validLifetime 2592000 and not 5"));
+  EXPECT_THAT(warningsOf("config:\n  prefixProfiles: {guest: {noAdvertise: true, validLifetime: 5, preferredLifetime: "
+                         "604800}}\n  intf: {E: {prefixes: {\"::/64\": {profile: guest}}}}"),
+              ElementsAre("f:3:35: config/intf[E]/prefixes[::/64]/profile: profiles do not apply to advertisements, "
+                          "which have noAdvertise false instead of true, validLifetime 2592000 instead of 5"));
 }
 
 TEST(IntfWarnings, NoneForAProfileThatAgreesWithWhatIsSent) {
@@ -229,11 +227,10 @@ TEST(FitWarnings, NoneWhenAllFits) {
 }
 
 TEST(FitWarnings, PrefixesThatDoNotFitAreNamed) {
-  EXPECT_THAT(
-      fitsOf(fileWith(prefixList(3)), withMtu(86 + 32)),
-      ElementsAre("f:3:35: config/intf[E]/prefixes[2001:db8:2::/64]: does not fit and is left out: Could not copy "
-                  "prefix as msgLen ( 118 ) > pktBufSize > ( 118)",
-                  HasSubstr("prefixes[2001:db8:3::/64]: does not fit and is left out: ")));
+  EXPECT_THAT(fitsOf(fileWith(prefixList(3)), withMtu(86 + 32)),
+              ElementsAre("f:3:35: config/intf[E]/prefixes[2001:db8:2::/64]: does not fit and is left out: Could not "
+                          "copy prefix as msgLen ( 118 ) > pktBufSize > ( 118)",
+                          HasSubstr("prefixes[2001:db8:3::/64]: does not fit and is left out: ")));
 }
 
 TEST(FitWarnings, AWithheldPrefixIsNotMissed) {
@@ -245,8 +242,8 @@ TEST(FitWarnings, AWithheldPrefixIsNotMissed) {
 TEST(FitWarnings, PrefixesOfAddressesThatDoNotFitAreTold) {
   EXPECT_THAT(
       fitsOf(fileWith("", "links: {E: {addresses: [\"2001:db8:1::1/64\", \"2001:db8:2::1/64\"]}}"), withMtu(86 + 32)),
-      ElementsAre("f:5:13: links[E]/addresses: not all of their prefixes fit: Could not copy prefix as msgLen ( "
-                  "118 ) > pktBufSize > ( 118)"));
+      ElementsAre("f:5:13: links[E]/addresses: not all of their prefixes fit: Could not copy prefix as msgLen ( 118 ) "
+                  "> pktBufSize > ( 118)"));
 }
 
 TEST(FitWarnings, PrefixesOfAVirtualRouterThatDoNotFitAreNamed) {

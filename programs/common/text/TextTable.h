@@ -6,10 +6,10 @@
 namespace Tool {
 
 /// Rows of printable text, aligned in columns.
-class Table {
+class TextTable {
  public:
   /// `header`: one text per column, empty for a column without a title; without any title there is no header line.
-  explicit Table(std::vector<std::string> header);
+  explicit TextTable(std::vector<std::string> header);
 
   /// Adds a row with one text per column.
   void add(std::vector<std::string> row);

@@ -1,15 +1,15 @@
-#include <programs/common/text/Table.h>
 #include <programs/common/text/Text.h>
+#include <programs/common/text/TextTable.h>
 
 #include <algorithm>
 
 namespace Tool {
 
-Table::Table(std::vector<std::string> header) { rows_.push_back(std::move(header)); }
+TextTable::TextTable(std::vector<std::string> header) { rows_.push_back(std::move(header)); }
 
-void Table::add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
+void TextTable::add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
 
-std::string Table::text() const {
+std::string TextTable::text() const {
   std::vector<std::size_t> widths;
   for (auto const& row : rows_) {
     widths.resize(std::max(widths.size(), row.size()));

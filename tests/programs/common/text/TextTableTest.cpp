@@ -1,20 +1,20 @@
 #include <gtest/gtest.h>
 
-#include <programs/common/text/Table.h>
+#include <programs/common/text/TextTable.h>
 
 namespace Tool {
 
 namespace {
 
-TEST(Table, AlignsColumnsAndEndsLinesWithoutBlanks) {
-  Table table({"name", "value"});
+TEST(TextTable, AlignsColumnsAndEndsLinesWithoutBlanks) {
+  TextTable table({"name", "value"});
   table.add({"a", "1"});
   table.add({"longer", ""});
   EXPECT_EQ(table.text(), "name    value\na       1\nlonger\n");
 }
 
-TEST(Table, AlignsByTheColumnsOfATerminal) {
-  Table table({"intf", "x"});
+TEST(TextTable, AlignsByTheColumnsOfATerminal) {
+  TextTable table({"intf", "x"});
   table.add({"b\xc3\xbcro", "1"});                           // 4 columns, 5 octets
   table.add({"\xe6\x9d\xb1\xe4\xba\xac\xe9\x83\xbd", "2"});  // 6 columns, 9 octets
   EXPECT_EQ(table.text(),
@@ -23,8 +23,8 @@ TEST(Table, AlignsByTheColumnsOfATerminal) {
             "\xe6\x9d\xb1\xe4\xba\xac\xe9\x83\xbd  2\n");
 }
 
-TEST(Table, WithoutTitlesHasNoHeaderLine) {
-  Table table({"", ""});
+TEST(TextTable, WithoutTitlesHasNoHeaderLine) {
+  TextTable table({"", ""});
   table.add({"a", "b"});
   EXPECT_EQ(table.text(), "a  b\n");
 }
