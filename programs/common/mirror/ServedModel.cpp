@@ -43,7 +43,7 @@ ServedModel::Reload ServedModel::reload(std::ostream& err) {
     read_ = std::move(read);
     file = readConfigText(fileName_, read_);
   } catch (std::exception const& e) {  // memory ran out
-    err << printable(fileName_) << ": cannot be read: " << e.what() << std::endl;
+    err << printable(fileName_ + ": cannot be read: " + e.what()) << std::endl;
     return Reload::refused;
   }
   tell(err, file);
