@@ -1,5 +1,7 @@
 #pragma once
 
+#include <RouterPlatform/Export.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <span>

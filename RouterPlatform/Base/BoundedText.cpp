@@ -9,4 +9,8 @@ void detail::throwTextTooLong(char const* typeName, std::string_view text, std::
                           " octets, where at most " + std::to_string(bound) + " fit: \"" + std::string(text) + "\"");
 }
 
+void detail::throwNullText(char const* typeName) {
+  throw std::invalid_argument(std::string(typeName) + ": a null pointer is no text");
+}
+
 }  // namespace Fwk

@@ -15,16 +15,22 @@
 
 namespace Fwk {
 
+/// What a text is made from: a view, a string, or a pointer to characters that end in a NUL.
+template <class T>
+concept TextLike = std::convertible_to<T const&, std::string_view>;
+
 namespace detail {
 /// Throws std::length_error that names the text.
 [[noreturn]] ROUTER_PLATFORM_EXPORT void throwTextTooLong(char const* typeName, std::string_view text,
                                                           std::size_t bound);
+/// Throws std::invalid_argument.
+[[noreturn]] ROUTER_PLATFORM_EXPORT void throwNullText(char const* typeName);
 }  // namespace detail
 
 /// A text of at most `bound` octets, held in the object itself: flat, trivially copyable, the same bytes in shared
 /// memory. Octets behind the text are zero, so equal values are equal bytes, and all zero is the empty text.
 ///
-/// `Derived` is the type being made of it; it brings `textTypeName`. Any octets are allowed in a text, zero included.
+/// `Derived` is the type that derives from it; it brings `textTypeName`. A text may hold any octets, zero included.
 template <class Derived, std::size_t bound>
 class alignas(8) BoundedText {
   static_assert((bound + 1) % 8 == 0 && bound <= 255, "text and size fill whole words");
@@ -35,11 +41,14 @@ class alignas(8) BoundedText {
 
   constexpr BoundedText() noexcept = default;
 
-  /// From text; longer than `maxSize`: std::length_error. Implicit, so that a call reads `intfIs("Ethernet1")`.
-  template <class Text>
-  requires std::convertible_to<Text const&, std::string_view> BoundedText(Text const& text) {
+  /// From text. Throws std::length_error for a text longer than `maxSize`, and std::invalid_argument for a null
+  /// pointer. Implicit, so that a call reads `intfIs("Ethernet1")`.
+  template <TextLike Text>
+  BoundedText(Text const& text) {
+    if constexpr (std::is_pointer_v<Text>)
+      if (!text) detail::throwNullText(Derived::textTypeName);
     assign(text);
-  }  // NOLINT(google-explicit-constructor)
+  }
 
   /// Whether a text is short enough.
   static constexpr bool fits(std::string_view text) noexcept { return text.size() <= bound; }
@@ -68,19 +77,20 @@ class alignas(8) BoundedText {
     return accumulator.result();
   }
 
-  /// Takes the same time for every text, too: keys are compared in a row when they are looked up.
+  /// Takes the same time for every text: a look-up compares keys one after another without branches.
   bool operator==(BoundedText const& other) const noexcept {
     U64 difference = 0;
     for (std::size_t i = 0; i < wordCount; ++i) difference |= word(i) ^ other.word(i);
     return difference == 0;
   }
 
-  /// Octet by octet, as unsigned numbers; a text stands before those that it begins.
+  /// Octet by octet, as unsigned numbers; a text comes before the texts that begin with it.
   std::strong_ordering operator<=>(BoundedText const& other) const noexcept { return view() <=> other.view(); }
 
-  template <class Text>
-  requires std::convertible_to<Text const&, std::string_view>
-  friend bool operator==(Derived const& value, Text const& text) noexcept { return value.view() == text; }
+  template <TextLike Text>
+  friend bool operator==(Derived const& value, Text const& text) noexcept {
+    return value.view() == text;
+  }
 
  private:
   static constexpr std::size_t wordCount = (bound + 1) / 8;

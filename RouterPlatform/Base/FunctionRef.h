@@ -9,14 +9,16 @@ namespace Fwk {
 template <class Signature>
 class FunctionRef;
 
-/// A callable that is passed down and called before the call returns: two words, no allocation, owns nothing.
+/// Something other than a `Self` that is called with `Args` and gives a `Result`.
+template <class T, class Self, class Result, class... Args>
+concept CallableFor = !std::is_same_v<std::remove_cvref_t<T>, Self> && std::is_invocable_r_v<Result, T&, Args...>;
+
+/// A reference to a callable, for arguments that the callee calls before it returns: two words, no allocation.
 template <class Result, class... Args>
 class FunctionRef<Result(Args...)> {
  public:
-  template <class Callable>
-  requires(!std::is_same_v<std::remove_cvref_t<Callable>, FunctionRef> &&
-           std::is_invocable_r_v<Result, Callable&, Args...>) FunctionRef(Callable&& callable)
-  noexcept  // NOLINT(google-explicit-constructor)
+  template <CallableFor<FunctionRef, Result, Args...> Callable>
+  FunctionRef(Callable&& callable) noexcept
       : callable_(const_cast<void*>(static_cast<void const*>(std::addressof(callable)))),
         call_([](void* c, Args... args) -> Result {
           return (*static_cast<std::remove_reference_t<Callable>*>(c))(std::forward<Args>(args)...);

@@ -9,7 +9,7 @@
 
 namespace Fwk {
 
-/// Collects hashes into one. The result depends only on the seed and what was mixed in, in order: it is the same in
+/// Collects hashes into one. The result depends only on the seed and the mixed values, in order: it is the same in
 /// every process and every binary, so it may stand in shared memory.
 class HashAccumulator {
  public:
@@ -36,13 +36,18 @@ class HashAccumulator {
 /// Hash of `size` octets, stable across processes and binaries.
 ROUTER_PLATFORM_EXPORT U64 hashBytes(void const* data, std::size_t size, U64 seed) noexcept;
 
-/// Hash of a key. A key type brings `hash(seed)` as a member; integers and texts are served here.
+/// A key type that brings its hash along.
 template <class T>
-requires requires(T const& v) {
+concept HasHash = requires(T const& v) {
   { v.hash(U64{}) }
   noexcept->std::same_as<U64>;
+};
+
+/// Hash of a key. A key type brings `hash(seed)` as a member; integers and texts are served here.
+template <HasHash T>
+U64 hashOf(T const& key, U64 seed) noexcept {
+  return key.hash(seed);
 }
-U64 hashOf(T const& key, U64 seed) noexcept { return key.hash(seed); }
 
 template <std::integral T>
 constexpr U64 hashOf(T key, U64 seed) noexcept {
@@ -51,8 +56,8 @@ constexpr U64 hashOf(T key, U64 seed) noexcept {
 
 inline U64 hashOf(std::string_view key, U64 seed) noexcept { return hashBytes(key.data(), key.size(), seed); }
 
-/// Seed of this process's own hash tables, random at start: keys come from the link, and nobody out there may choose
-/// them to collide.
+/// Seed of this process's own hash tables, random at start: keys come from the link, and a sender must not be able to
+/// choose colliding ones.
 ROUTER_PLATFORM_EXPORT U64 processHashSeed() noexcept;
 
 }  // namespace Fwk

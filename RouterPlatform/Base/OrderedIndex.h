@@ -51,7 +51,7 @@ class ROUTER_PLATFORM_EXPORT OrderedIndex {
 
   U32 cellOf(U32 hash, U32 position) const noexcept;
 
-  U64 seed_;  ///< the process's, kept here because looking up is where it is wanted
+  U64 seed_;  ///< a copy of the process's, beside the other members that a look-up reads
   U32 mask_;
   std::unique_ptr<Cell[]> cells_;
 };

@@ -7,7 +7,7 @@ namespace Fwk {
 /// Number of elements that are searched one by one; above it a table has a hash index.
 inline constexpr U32 defaultIndexAbove = 8;
 
-/// Values by key in insertion order; notifies nobody. What a collection inside a value type is made of.
+/// Values by key in insertion order; notifies nobody. For collections inside value types.
 /// `inlineRoom`: members that need no allocation. `indexAboveMembers`: members that are searched one by one.
 ///
 /// A moved-from map is empty. Thread rule: that of `OrderedTable`; `find`, `contains`, `==` and `forEach` only read.
@@ -39,22 +39,35 @@ class OrderedMap {
     Entry const* const entry = table_.find(key);
     return entry ? &entry->value : nullptr;
   }
-  /// The key that came last, or null; valid until the map changes.
+  /// The key that was added last, or null; valid until the map changes.
   K const* lastKey() const noexcept {
     Entry const* const entry = table_.last();
     return entry ? &entry->key : nullptr;
   }
 
   /// Stores `value` under `key`; a new key comes last, another keeps its place. True unless an equal value stood there.
-  /// Throws what copying throws, and std::bad_alloc, having added nothing.
+  /// Throws the exceptions of copying, and std::bad_alloc, having changed nothing.
   bool set(K const& key, V const& value) {
+    return set(key, value, [] {});
+  }
+
+  /// The same. Calls `before()` when the map is about to change, which may be the end of a `key` that stands in it.
+  template <class Before>
+  bool set(K const& key, V const& value, Before before) {
+    static_assert(std::is_nothrow_move_assignable_v<V>, "a value is replaced whole or not at all");
     if (Entry* const entry = table_.find(key)) {
       if (entry->value == value) return false;
-      entry->value = value;
+      before();
+      if constexpr (std::is_nothrow_copy_assignable_v<V>)
+        entry->value = value;
+      else
+        entry->value = V(value);
       return true;
     }
+    before();
     if constexpr (std::is_trivially_copyable_v<Entry> && std::is_nothrow_default_constructible_v<Entry>) {
-      // Reading back as a whole what has just been put together of parts is slow. Key and value may stand in this map.
+      // Fills the entry in its place: a copy of a just written entry would wait for its stores. Key and value may stand
+      // in this map.
       if (table_.hasRoom()) {
         table_.addInPlace([&](Entry& entry) noexcept {
           entry.key = key;
@@ -71,10 +84,15 @@ class OrderedMap {
   std::optional<Entry> remove(K const& key) noexcept { return table_.remove(key); }
   void clear() noexcept { table_.clear(); }
 
-  /// Same size, and equal keys with equal values side by side in insertion order.
-  bool operator==(OrderedMap const& other) const {
-    return this == &other ||
-           (size() == other.size() && std::equal(table_.frozenBegin(), table_.frozenEnd(), other.table_.frozenBegin()));
+  /// Same size, and equal keys with equal values side by side in insertion order. A comparison that throws stops the
+  /// process.
+  bool operator==(OrderedMap const& other) const noexcept {
+    if (this == &other) return true;
+    if (size() != other.size()) return false;
+    auto theirs = other.table_.frozenBegin();
+    for (auto ours = table_.frozenBegin(); ours != table_.frozenEnd(); ++ours, ++theirs)
+      if (!(*ours == *theirs)) return false;
+    return true;
   }
 
   /// Walks copies of the entries; the map may change meanwhile.

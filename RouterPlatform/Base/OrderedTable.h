@@ -5,7 +5,6 @@
 #include <RouterPlatform/Base/OrderedIndex.h>
 #include <RouterPlatform/Base/Ptr.h>
 
-#include <algorithm>
 #include <concepts>
 #include <iterator>
 #include <memory>
@@ -33,10 +32,10 @@ struct OrderedSlot<Ptr<T>> {
   static void empty(Type& slot) noexcept { slot = nullptr; }
 };
 
-/// Where a walk over an `OrderedTable` stands. The table moves the walks that are entered in its list along.
+/// The place of a walk over an `OrderedTable`. The table moves the walks in its list along.
 struct OrderedWalk {
   U32 position = 0;
-  U32 end = 0;         ///< what is added later stands from here on
+  U32 end = 0;         ///< elements that are added later stand from here on
   bool stale = false;  ///< the element it stood at has been compacted away; `position` is the next one's already
   bool tableGone = false;
   OrderedWalk* outer = nullptr;
@@ -57,15 +56,15 @@ struct OrderedRoom<Slot, 0> {
   Slot* slots() noexcept { return nullptr; }
 };
 
-/// Elements by key, in the order in which they came: what every keyed collection stands on.
+/// Elements by key, in the order of insertion: the base of every keyed collection.
 ///
 /// `Policy::key(element)` gives an element's key, `Policy::inlineCapacity` how many elements have room in the table
 /// itself, and `Policy::indexAbove` how many are searched without a hash index. Add, find and remove take constant
 /// time.
 ///
 /// Elements stand densely in one array; a removed one leaves a hole until the array is compacted. A walk is registered
-/// with the table, which moves it along: a walk sees every element that was there when it began and still is when its
-/// turn comes, whatever else happens, the end of the table included.
+/// with the table, which moves it along. A walk sees every element that was there when it began and still is when its
+/// turn comes. The table may change in any way during a walk, and may end.
 ///
 /// Thread rule: one thread at a time; `find`, `contains`, `forEach` and frozen iterators, which enter nothing into the
 /// table, may run on several threads while nothing changes.
@@ -80,7 +79,7 @@ class OrderedTable {
   using Key = std::remove_cvref_t<decltype(Policy::key(std::declval<Element const&>()))>;
 
   // Written out, so that a constant table can be made without `{}` although nothing fills the room.
-  OrderedTable() noexcept {}  // NOLINT(modernize-use-equals-default)
+  OrderedTable() noexcept {}
   /// The same elements in the same order, none of the walks. Throws what copying an element throws, and std::bad_alloc.
   OrderedTable(OrderedTable const& other) : OrderedTable() { copyFrom(other); }
   /// Leaves `other` empty; walks over it end.
@@ -113,12 +112,12 @@ class OrderedTable {
   }
   Element const* find(Key const& key) const noexcept { return const_cast<OrderedTable*>(this)->find(key); }
   bool contains(Key const& key) const noexcept { return positionOf(key) != npos; }
-  /// The element that came last, or null; valid until the table changes.
+  /// The element that was added last, or null; valid until the table changes.
   Element const* last() const noexcept {
     return used_ ? &SlotAccess::get(slots()[used_ - 1]) : nullptr;  // no hole ever stands at the end
   }
 
-  /// Whether one more element moves none of those that are there.
+  /// Whether add() will not reallocate.
   bool hasRoom() const noexcept { return used_ < capacity_; }
 
   /// Appends `element`, whose key is not there. Throws std::bad_alloc, having changed nothing.
@@ -126,7 +125,7 @@ class OrderedTable {
     reserveOneMore();
     return entered(std::construct_at(slots() + used_, std::move(element)));
   }
-  /// The same with a default element that `fill(element)` makes what it is to be, in its place: nothing is moved there.
+  /// The same with a default element in its place, which `fill(element)` completes: nothing is moved.
   template <class Fill>
   Element& addInPlace(Fill fill) {
     static_assert(std::is_nothrow_default_constructible_v<Element> && std::is_nothrow_invocable_v<Fill, Element&>);
@@ -146,6 +145,7 @@ class OrderedTable {
     SlotAccess::empty(slot);
     --live_;
     dropTrailingHoles();
+    passLeadingHoles();
     if (used_ - live_ > live_ + 8) compact();
     return removed;
   }
@@ -153,7 +153,7 @@ class OrderedTable {
   /// Takes all elements out; walks in progress end. The room stays.
   void clear() noexcept {
     destroySlots();
-    used_ = live_ = 0;
+    first_ = used_ = live_ = 0;
     index_.reset();
     limitWalks();
   }
@@ -161,9 +161,9 @@ class OrderedTable {
   /// A walk in progress. Reading the element it stands at is allowed until the table changes.
   class Walk : private OrderedWalk {
    public:
-    explicit Walk(OrderedTable const& table) noexcept : OrderedWalk{.end = table.used_}, table_(&table) {
+    explicit Walk(OrderedTable const& table) noexcept
+        : OrderedWalk{.position = table.first_, .end = table.used_}, table_(&table) {
       enter(table.walks_);
-      skipHoles();
     }
     Walk(Walk const& other) noexcept : OrderedWalk(other), table_(other.table_) {
       if (!tableGone) enter(table_->walks_);
@@ -181,7 +181,7 @@ class OrderedTable {
       stale = false;
       skipHoles();
     }
-    /// Stands at an element again, or at the end: the one it stood at may have been removed since.
+    /// Moves on to the next element, or to the end, if its element has been removed.
     void settle() noexcept {
       if (tableGone) return;
       stale = false;
@@ -204,7 +204,7 @@ class OrderedTable {
     Value operator*() const { return Value(walk_.element()); }
     /// The element itself; valid until the table changes.
     Element const* operator->() const noexcept requires std::same_as<Value, Element> { return &walk_.element(); }
-    /// Moves on if what it stood at has been removed: for a walk that is put aside after a step.
+    /// Moves on if its element has been removed: for a walk that pauses after a step.
     void settle() noexcept { walk_.settle(); }
     CopyingIterator& operator++() noexcept {
       walk_.next();
@@ -221,7 +221,7 @@ class OrderedTable {
   template <class Call>
   void forEach(Call call) const {
     Slot const* const all = slots();
-    for (U32 i = 0; i < used_; ++i)
+    for (U32 i = first_; i < used_; ++i)
       if (all[i]) call(SlotAccess::get(all[i]));
   }
 
@@ -255,7 +255,7 @@ class OrderedTable {
     Slot const* slot_ = nullptr;
     Slot const* end_ = nullptr;
   };
-  FrozenIterator frozenBegin() const noexcept { return {slots(), slots() + used_}; }
+  FrozenIterator frozenBegin() const noexcept { return {slots() + first_, slots() + used_}; }
   FrozenIterator frozenEnd() const noexcept { return {slots() + used_, slots() + used_}; }
 
  private:
@@ -271,11 +271,11 @@ class OrderedTable {
     Slot const* const all = slots();
     if (index_)
       return index_->find(index_->hash(key), [&](U32 i) { return Policy::key(SlotAccess::get(all[i])) == key; });
-    // Where the wanted element stands cannot be foreseen, so every one is compared and the result chosen: a branch that
-    // is mispredicted costs more than the rest. A copy of the key can stay in registers.
+    // Compares every element and selects the result without a branch: a mispredicted branch costs more than the other
+    // comparisons. A copy of the key can stay in registers.
     U32 found = npos;
     std::conditional_t<std::is_trivially_copyable_v<Key>, Key const, Key const&> wanted = key;
-    for (U32 i = 0; i < used_; ++i) {
+    for (U32 i = first_; i < used_; ++i) {
       if (!all[i]) continue;
       bool const equal = Policy::key(SlotAccess::get(all[i])) == wanted;
       found = equal ? i : found;
@@ -283,7 +283,7 @@ class OrderedTable {
     return found;
   }
 
-  /// Counts the slot behind the last one in, which has got its element.
+  /// Commits the new last slot, already constructed.
   Element& entered(Slot* slot) noexcept {
     if (index_) index_->add(hash(*slot), used_);
     ++used_;
@@ -291,11 +291,11 @@ class OrderedTable {
     return SlotAccess::get(*slot);
   }
 
-  /// Everything that may throw on the way to one more element.
+  /// Every step of an addition that may throw.
   void reserveOneMore() {
-    // The table's own room is used to the last slot; what is allocated is rather grown than compacted for few holes.
+    // Inline room is used to the last slot. Allocated room grows, unless a quarter of it is holes.
     if (used_ == capacity_ && used_ - live_ > (heap_ ? used_ / 4 : 0)) compact();
-    if (used_ == capacity_) growSlots(std::max<U32>(4, capacity_ * 2));
+    if (used_ == capacity_) growSlots(capacity_ < 2 ? 4 : capacity_ * 2);
     if (live_ + 1 > Policy::indexAbove && (!index_ || !index_->hasRoomFor(live_ + 1))) buildIndex(live_ * 2 + 1);
   }
 
@@ -319,7 +319,7 @@ class OrderedTable {
     capacity_ = capacity;
   }
 
-  /// Closes the holes; walks go along. Takes time for each slot in use, however large the index once grew.
+  /// Closes the holes and moves the walks along. Takes time per slot in use, not per cell of the index.
   void compact() noexcept {
     Slot* const all = slots();
     for (OrderedWalk* walk = walks_; walk; walk = walk->outer) {
@@ -338,14 +338,16 @@ class OrderedTable {
       ++to;
     }
     std::destroy(all + to, all + used_);
+    first_ = 0;
     used_ = to;
     if (live_ <= Policy::indexAbove) index_.reset();
   }
 
   U32 liveBefore(U32 position) const noexcept {
     Slot const* const all = slots();
-    return static_cast<U32>(
-        std::count_if(all, all + std::min(position, used_), [](Slot const& slot) { return static_cast<bool>(slot); }));
+    U32 live = 0;
+    for (U32 i = 0; i < position && i < used_; ++i) live += all[i] ? 1 : 0;
+    return live;
   }
 
   void dropTrailingHoles() noexcept {
@@ -353,16 +355,24 @@ class OrderedTable {
     limitWalks();
   }
 
-  /// What is added from now on stands behind the end of every walk in progress.
+  /// Each slot is passed once until the next compaction: removing every element from the front takes constant time
+  /// each.
+  void passLeadingHoles() noexcept {
+    while (first_ < used_ && !slots()[first_]) ++first_;
+    if (used_ == 0) first_ = 0;
+  }
+
+  /// Keeps elements that are added from now on behind the end of every walk in progress.
   void limitWalks() noexcept {
-    for (OrderedWalk* walk = walks_; walk; walk = walk->outer) walk->end = std::min(walk->end, used_);
+    for (OrderedWalk* walk = walks_; walk; walk = walk->outer)
+      if (walk->end > used_) walk->end = used_;
   }
 
   void copyFrom(OrderedTable const& other) {
     other.forEach([this](Element const& element) { add(element); });
   }
 
-  /// Everything that `other` has, into an empty table.
+  /// Moves the whole of `other` into this table, which is empty.
   void takeFrom(OrderedTable& other) noexcept {
     if (other.heap_) {
       releaseHeap();
@@ -373,6 +383,7 @@ class OrderedTable {
       other.destroySlots();
     }
     index_ = std::move(other.index_);
+    first_ = std::exchange(other.first_, 0);
     used_ = std::exchange(other.used_, 0);
     live_ = std::exchange(other.live_, 0);
     other.limitWalks();
@@ -387,6 +398,7 @@ class OrderedTable {
   Slot* heap_ = nullptr;
   std::unique_ptr<OrderedIndex> index_;
   mutable OrderedWalk* walks_ = nullptr;  ///< walks in progress, innermost first
+  U32 first_ = 0;                         ///< slot of the first element; only holes stand before it
   U32 used_ = 0;                          ///< slots in use, holes included
   U32 live_ = 0;
   U32 capacity_ = Policy::inlineCapacity;

@@ -5,7 +5,6 @@
 
 #include <atomic>
 #include <cstddef>
-#include <functional>
 #include <type_traits>
 #include <utility>
 
@@ -84,6 +83,10 @@ class PtrInterface {
   mutable std::atomic<U32> references_{0};
 };
 
+/// A type whose objects a pointer to `T` may point to.
+template <class U, class T>
+concept PointsTo = std::is_convertible_v<U*, T*>;
+
 /// Counted pointer to a `PtrInterface` object. `Ptr<T>` converts to `Ptr<T const>` and to pointers to bases.
 /// One `Ptr` object is used by one thread at a time, like any value; different `Ptr`s to one object may be used by
 /// different threads when the thread-safe mode is on.
@@ -93,19 +96,17 @@ class Ptr {
   using element_type = T;
 
   constexpr Ptr() noexcept = default;
-  constexpr Ptr(std::nullptr_t) noexcept {}             // NOLINT(google-explicit-constructor)
-  Ptr(T* object) noexcept : object_(object) { ref(); }  // NOLINT(google-explicit-constructor)
+  constexpr Ptr(std::nullptr_t) noexcept {}
+  Ptr(T* object) noexcept : object_(object) { ref(); }
   Ptr(Ptr const& other) noexcept : object_(other.object_) { ref(); }
   Ptr(Ptr&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
 
-  template <class U>
-  requires std::is_convertible_v<U*, T*> Ptr(Ptr<U> const& other)
-  noexcept : object_(other.get()) {  // NOLINT(google-explicit-constructor)
+  template <PointsTo<T> U>
+  Ptr(Ptr<U> const& other) noexcept : object_(other.get()) {
     ref();
   }
-  template <class U>
-  requires std::is_convertible_v<U*, T*> Ptr(Ptr<U>&& other)
-  noexcept : object_(other.release()) {}  // NOLINT(google-explicit-constructor)
+  template <PointsTo<T> U>
+  Ptr(Ptr<U>&& other) noexcept : object_(other.release()) {}
 
   ~Ptr() {
     if (object_) object_->deleteRef();

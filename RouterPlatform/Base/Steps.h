@@ -5,7 +5,7 @@
 
 namespace Fwk {
 
-/// Steps that all have to be taken, whatever one of them throws.
+/// Runs every step even if one of them throws.
 class Steps {
  public:
   template <class Step>
@@ -17,7 +17,7 @@ class Steps {
     }
   }
 
-  /// Throws what the first of them threw, if any did.
+  /// Rethrows the first exception, if there was one.
   void finish() {
     if (first_) std::rethrow_exception(std::exchange(first_, nullptr));
   }

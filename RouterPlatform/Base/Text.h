@@ -35,8 +35,13 @@ void appendText(std::string& out, T value) {
 }
 
 template <class T>
-requires requires(T const& value, std::string& out) { value.appendTo(out); }
-void appendText(std::string& out, T const& value) { value.appendTo(out); }
+concept AppendsItself = requires(T const& value, std::string& out) {
+  value.appendTo(out);
+};
+template <AppendsItself T>
+void appendText(std::string& out, T const& value) {
+  value.appendTo(out);
+}
 
 /// Appends the plain text forms of `parts`, one after another with nothing between them.
 template <class... Parts>

@@ -21,12 +21,9 @@ template <std::unsigned_integral T>
 class NetInt {
  public:
   constexpr NetInt() noexcept = default;
-  constexpr NetInt(T value) noexcept
-      : octets_(std::bit_cast<Octets>(swapped(value))) {}  // NOLINT(google-explicit-constructor)
+  constexpr NetInt(T value) noexcept : octets_(std::bit_cast<Octets>(swapped(value))) {}
 
-  constexpr operator T() const noexcept {
-    return swapped(std::bit_cast<T>(octets_));
-  }  // NOLINT(google-explicit-constructor)
+  constexpr operator T() const noexcept { return swapped(std::bit_cast<T>(octets_)); }
 
   constexpr NetInt& operator|=(T bits) noexcept { return *this = static_cast<T>(*this | bits); }
   constexpr NetInt& operator&=(T bits) noexcept { return *this = static_cast<T>(*this & bits); }

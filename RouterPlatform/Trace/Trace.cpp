@@ -127,7 +127,7 @@ class Registry {
 
  private:
   Registry() {
-    char const* const text = std::getenv("TRACE");  // NOLINT(concurrency-mt-unsafe): at start
+    char const* const text = std::getenv("TRACE");
     if (!text) return;
     try {
       settings_ = SettingsReader(text).read();

@@ -113,6 +113,11 @@ TYPED_TEST(BoundedText, HashFollowsValueAndSeed) {
   EXPECT_NE(TypeParam("Ethernet1").hash(7), TypeParam("Ethernet1").hash(8));
 }
 
+TYPED_TEST(BoundedText, ANullPointerIsNoText) {
+  char const* const nothing = nullptr;
+  EXPECT_THROW(TypeParam{nothing}, std::invalid_argument);
+}
+
 TYPED_TEST(BoundedText, PrintsItself) {
   std::string out = "on ";
   Trace::appendTexts(out, TypeParam("Ethernet1"));

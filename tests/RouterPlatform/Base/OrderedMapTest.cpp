@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <new>
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -177,6 +179,48 @@ TEST(OrderedMap, DoesWhatAStandardMapDoesInTheOrderOfInsertion) {
       ASSERT_TRUE(copied == map);
     }
   }
+}
+
+/// A value whose copies fail half way once they are told to, as that of a record with a long list does.
+struct Torn {
+  int first = 0;
+  int second = 0;
+  static inline bool copyingThrows = false;
+  Torn(int f, int s) : first(f), second(s) {}
+  Torn(Torn const& other) : first(other.first) {
+    if (copyingThrows) throw std::bad_alloc();
+    second = other.second;
+  }
+  Torn(Torn&&) noexcept = default;
+  Torn& operator=(Torn const& other) {
+    first = other.first;
+    if (copyingThrows) throw std::bad_alloc();
+    second = other.second;
+    return *this;
+  }
+  Torn& operator=(Torn&&) noexcept = default;
+  bool operator==(Torn const&) const = default;
+};
+
+TEST(OrderedMap, AValueThatCannotBeCopiedLeavesTheFormerOneWhole) {
+  OrderedMap<U32, Torn> map;
+  map.set(1, Torn(1, 1));
+  Torn::copyingThrows = true;
+  EXPECT_THROW(map.set(1, Torn(2, 2)), std::bad_alloc);
+  Torn::copyingThrows = false;
+  EXPECT_EQ(*map.find(1), Torn(1, 1));
+}
+
+/// A value that cannot be compared.
+struct Incomparable {
+  bool operator==(Incomparable const&) const { throw std::runtime_error("cannot be compared"); }
+};
+
+TEST(OrderedMapDeathTest, AComparisonThatThrowsStopsTheProcess) {
+  OrderedMap<U32, Incomparable> map, other;
+  map.set(1, Incomparable());
+  other.set(1, Incomparable());
+  EXPECT_DEATH(static_cast<void>(map == other), "cannot be compared");
 }
 
 }  // namespace

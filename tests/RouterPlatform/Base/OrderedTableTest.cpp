@@ -14,6 +14,36 @@
 
 namespace {
 
+/// An element whose slot counts how often the table looks whether it is in use.
+struct Watched {
+  Fwk::U32 key = 0;
+};
+struct WatchedSlot : std::optional<Watched> {
+  using std::optional<Watched>::optional;
+  static inline std::size_t looks = 0;
+  explicit operator bool() const noexcept {
+    ++looks;
+    return has_value();
+  }
+};
+struct WatchedPolicy {
+  static constexpr Fwk::U32 inlineCapacity = 0;
+  static constexpr Fwk::U32 indexAbove = 8;
+  static Fwk::U32 key(Watched const& element) noexcept { return element.key; }
+};
+
+}  // namespace
+
+template <>
+struct Fwk::OrderedSlot<Watched> {
+  using Type = WatchedSlot;
+  static Watched& get(Type& slot) noexcept { return *slot; }
+  static Watched const& get(Type const& slot) noexcept { return *slot; }
+  static void empty(Type& slot) noexcept { slot.reset(); }
+};
+
+namespace {
+
 using Fwk::OrderedTable;
 using Fwk::U32;
 using OrderedTableModel::CountedItems;
@@ -477,6 +507,37 @@ TYPED_TEST_SUITE(OrderedTableDifferential, AllItems);
 
 TYPED_TEST(OrderedTableDifferential, DoesWhatAVectorDoesWhateverHappensDuringWalks) {
   for (U32 const keys : {4U, 12U, 40U, 300U}) compareWithModel<TypeParam>(20080100 + keys, 50'000, keys);
+}
+
+TEST(OrderedTable, FindsTheFirstElementAgainAndAgainWithoutPassingTheHolesAnew) {
+  constexpr U32 count = 4000;
+  OrderedTable<Watched, WatchedPolicy> table;
+  for (U32 key = 0; key < count; ++key) table.add(Watched{key});
+  std::size_t most = 0;
+  for (U32 key = 0; key < count / 2; ++key) {  // the table is not compacted before half of it is gone
+    WatchedSlot::looks = 0;
+    OrderedTable<Watched, WatchedPolicy>::Walk const walk(table);
+    ASSERT_EQ(walk.element().key, key);
+    table.remove(key);
+    most = std::max(most, WatchedSlot::looks);
+  }
+  EXPECT_LE(most, 8U);
+}
+
+TEST(OrderedTable, IsWalkedWholeAfterItsFirstElementsWereRemovedAndOthersAdded) {
+  for (U32 const count : {4U, 40U}) {
+    Table table;
+    addAll(table, 1, count);
+    for (U32 key = 1; key < count; ++key) table.remove(key);
+    addAll(table, count + 1, count + 3);
+    EXPECT_THAT(keysOf(table), ElementsAreArray(range(count, count + 3)));
+    EXPECT_EQ(walked(table, [](U32) {}), range(count, count + 3));
+    for (U32 key = count; key <= count + 3; ++key) table.remove(key);
+    addAll(table, 7, 9);
+    EXPECT_THAT(keysOf(table), ElementsAre(7, 8, 9));
+    Table const moved = std::move(table);
+    EXPECT_THAT(keysOf(moved), ElementsAre(7, 8, 9));
+  }
 }
 
 }  // namespace

@@ -46,7 +46,7 @@ class Exactly {
   explicit Exactly(Octets const& octets) : data_(std::make_unique<U8[]>(octets.size())), size_(octets.size()) {
     std::copy(octets.begin(), octets.end(), data_.get());
   }
-  operator std::span<U8 const>() const { return {data_.get(), size_}; }  // NOLINT(google-explicit-constructor)
+  operator std::span<U8 const>() const { return {data_.get(), size_}; }
 
  private:
   std::unique_ptr<U8[]> data_;
