@@ -4,17 +4,19 @@
 #include <Ipv6RouterAdvt/RouterAdvt/IntfConfig.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PrefixProfileEntry.h>
+#include <RouterPlatform/Fwk/Collections.h>
 
 namespace RouterAdvt {
 
-/// Root of the configuration: what is advertised, interface by interface, and the profiles that prefixes may name.
+/// Root of the configuration: the interfaces to advertise on, and the profiles that prefixes may name.
 /// Key: `name`. Setters store any value; an unchanged one notifies nobody, a changed one notifies with the attribute.
 /// Used by one thread at a time.
 ///
 /// Collections: `x(key)` gives the member or null. `xIs(key)` gives the member, made with every default if it is not
 /// there, and then notified with its key. `xDel(key)` takes the member out, notifies with the key and returns it; null,
 /// and nobody notified, when it is not there. `xDelAll()` does so for every member. A setter or a mutator that makes a
-/// member may throw std::bad_alloc, having changed nothing.
+/// member may throw std::bad_alloc, having changed nothing. A text that is too long for an `IntfId` or a `Name` throws
+/// std::length_error where it becomes one, also in a look-up.
 class ROUTER_ADVT_EXPORT Config final : public Fwk::Entity {
  public:
   enum Attr : AttrId {
@@ -38,12 +40,13 @@ class ROUTER_ADVT_EXPORT Config final : public Fwk::Entity {
   Ptr<IntfConfig> intfDel(IntfId key) { return intf_.memberDel(key); }
   void intfDelAll() { intf_.memberDelAll(); }
 
-  /// System-wide hop limit, any number; not copied to the interfaces, each of which has its own, and not advertised.
+  /// System-wide hop limit. Not advertised: each interface has its own.
   U32 hopLimit() const { return hopLimit_; }
   void hopLimitIs(U32 v) { attrIs(hopLimit_, v, hopLimitAttr); }
+  /// The recommended default of the assigned numbers (RFC 1700), to which RFC 4861 6.2.1 AdvCurHopLimit refers.
   static constexpr U32 hopLimitDefault() { return 64; }
 
-  /// Whether advertisements of other routers are to be checked against the own ones. RFC 4861 6.2.7.
+  /// Whether the agent checks advertisements of other routers against its own. RFC 4861 6.2.7.
   bool raConsistency() const { return raConsistency_; }
   void raConsistencyIs(bool v) { attrIs(raConsistency_, v, raConsistencyAttr); }
   static constexpr bool raConsistencyDefault() { return false; }

@@ -12,7 +12,7 @@ Fwk::TypeRecord const& DNSServerConfigEntry::typeRecord() {
       constant<&DNSServerConfigEntry::lifetimeDefault>("lifetimeDefault"),
       scalar<&DNSServerConfigEntry::lifetimeConfigured, &DNSServerConfigEntry::lifetimeConfiguredIs>(
           "lifetimeConfigured"),
-      computedWithArgument<U32>("validLifetime"));
+      computedWithArgument<&DNSServerConfigEntry::validLifetime>("validLifetime"));
   static constexpr TypeRecord record = entityRecord<DNSServerConfigEntry, Ip6Addr>(attrs, live);
   return record;
 }

@@ -2,6 +2,7 @@
 
 #include <Ipv6RouterAdvt/Export.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
+#include <RouterPlatform/Fwk/Entity.h>
 
 namespace RouterAdvt {
 
@@ -30,6 +31,7 @@ class ROUTER_ADVT_EXPORT DNSServerConfigEntry final : public Fwk::Entity {
   /// `lifetimeConfigured`. RFC 8106 5.1.
   U32 lifetime() const { return lifetime_; }
   void lifetimeIs(U32 v) { attrIs(lifetime_, v, lifetimeAttr); }
+  /// Seconds. The model's own: the default of RFC 8106 5.1 is a multiple of MaxRtrAdvInterval.
   static constexpr U32 lifetimeDefault() { return 300; }
 
   /// Whether `lifetime` was configured. Setting `lifetime` does not set this.

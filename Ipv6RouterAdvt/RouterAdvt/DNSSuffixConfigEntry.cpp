@@ -12,7 +12,7 @@ Fwk::TypeRecord const& DNSSuffixConfigEntry::typeRecord() {
       constant<&DNSSuffixConfigEntry::lifetimeDefault>("lifetimeDefault"),
       scalar<&DNSSuffixConfigEntry::lifetimeConfigured, &DNSSuffixConfigEntry::lifetimeConfiguredIs>(
           "lifetimeConfigured"),
-      computedWithArgument<U32>("validLifetime"));
+      computedWithArgument<&DNSSuffixConfigEntry::validLifetime>("validLifetime"));
   static constexpr TypeRecord record = entityRecord<DNSSuffixConfigEntry, String>(attrs, live);
   return record;
 }

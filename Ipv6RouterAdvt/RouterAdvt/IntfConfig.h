@@ -5,18 +5,19 @@
 #include <Ipv6RouterAdvt/RouterAdvt/DNSSuffixConfigEntry.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PrefixConfigEntry.h>
+#include <RouterPlatform/Fwk/Collections.h>
 
 namespace RouterAdvt {
 
 /// What to advertise on one interface: the router variables of RFC 4861 6.2.1 and the options of RFC 8106.
 /// Key: `intfId`. Parent: `Config`. Setters store any value and touch nothing else; an unchanged one notifies nobody, a
-/// changed one notifies with the attribute; bounds are the business of the `valid...` operations. Used by one thread at
-/// a time.
+/// changed one notifies with the attribute. The `valid...` operations apply the bounds. Used by one thread at a time.
 ///
 /// Collections: `x(key)` gives the member or null. `xIs(key)` gives the member, made with every default if it is not
 /// there, and then notified with its key. `xDel(key)` takes the member out, notifies with the key and returns it; null,
 /// and nobody notified, when it is not there. `xDelAll()` does so for every member. A setter or a mutator that makes a
-/// member may throw std::bad_alloc, having changed nothing.
+/// member may throw std::bad_alloc, having changed nothing. A text that is too long for an `IntfId` throws
+/// std::length_error where it becomes one.
 class ROUTER_ADVT_EXPORT IntfConfig final : public Fwk::Entity {
  public:
   enum Attr : AttrId {
@@ -85,6 +86,8 @@ class ROUTER_ADVT_EXPORT IntfConfig final : public Fwk::Entity {
   /// Longest time between unsolicited advertisements, milliseconds. RFC 4861 6.2.1 MaxRtrAdvInterval.
   U32 raIntervalMaxMsec() const { return raIntervalMaxMsec_; }
   void raIntervalMaxMsecIs(U32 v) { attrIs(raIntervalMaxMsec_, v, raIntervalMaxMsecAttr); }
+  /// 200 seconds, within the bounds of RFC 4861 6.2.1, whose own default is 600 seconds: a host that missed an
+  /// advertisement waits no longer than 200 seconds for the next one.
   static constexpr U32 raIntervalMaxDefault() { return 200000; }
 
   /// Shortest time between unsolicited advertisements, milliseconds; not compared with the longest. RFC 4861 6.2.1
@@ -96,6 +99,7 @@ class ROUTER_ADVT_EXPORT IntfConfig final : public Fwk::Entity {
   /// Router Lifetime, seconds; 0: not a default router. The low 16 bits are sent. RFC 4861 6.2.1 AdvDefaultLifetime.
   U32 raLifetime() const { return raLifetime_; }
   void raLifetimeIs(U32 v) { attrIs(raLifetime_, v, raLifetimeAttr); }
+  /// Three times the 600 seconds that RFC 4861 6.2.1 gives MaxRtrAdvInterval.
   static constexpr U32 raLifetimeDefault() { return 1800; }
 
   /// Whether the MTU option is left out. RFC 4861 4.6.4.
@@ -113,8 +117,8 @@ class ROUTER_ADVT_EXPORT IntfConfig final : public Fwk::Entity {
   void otherConfigFlagIs(bool v) { attrIs(otherConfigFlag_, v, otherConfigFlagAttr); }
   static constexpr bool otherConfigFlagDefault() { return false; }
 
-  /// Default router preference. RFC 4191 2.2. Any value is stored; `reserved_` never should be: building with it stops
-  /// the process.
+  /// Default router preference. RFC 4191 2.2. Any value is stored. Building with `reserved_` stops the process. A value
+  /// outside the enumeration prints as its number, which reflection does not read back.
   Icmp6RouterAdvtRouterPreferenceType routerPreference() const { return routerPreference_; }
   void routerPreferenceIs(Icmp6RouterAdvtRouterPreferenceType v) { attrIs(routerPreference_, v, routerPreferenceAttr); }
   static constexpr Icmp6RouterAdvtRouterPreferenceType routerPreferenceDefault() {
@@ -138,8 +142,7 @@ class ROUTER_ADVT_EXPORT IntfConfig final : public Fwk::Entity {
   /// How many prefixes have their own `noAdvertise` clear; `suppressed`, unless null, receives how many have it set.
   U32 numPrefixesToAdvertise(U32* suppressed = nullptr) const;
 
-  /// Time between neighbour solicitations, milliseconds. Kept for the agent; the Retrans Timer field is not made from
-  /// it.
+  /// Time between neighbour solicitations, milliseconds. For the agent; the Retrans Timer field is not made from it.
   U32 nsIntervalMsec() const { return nsIntervalMsec_; }
   void nsIntervalMsecIs(U32 v) { attrIs(nsIntervalMsec_, v, nsIntervalMsecAttr); }
   static constexpr U32 nsIntervalMsecDefault() { return 0; }
@@ -210,6 +213,7 @@ class ROUTER_ADVT_EXPORT IntfConfig final : public Fwk::Entity {
   U32 hopLimit() const { return hopLimit_; }
   void hopLimitIs(U32 v) { attrIs(hopLimit_, v, hopLimitAttr); }
   static constexpr U32 hopLimitDefault() { return 64; }
+  /// Cur Hop Limit has 8 bits. RFC 4861 4.2.
   static constexpr U32 hopLimitMax() { return 255; }
 
   /// The hop limit to advertise: `hopLimit`, at most `hopLimitMax`; 0 (unspecified) is one.
@@ -222,8 +226,8 @@ class ROUTER_ADVT_EXPORT IntfConfig final : public Fwk::Entity {
  private:
   ~IntfConfig() override = default;
 
-  /// One and a half times the longest advertisement interval, in whole seconds. RFC 8106 5.1: SHOULD be at least
-  /// MaxRtrAdvInterval.
+  /// One and a half times the longest advertisement interval, in whole seconds. RFC 8106 5.1 recommends at least three
+  /// times; an agent that wants those configures the lifetimes.
   U32 dnsLifetimeFromInterval() const {
     U32 const seconds = raIntervalMaxMsec_ / 1000;
     return seconds + seconds / 2;

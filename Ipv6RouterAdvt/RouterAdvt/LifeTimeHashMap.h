@@ -1,7 +1,8 @@
 #pragma once
 
 #include <Ipv6RouterAdvt/Export.h>
-#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
+#include <Ipv6RouterAdvt/RouterAdvt/ValueTypes.h>
+#include <RouterPlatform/Base/OrderedMap.h>
 
 namespace RouterAdvt {
 

@@ -3,12 +3,7 @@
 #include <RouterPlatform/Base/BaseTypes.h>
 #include <RouterPlatform/Base/Name.h>
 #include <RouterPlatform/Base/Ptr.h>
-#include <RouterPlatform/Forms/TextForm.h>
-#include <RouterPlatform/Fwk/Collections.h>
-#include <RouterPlatform/Fwk/Entity.h>
-#include <RouterPlatform/Fwk/TypeRecord.h>
-#include <RouterPlatform/Ip6/IntfStatus.h>
-#include <RouterPlatform/Ip6/VirtualRouterStatusV6.h>
+#include <RouterPlatform/Fwk/AttrId.h>
 #include <RouterPlatform/Net/EthAddr.h>
 #include <RouterPlatform/Net/Icmp6RouterAdvtRouterPreferenceType.h>
 #include <RouterPlatform/Net/IntfId.h>
@@ -18,6 +13,13 @@
 
 #include <iosfwd>
 
+namespace Fwk {
+struct TypeRecord;
+}  // namespace Fwk
+namespace Ip6 {
+class IntfStatus;
+class VirtualRouterStatusV6;
+}  // namespace Ip6
 namespace Net {
 class Pkt;
 }  // namespace Net
@@ -30,7 +32,6 @@ using Fwk::Name;
 using Fwk::Ptr;
 using Fwk::S32;
 using Fwk::Seconds;
-using Fwk::strepToValue;
 using Fwk::String;
 using Fwk::U16;
 using Fwk::U32;

@@ -1,23 +1,14 @@
 #include <Ipv6RouterAdvt/RouterAdvt/Config.h>
 #include <Ipv6RouterAdvt/RouterAdvt/IntfConfig.h>
+#include <Ipv6RouterAdvt/RouterAdvt/ModelAssert.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PrefixConfigEntry.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PrefixProfileEntry.h>
 #include <RouterPlatform/Fwk/Attributes.h>
-#include <RouterPlatform/Trace/Assert.h>
 
 namespace RouterAdvt {
 
-namespace {
-
-/// The place that an operation's assertion names: fixed, so that reports stay comparable between releases.
-constexpr Trace::Location operationAt(int line, char const* signature) {
-  return {"Ipv6RouterAdvt/RouterAdvt", line, signature};
-}
-
-}  // namespace
-
 /// The profile that applies, or null; `operation` is what the assertion names.
-Ptr<PrefixProfileEntry const> PrefixConfigEntry::appliedProfile(Trace::Location operation) const {
+Ptr<PrefixProfileEntry const> PrefixConfigEntry::appliedProfile(Trace::Location const& operation) const {
   Ptr<IntfConfig const> const intfConfig = Fwk::ptrCast<IntfConfig const>(parent());
   ASSERT_AT(intfConfig, operation);
   Ptr<Config const> const config = Fwk::ptrCast<Config const>(intfConfig->parent());
@@ -26,32 +17,37 @@ Ptr<PrefixProfileEntry const> PrefixConfigEntry::appliedProfile(Trace::Location 
 }
 
 bool PrefixConfigEntry::useProfile() const {
-  return static_cast<bool>(appliedProfile(operationAt(10, "bool RouterAdvt::PrefixConfigEntry::useProfile() const")));
+  return static_cast<bool>(
+      appliedProfile(operationAt(ModelLine::useProfile, "bool RouterAdvt::PrefixConfigEntry::useProfile() const")));
 }
 
 bool PrefixConfigEntry::noAdvertiseValue() const {
-  auto const applied = appliedProfile(operationAt(21, "bool RouterAdvt::PrefixConfigEntry::noAdvertiseValue() const"));
+  auto const applied = appliedProfile(
+      operationAt(ModelLine::noAdvertiseValue, "bool RouterAdvt::PrefixConfigEntry::noAdvertiseValue() const"));
   return applied ? applied->noAdvertise() : noAdvertise();
 }
 
 U32 PrefixConfigEntry::validLifetimeValue() const {
-  auto const applied = appliedProfile(operationAt(35, "U32 RouterAdvt::PrefixConfigEntry::validLifetimeValue() const"));
+  auto const applied = appliedProfile(
+      operationAt(ModelLine::validLifetimeValue, "U32 RouterAdvt::PrefixConfigEntry::validLifetimeValue() const"));
   return applied ? applied->validLifetime() : validLifetime();
 }
 
 U32 PrefixConfigEntry::preferredLifetimeValue() const {
-  auto const applied =
-      appliedProfile(operationAt(49, "U32 RouterAdvt::PrefixConfigEntry::preferredLifetimeValue() const"));
+  auto const applied = appliedProfile(operationAt(ModelLine::preferredLifetimeValue,
+                                                  "U32 RouterAdvt::PrefixConfigEntry::preferredLifetimeValue() const"));
   return applied ? applied->preferredLifetime() : preferredLifetime();
 }
 
 bool PrefixConfigEntry::noOnLinkValue() const {
-  auto const applied = appliedProfile(operationAt(63, "bool RouterAdvt::PrefixConfigEntry::noOnLinkValue() const"));
+  auto const applied = appliedProfile(
+      operationAt(ModelLine::noOnLinkValue, "bool RouterAdvt::PrefixConfigEntry::noOnLinkValue() const"));
   return applied ? applied->noOnLink() : noOnLink();
 }
 
 bool PrefixConfigEntry::noAutoConfigValue() const {
-  auto const applied = appliedProfile(operationAt(77, "bool RouterAdvt::PrefixConfigEntry::noAutoConfigValue() const"));
+  auto const applied = appliedProfile(
+      operationAt(ModelLine::noAutoConfigValue, "bool RouterAdvt::PrefixConfigEntry::noAutoConfigValue() const"));
   return applied ? applied->noAutoConfig() : noAutoConfig();
 }
 

@@ -2,7 +2,12 @@
 
 #include <Ipv6RouterAdvt/Export.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
-#include <RouterPlatform/Trace/Trace.h>
+#include <Ipv6RouterAdvt/RouterAdvt/PrefixDefault.h>
+#include <RouterPlatform/Fwk/Entity.h>
+
+namespace Trace {
+struct Location;
+}  // namespace Trace
 
 namespace RouterAdvt {
 
@@ -84,15 +89,15 @@ class ROUTER_ADVT_EXPORT PrefixConfigEntry final : public Fwk::Entity {
 
  private:
   ~PrefixConfigEntry() override = default;
-  Ptr<PrefixProfileEntry const> appliedProfile(Trace::Location operation) const;
+  Ptr<PrefixProfileEntry const> appliedProfile(Trace::Location const& operation) const;
 
-  U32 validLifetime_ = 2592000;
-  U32 preferredLifetime_ = 604800;
+  U32 validLifetime_ = PrefixDefault::validLifetime();
+  U32 preferredLifetime_ = PrefixDefault::preferredLifetime();
   String profile_;
   Ip6AddrWithMask prefix_;
-  bool noAdvertise_ = false;
-  bool noOnLink_ = false;
-  bool noAutoConfig_ = false;
+  bool noAdvertise_ = PrefixDefault::noAdvertise();
+  bool noOnLink_ = PrefixDefault::noOnLink();
+  bool noAutoConfig_ = PrefixDefault::noAutoConfig();
 };
 
 }  // namespace RouterAdvt

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <Ipv6RouterAdvt/Export.h>
-#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
+#include <Ipv6RouterAdvt/RouterAdvt/ValueTypes.h>
 
 namespace RouterAdvt {
 
@@ -22,8 +22,10 @@ class ROUTER_ADVT_EXPORT PrefixDefault {
   PrefixDefault(String::IteratorConst& pos, String::IteratorConst const& end);
 
   static constexpr bool noAdvertise() { return false; }
-  static constexpr U32 validLifetime() { return 2592000; }     ///< seconds: 30 days
-  static constexpr U32 preferredLifetime() { return 604800; }  ///< seconds: 7 days
+  /// Seconds: 30 days. RFC 4861 6.2.1 AdvValidLifetime.
+  static constexpr U32 validLifetime() { return 2592000; }
+  /// Seconds: 7 days. RFC 4861 6.2.1 AdvPreferredLifetime.
+  static constexpr U32 preferredLifetime() { return 604800; }
   static constexpr bool noOnLink() { return false; }
   static constexpr bool noAutoConfig() { return false; }
 

@@ -2,6 +2,8 @@
 
 #include <Ipv6RouterAdvt/Export.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
+#include <Ipv6RouterAdvt/RouterAdvt/PrefixDefault.h>
+#include <RouterPlatform/Fwk/Entity.h>
 
 namespace RouterAdvt {
 
@@ -52,11 +54,11 @@ class ROUTER_ADVT_EXPORT PrefixProfileEntry final : public Fwk::Entity {
   ~PrefixProfileEntry() override = default;
 
   Name name_;
-  U32 validLifetime_ = 2592000;
-  U32 preferredLifetime_ = 604800;
-  bool noAdvertise_ = false;
-  bool noOnLink_ = false;
-  bool noAutoConfig_ = false;
+  U32 validLifetime_ = PrefixDefault::validLifetime();
+  U32 preferredLifetime_ = PrefixDefault::preferredLifetime();
+  bool noAdvertise_ = PrefixDefault::noAdvertise();
+  bool noOnLink_ = PrefixDefault::noOnLink();
+  bool noAutoConfig_ = PrefixDefault::noAutoConfig();
 };
 
 }  // namespace RouterAdvt

@@ -1,13 +1,14 @@
 #pragma once
 
 #include <Ipv6RouterAdvt/Export.h>
-#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
 #include <Ipv6RouterAdvt/RouterAdvt/RaPacketPrefixInfo.h>
+#include <Ipv6RouterAdvt/RouterAdvt/ValueTypes.h>
+#include <RouterPlatform/Base/OrderedMap.h>
 
 namespace RouterAdvt {
 
-/// One received Router Advertisement, as received. RFC 4861 4.2. A plain value: its setters notify nobody.
-/// `!packet` says that it is empty, which is what a rejected advertisement becomes.
+/// One received Router Advertisement. RFC 4861 4.2. A plain value: its setters notify nobody. A rejected advertisement
+/// becomes the empty packet, for which `!packet` is true. Assigning may throw std::bad_alloc and then leaves a mixture.
 class ROUTER_ADVT_EXPORT RaPacket {
  public:
   enum Attr : AttrId {
@@ -25,7 +26,7 @@ class ROUTER_ADVT_EXPORT RaPacket {
     isDeathPacketAttr,
   };
 
-  // Few routers advertise more prefixes than these on one link; they need no allocation.
+  // Few routers advertise more than 4 prefixes on one link; those need no allocation.
   using PrefixInfo = Fwk::OrderedMap<Ip6AddrWithMask, RaPacketPrefixInfo, 4>;
 
   /// The empty packet: that of the empty interface id.
@@ -88,7 +89,8 @@ class ROUTER_ADVT_EXPORT RaPacket {
   void prefixInfoDel(Ip6AddrWithMask const& key) { prefixInfo_.remove(key); }
   void prefixInfoDelAll() { prefixInfo_.clear(); }
 
-  /// Whether the router withdraws itself as a default router: `routerLifeTime` is 0. RFC 4861 6.2.5.
+  /// Whether the router withdraws itself as a default router: `routerLifeTime` is 0. RFC 4861 6.2.5. Also true for the
+  /// empty packet: ask `!packet` first.
   bool isDeathPacket() const { return routerLifeTime_ == 0; }
 
   /// Every stored attribute, prefixes in the same order included.

@@ -41,7 +41,7 @@ using ModelTypes =
              RaPacketPrefixInfo, ProcFileDirDataSet, Config, IntfStatus, RouterNeighbors>;
 
 /// What a tool reads from the library file without loading it. One array, kept by compiler and linker as it is.
-[[gnu::used, gnu::retain, gnu::section(".fwk.typenames")]] constexpr auto typeNames = ModelTypes::reversedNames();
+[[gnu::used, gnu::retain, gnu::section(FWK_TYPE_NAMES_SECTION)]] constexpr auto typeNames = ModelTypes::reversedNames();
 
 /// Enters the types into the registry when the library is loaded.
 struct Registration {

@@ -1,13 +1,17 @@
 #pragma once
 
 #include <Ipv6RouterAdvt/Export.h>
-#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
 #include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaKey.h>
+#include <Ipv6RouterAdvt/RouterAdvt/ValueTypes.h>
 #include <RouterPlatform/SharedTable/RowType.h>
 
 #include <array>
 
 namespace RouterAdvt {
+
+/// Where the table of neighbouring routers is, below the table directory, and the name of its collection.
+inline constexpr char const* routerNeighborRaTablePath = "routing6/routerAdvt/routerNeighborRaStatus";
+inline constexpr char const* routerNeighborRaCollection = "routerNeighborRa";
 
 /// When a neighbouring router was last heard: a row of the table of neighbouring routers, which carries its own key. A
 /// plain value, flat, the same octets in every process.

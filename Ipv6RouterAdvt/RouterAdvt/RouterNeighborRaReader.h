@@ -7,10 +7,6 @@
 
 namespace RouterAdvt {
 
-/// Where the table of neighbouring routers is, below the table directory, and the name of its collection.
-inline constexpr char const* routerNeighborRaTablePath = "routing6/routerAdvt/routerNeighborRaStatus";
-inline constexpr char const* routerNeighborRaCollection = "routerNeighborRa";
-
 /// Reads the table of neighbouring routers from any process. This header and the platform library are all that a
 /// program needs.
 ///

@@ -195,16 +195,18 @@ struct RowOperations {
       if (!visit(ref(entry.value))) return;
   }
 
-  static constexpr Fwk::CollectionRecord record{RouterNeighborRaKey::fwkTypeName,
-                                                RouterNeighborRa::fwkTypeName,
-                                                Fwk::ValueKind::record,
-                                                &RouterNeighborRa::typeRecord,
-                                                &size,
-                                                &get,
-                                                &set,
-                                                &del,
-                                                &delAll,
-                                                &forEach};
+  static constexpr Fwk::CollectionRecord record{
+      .keyTypeName = RouterNeighborRaKey::fwkTypeName,
+      .memberTypeName = RouterNeighborRa::fwkTypeName,
+      .memberKind = Fwk::ValueKind::record,
+      .memberType = &RouterNeighborRa::typeRecord,
+      .size = &size,
+      .get = &get,
+      .set = &set,
+      .del = &del,
+      .delAll = &delAll,
+      .forEach = &forEach,
+  };
 };
 
 constexpr Fwk::AttributeRecord rowsAttribute() {
@@ -216,22 +218,14 @@ constexpr Fwk::AttributeRecord rowsAttribute() {
   return record;
 }
 
-/// A reference to another object: it has a type and no text.
-constexpr Fwk::AttributeRecord controlAttribute() {
-  Fwk::AttributeRecord record;
-  record.name = "routerNeighborRaControl";
-  record.kind = Fwk::AttributeKind::scalar;
-  record.typeName = SharedTable::CollectionControl::fwkTypeName;
-  return record;
-}
-
 }  // namespace
 
 Fwk::TypeRecord const& RouterNeighborRaStatus::typeRecord() {
   using namespace Fwk;
   static constinit LiveCount live;
   static constexpr auto attrs = attributes<RouterNeighborRaStatus>(
-      rowsAttribute(), controlAttribute(), constant<&RouterNeighborRaStatus::tablePath>("tablePath"));
+      rowsAttribute(), reference<&RouterNeighborRaStatus::routerNeighborRaControl>("routerNeighborRaControl"),
+      constant<&RouterNeighborRaStatus::tablePath>("tablePath"));
   static constexpr TypeRecord record = entityRecord<RouterNeighborRaStatus, Name>(attrs, live);
   return record;
 }

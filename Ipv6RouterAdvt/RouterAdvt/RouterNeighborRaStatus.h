@@ -3,7 +3,7 @@
 #include <Ipv6RouterAdvt/Export.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
 #include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRa.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaReader.h>
+#include <RouterPlatform/Fwk/Entity.h>
 #include <RouterPlatform/SharedTable/CollectionControl.h>
 #include <RouterPlatform/SharedTable/Writer.h>
 #include <RouterPlatform/Stats/Counter.h>

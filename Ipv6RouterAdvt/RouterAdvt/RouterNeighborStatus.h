@@ -4,6 +4,7 @@
 #include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
 #include <Ipv6RouterAdvt/RouterAdvt/RouterNeighbor.h>
 #include <Ipv6RouterAdvt/RouterAdvt/RouterNeighbors.h>
+#include <RouterPlatform/Fwk/Collections.h>
 
 namespace RouterAdvt {
 

@@ -2,6 +2,7 @@
 
 #include <Ipv6RouterAdvt/Export.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
+#include <RouterPlatform/Fwk/Collections.h>
 
 namespace RouterAdvt {
 

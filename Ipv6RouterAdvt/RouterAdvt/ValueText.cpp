@@ -1,11 +1,12 @@
 #include <Ipv6RouterAdvt/RouterAdvt/LifeTimeHashMap.h>
+#include <Ipv6RouterAdvt/RouterAdvt/ModelAssert.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PrefixDefault.h>
 #include <Ipv6RouterAdvt/RouterAdvt/RaPacket.h>
 #include <Ipv6RouterAdvt/RouterAdvt/RaPacketPrefixInfo.h>
 #include <Ipv6RouterAdvt/RouterAdvt/RouterNeighbor.h>
 #include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRa.h>
 #include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaKey.h>
-#include <RouterPlatform/Trace/Assert.h>
+#include <RouterPlatform/Forms/TextForm.h>
 
 #include <ostream>
 
@@ -14,7 +15,11 @@ namespace RouterAdvt {
 
 namespace {
 
-constexpr char const* modelSource = "Ipv6RouterAdvt/RouterAdvt";
+/// Writes exactly the text: a width that was set on the stream pads nothing and is used up.
+std::ostream& write(std::ostream& out, String const& text) {
+  out.width(0);
+  return out << text;
+}
 
 }  // namespace
 
@@ -26,23 +31,30 @@ String valueToStrep(RouterNeighbor const& value) { return Fwk::recordToStrep(val
 String valueToStrep(RouterNeighborRaKey const& value) { return Fwk::recordToStrep(value); }
 String valueToStrep(RouterNeighborRa const& value) { return Fwk::recordToStrep(value); }
 
-std::ostream& operator<<(std::ostream& out, PrefixDefault const& value) { return out << valueToStrep(value); }
-std::ostream& operator<<(std::ostream& out, LifeTimeHashMap const& value) { return out << valueToStrep(value); }
-std::ostream& operator<<(std::ostream& out, RaPacket const& value) { return out << valueToStrep(value); }
-std::ostream& operator<<(std::ostream& out, RaPacketPrefixInfo const& value) { return out << valueToStrep(value); }
-std::ostream& operator<<(std::ostream& out, RouterNeighbor const& value) { return out << valueToStrep(value); }
-std::ostream& operator<<(std::ostream& out, RouterNeighborRaKey const& value) { return out << valueToStrep(value); }
-std::ostream& operator<<(std::ostream& out, RouterNeighborRa const& value) { return out << valueToStrep(value); }
+std::ostream& operator<<(std::ostream& out, PrefixDefault const& value) { return write(out, valueToStrep(value)); }
+std::ostream& operator<<(std::ostream& out, LifeTimeHashMap const& value) { return write(out, valueToStrep(value)); }
+std::ostream& operator<<(std::ostream& out, RaPacket const& value) { return write(out, valueToStrep(value)); }
+std::ostream& operator<<(std::ostream& out, RaPacketPrefixInfo const& value) { return write(out, valueToStrep(value)); }
+std::ostream& operator<<(std::ostream& out, RouterNeighbor const& value) { return write(out, valueToStrep(value)); }
+std::ostream& operator<<(std::ostream& out, RouterNeighborRaKey const& value) {
+  return write(out, valueToStrep(value));
+}
+std::ostream& operator<<(std::ostream& out, RouterNeighborRa const& value) { return write(out, valueToStrep(value)); }
 
 PrefixDefault::PrefixDefault(String::IteratorConst&, String::IteratorConst const&) {}
 
 LifeTimeHashMap::LifeTimeHashMap(String::IteratorConst&, String::IteratorConst const&) {
-  ASSERT_AT_TEXT(false, Trace::Location::here(modelSource),
+  ASSERT_AT_TEXT(false,
+                 operationAt(ModelLine::lifeTimeHashMapFromText,
+                             "RouterAdvt::LifeTimeHashMap::LifeTimeHashMap(String::IteratorConst&, "
+                             "String::IteratorConst const&)"),
                  R"(!"No String constructor for LifeTimeHashMap - has collection")");
 }
 
 RaPacket::RaPacket(String::IteratorConst&, String::IteratorConst const&) {
-  ASSERT_AT_TEXT(false, Trace::Location::here(modelSource),
+  ASSERT_AT_TEXT(false,
+                 operationAt(ModelLine::raPacketFromText,
+                             "RouterAdvt::RaPacket::RaPacket(String::IteratorConst&, String::IteratorConst const&)"),
                  R"(!"No String constructor for RaPacket - has collection")");
 }
 

@@ -2,6 +2,8 @@
 #include <Ipv6RouterAdvt/RouterAdvtUtils/AdvertisedPrefixes.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils/OptionWriter.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils/PrefixInfoOption.h>
+#include <RouterPlatform/Ip6/IntfStatus.h>
+#include <RouterPlatform/Ip6/VirtualRouterStatusV6.h>
 #include <RouterPlatform/Nd/Icmp6HdrOptions.h>
 #include <RouterPlatform/Trace/Assert.h>
 

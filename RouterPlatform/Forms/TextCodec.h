@@ -4,6 +4,7 @@
 #include <RouterPlatform/Base/Text.h>
 #include <RouterPlatform/Export.h>
 #include <RouterPlatform/Forms/Concepts.h>
+#include <RouterPlatform/Forms/ValueKind.h>
 
 #include <charconv>
 #include <concepts>
@@ -16,9 +17,6 @@ using Trace::appendText;
 
 /// Result of reading a value from a text.
 enum class TextStatus : U8 { ok, malformed, outOfRange };
-
-/// How to show a value of a type: programs choose between `true`, `7` and `"text"` by it.
-enum class ValueKind : U8 { none, boolean, integer, floating, text, record };
 
 /// The plain text form of a type, as in files and on command lines: `2001:db8::/64`, `true`, `high`.
 ///

@@ -3,13 +3,13 @@
 #include <RouterPlatform/Base/BaseTypes.h>
 #include <RouterPlatform/Export.h>
 #include <RouterPlatform/Forms/Concepts.h>
+#include <RouterPlatform/Forms/ParseError.h>
+#include <RouterPlatform/Forms/StoredAttribute.h>
 
-#include <algorithm>
 #include <concepts>
 #include <cstddef>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 #include <string_view>
 #include <tuple>
 #include <type_traits>
@@ -23,23 +23,6 @@
 ///
 /// Readers accept exactly what printing gives, and throw `ParseError` for anything else.
 namespace Fwk {
-
-/// A text form that cannot be read: the attribute, the offset in the text, and the text expected there.
-class ROUTER_PLATFORM_EXPORT ParseError : public std::runtime_error {
- public:
-  ParseError(String attribute, std::size_t offset, String expected);
-
-  /// Name of the attribute; empty for the text around the attributes.
-  String const& attribute() const noexcept { return attribute_; }
-  /// Octets from the start of the text.
-  std::size_t offset() const noexcept { return offset_; }
-  String const& expected() const noexcept { return expected_; }
-
- private:
-  String attribute_;
-  std::size_t offset_;
-  String expected_;
-};
 
 /// Only for bool: without this constraint a string literal would convert to bool.
 template <std::same_as<bool> T>
@@ -65,22 +48,6 @@ template <UnsignedNumber T>
 String valueToStrep(T value) {
   return valueToStrep(U64{value});
 }
-
-/// An attribute that a value type stores. Its text form and its octets in a stream are made from these.
-template <class Class, class Type>
-struct StoredAttribute {
-  char const* name;
-  Type Class::*member;
-};
-template <class Class, class Type>
-StoredAttribute(char const*, Type Class::*) -> StoredAttribute<Class, Type>;
-
-/// A value type that lists what it stores: `static constexpr auto storedAttributes()` gives a tuple of
-/// `StoredAttribute`, in declaration order; `fwkTypeName` is its qualified name.
-template <class T>
-concept StoredRecord = requires {
-  T::storedAttributes();
-};
 
 /// A value type that can be read from its text form: none of its stored attributes is a collection.
 template <class T>
@@ -189,16 +156,6 @@ void recordFromStrep(String::IteratorConst& pos, String::IteratorConst const& en
   };
   std::apply([&](auto const&... attributes) { (read(attributes), ...); }, T::storedAttributes());
   reader.literal("})");
-}
-
-/// Reads a value from the whole of `text`. Throws `ParseError`, also when octets are left over. The pointer only
-/// selects the type.
-template <class T>
-T strepToValue(String const& text, T*) {
-  String::IteratorConst pos = text.begin();
-  T value(pos, text.end());
-  if (pos != text.end()) throw ParseError("", static_cast<std::size_t>(pos - text.begin()), "the end of the text");
-  return value;
 }
 
 }  // namespace Fwk

@@ -9,7 +9,7 @@
 
 #include <string_view>
 
-/// What reflection does with a collection or an owned child, for the type record: one specialisation a kind.
+/// Reflection operations per kind of collection, and of an owned child.
 namespace Fwk::detail {
 
 /// Operations of one kind of collection member `member` of `Holder`; specialised by the collection's type.
@@ -58,20 +58,22 @@ struct CollectionOperations<EntityCollection<K, T>, member> {
       if (!visit(ref(entity))) return;
   }
 
-  static constexpr CollectionRecord record{TextCodec<K>::typeName,
-                                           T::fwkTypeName,
-                                           ValueKind::record,
-                                           &T::typeRecord,
-                                           &sizeOf<member>,
-                                           &get,
-                                           &makeMember<member, K>,
-                                           &deleteMember<member, K>,
-                                           &deleteAll<member>,
-                                           &forEach,
-                                           collectionStream<K, K, member>()};
+  static constexpr CollectionRecord record{
+      .keyTypeName = TextCodec<K>::typeName,
+      .memberTypeName = T::fwkTypeName,
+      .memberKind = ValueKind::record,
+      .memberType = &T::typeRecord,
+      .size = &sizeOf<member>,
+      .get = &get,
+      .set = &makeMember<member, K>,
+      .del = &deleteMember<member, K>,
+      .delAll = &deleteAll<member>,
+      .forEach = &forEach,
+      .stream = collectionStream<K, K, member>(),
+  };
 };
 
-/// Shared by collections of values: what a member shows, and reading.
+/// Reading, for every collection of values.
 template <class K, class V, auto member>
 struct ValueOperations {
   static MemberRef ref(K const& key, V const& value) {
@@ -153,17 +155,19 @@ struct CollectionOperations<ValueSet<K>, member> {
     for (K const key : collectionOf<member>(object))
       if (!visit(ref(key))) return;
   }
-  static constexpr CollectionRecord record{TextCodec<K>::typeName,
-                                           "",
-                                           ValueKind::none,
-                                           nullptr,
-                                           &sizeOf<member>,
-                                           &get,
-                                           &makeMember<member, K>,
-                                           &deleteMember<member, K>,
-                                           &deleteAll<member>,
-                                           &forEach,
-                                           collectionStream<K, K, member>()};
+  static constexpr CollectionRecord record{
+      .keyTypeName = TextCodec<K>::typeName,
+      .memberTypeName = "",
+      .memberKind = ValueKind::none,
+      .memberType = nullptr,
+      .size = &sizeOf<member>,
+      .get = &get,
+      .set = &makeMember<member, K>,
+      .del = &deleteMember<member, K>,
+      .delAll = &deleteAll<member>,
+      .forEach = &forEach,
+      .stream = collectionStream<K, K, member>(),
+  };
 };
 
 template <auto member>
@@ -174,7 +178,13 @@ struct ChildOperations {
     return Name::fits(childName) ? Ptr<Entity>(collectionOf<member>(object).childIs(Name(childName))) : nullptr;
   }
   static Ptr<Entity> del(void* object) { return collectionOf<member>(object).childDel(); }
-  static constexpr ChildRecord record{Child::fwkTypeName, &get, &set, &del, &Child::typeRecord};
+  static constexpr ChildRecord record{
+      .typeName = Child::fwkTypeName,
+      .get = &get,
+      .set = &set,
+      .del = &del,
+      .type = &Child::typeRecord,
+  };
 };
 
 }  // namespace Fwk::detail

@@ -7,7 +7,7 @@
 
 #include <memory>
 
-/// What a change stream does with a collection, for its type record.
+/// Change stream operations of a collection.
 namespace Fwk::detail {
 
 /// A walk over a collection of one of the three kinds.
@@ -113,8 +113,18 @@ struct StreamOperations {
     return std::make_unique<CollectionWalk<Collection>>(collectionOf<member>(object));
   }
 
-  static constexpr CollectionStream record{ofEntities, &putKey,       &isLast, &contains, &entity,
-                                           &putValue,  &putMemberKey, &set,    &del,      &walk};
+  static constexpr CollectionStream record{
+      .ofEntities = ofEntities,
+      .putKey = &putKey,
+      .isLast = &isLast,
+      .contains = &contains,
+      .entity = &entity,
+      .putValue = &putValue,
+      .putMemberKey = &putMemberKey,
+      .set = &set,
+      .del = &del,
+      .walk = &walk,
+  };
 };
 
 /// Null when a key or a value has no octets.

@@ -11,9 +11,10 @@
 #include <RouterPlatform/Fwk/TypeRecord.h>
 
 #include <array>
+#include <memory>
 #include <type_traits>
 
-/// What a type record is written with: one line an attribute, in order.
+/// The pieces of a type record: one line per attribute, in order.
 ///
 ///     static constexpr auto attrs = Fwk::attributes<IntfConfig>(
 ///         key<&IntfConfig::intfId>("intfId"),
@@ -113,14 +114,39 @@ constexpr AttributeRecord computed(char const* name) {
   return detail::readableByMember<getter>(name, AttributeKind::computed);
 }
 
-/// A computed attribute of type `Value` that takes an argument: it is listed, and cannot be read by reflection.
-template <class Value>
+/// A function of stored attributes and of one argument.
+template <auto getter>
 constexpr AttributeRecord computedWithArgument(char const* name) {
+  using Getter = detail::MemberPointer<decltype(getter)>;
+  using Value = std::remove_cvref_t<typename Getter::Type>;
+  using Argument = std::remove_cvref_t<typename Getter::Argument>;
   AttributeRecord record;
   record.name = name;
   record.kind = AttributeKind::computed;
   record.typeName = TextCodec<Value>::typeName;
   record.valueKind = TextCodec<Value>::kind;
+  record.argumentTypeName = TextCodec<Argument>::typeName;
+  record.appendFor = [](void const* object, std::string_view text, std::string& out) {
+    Argument argument{};
+    ReflectionResult result = detail::parseText(text, argument);
+    if (result) TextCodec<Value>::append(out, (detail::objectAs<typename Getter::Class>(object).*getter)(argument));
+    return result;
+  };
+  return record;
+}
+
+/// A stored reference to an entity that the attribute does not own.
+template <auto getter>
+constexpr AttributeRecord reference(char const* name) {
+  using Getter = detail::MemberPointer<decltype(getter)>;
+  using Referred = typename std::remove_cvref_t<typename Getter::Type>::element_type;
+  AttributeRecord record;
+  record.name = name;
+  record.kind = AttributeKind::scalar;
+  record.typeName = Referred::fwkTypeName;
+  record.refer = [](void const* object) -> Ptr<Entity> {
+    return (detail::objectAs<typename Getter::Class>(object).*getter)();
+  };
   return record;
 }
 
@@ -190,15 +216,15 @@ struct ValueTypeOperations {
   static constexpr bool isKey = requires(T const& value) { value.hash(U64{}); };
 
   static constexpr ValueTypeRecord record{
-      sizeof(T),
-      alignof(T),
-      [](void* room) { std::construct_at(static_cast<T*>(room)); },
-      [](void* value) { std::destroy_at(static_cast<T*>(value)); },
-      [](void* value, void const* from) { *static_cast<T*>(value) = as(from); },
-      [](void const* a, void const* b) { return as(a) == as(b); },
-      isKey ? &hash : nullptr,
-      [](void const* value) { return valueToStrep(as(value)); },
-      [](String const& text, void* value) { *static_cast<T*>(value) = strepToValue<T>(text, nullptr); },
+      .size = sizeof(T),
+      .alignment = alignof(T),
+      .construct = [](void* room) { std::construct_at(static_cast<T*>(room)); },
+      .destruct = [](void* value) { std::destroy_at(static_cast<T*>(value)); },
+      .assign = [](void* value, void const* from) { *static_cast<T*>(value) = as(from); },
+      .equal = [](void const* a, void const* b) { return as(a) == as(b); },
+      .hash = isKey ? &hash : nullptr,
+      .text = [](void const* value) { return valueToStrep(as(value)); },
+      .parse = [](String const& text, void* value) { *static_cast<T*>(value) = strepToValue<T>(text, nullptr); },
   };
 };
 

@@ -2,7 +2,7 @@
 
 #include <RouterPlatform/Base/FunctionRef.h>
 #include <RouterPlatform/Base/Ptr.h>
-#include <RouterPlatform/Forms/TextCodec.h>
+#include <RouterPlatform/Forms/ValueKind.h>
 #include <RouterPlatform/Fwk/ReflectedObject.h>
 #include <RouterPlatform/Fwk/ReflectionResult.h>
 
@@ -15,8 +15,8 @@ class NotificationKey;
 class OctetSink;
 struct TypeRecord;
 
-/// A walk over a collection's members whose type need not be known. The collection may change in any way between two
-/// calls; it has to live. What is read is of the member that the walk stands at: call `atEnd` after any pause.
+/// A walk over a collection whose type the caller need not know. The collection may change in any way between two
+/// calls, and must live. The walk reads the member at which it stands: call `atEnd` after any pause.
 class StreamWalk {
  public:
   virtual ~StreamWalk() = default;
@@ -30,13 +30,13 @@ class StreamWalk {
   virtual Ptr<Entity> entity() const = 0;
 };
 
-/// The operations of a collection of an entity by octets instead of text: what a change stream uses. Octets that are no
-/// key are the key of no member.
+/// The operations of an entity's collection by octets instead of text, for change streams. A malformed key matches no
+/// member.
 struct CollectionStream {
   bool ofEntities;
-  /// The key that was notified. False: it is not of this collection.
+  /// Writes the notified key. False: its type is not that of this collection's keys.
   bool (*putKey)(NotificationKey const& key, OctetSink& out);
-  /// Whether the key that was notified is that of the member that came last.
+  /// Whether the notified key is that of the last member.
   bool (*isLast)(void const* object, NotificationKey const& key);
   bool (*contains)(void const* object, Octets key);
   /// The member; null in collections of values.
@@ -45,7 +45,7 @@ struct CollectionStream {
   bool (*putValue)(void const* object, Octets key, OctetSink& out);
   /// Key of an entity that is a member.
   void (*putMemberKey)(Entity const& member, OctetSink& out);
-  /// Makes the member if it is not there, or stores the value; an entity is given in `made`. False: `key` or `value` is
+  /// Makes the member if it is not there, or stores the value; `made` receives an entity. False: `key` or `value` is
   /// malformed, and nothing has changed.
   bool (*set)(void* object, Octets key, Octets value, Ptr<Entity>& made);
   /// Takes the member out if it is there. False: `key` is malformed.

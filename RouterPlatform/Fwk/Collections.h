@@ -39,7 +39,7 @@ class EntityCollection {
   EntityCollection& operator=(EntityCollection const&) = delete;
   ~EntityCollection() {
     for (typename Table::Walk walk(members_); !walk.atEnd(); walk.next())
-      Ptr<T>(walk.element())->parentIs(nullptr, attr_);
+      static_cast<Entity&>(*walk.element()).loseParent();
   }
 
   U32 size() const noexcept { return members_.size(); }
@@ -60,12 +60,12 @@ class EntityCollection {
   }
 
   /// The member of that key. Makes it if it is not there: all defaults, parent set, then notified with the key. Throws
-  /// what the member's constructor throws, and std::bad_alloc, having changed nothing.
+  /// the exceptions of the member's constructor, and std::bad_alloc, having changed nothing.
   Ptr<T> memberIs(K const& key) {
     if (Ptr<T> const* const found = members_.find(key)) return *found;
     Ptr<T> made = create<T>(key);
     members_.add(made);
-    made->parentIs(&owner_, attr_);
+    static_cast<Entity&>(*made).linkIs(&owner_, attr_);
     owner_.notify(attr_, NotificationKey::of(made->key(), MemberChange::added));
     return made;
   }
@@ -75,12 +75,13 @@ class EntityCollection {
   Ptr<T> memberDel(K const& key) {
     std::optional<Ptr<T>> const removed = members_.remove(key);
     if (!removed) return nullptr;
-    (*removed)->parentIs(nullptr, attr_);
+    static_cast<Entity&>(**removed).linkIs(nullptr, attr_);
     owner_.notify(attr_, NotificationKey::of((*removed)->key(), MemberChange::removed));
     return *removed;
   }
 
-  /// `memberDel` for every member that is there now: a notification each. What observers add meanwhile stays.
+  /// `memberDel` for every member that is there now: one notification per member. Members that observers add meanwhile
+  /// stay.
   void memberDelAll() {
     for (Entry const entry : *this) memberDel(entry.key);
   }
@@ -155,12 +156,14 @@ class ValueCollection {
   /// The key that came last, or null; valid until the collection changes.
   K const* lastKey() const noexcept { return values_.lastKey(); }
 
-  /// Stores and notifies with the key, unless an equal value stands there.
+  /// Stores and notifies with the key, unless an equal value stands there. `key` and `value` may stand in this
+  /// collection. Throws the exceptions of copying, and std::bad_alloc, having changed nothing.
   void memberIs(K const& key, V const& value) {
+    std::optional<K> notified;  // a copy: observers may remove the member whose key the caller gave
     U32 const before = values_.size();
-    if (!values_.set(key, value)) return;
+    if (!values_.set(key, value, [&] { notified.emplace(key); })) return;
     bool const added = values_.size() != before;
-    owner_.notify(attr_, NotificationKey::of(key, added ? MemberChange::added : MemberChange::replaced));
+    owner_.notify(attr_, NotificationKey::of(*notified, added ? MemberChange::added : MemberChange::replaced));
   }
 
   /// Takes the value out, notifies with the key and returns it; a default value, nobody notified, when it is not there.
@@ -171,9 +174,9 @@ class ValueCollection {
     return std::move(removed->value);
   }
 
-  /// `memberDel` for every key that is there now.
+  /// `memberDel` for every key that is there now. Allocates nothing.
   void memberDelAll() {
-    for (Entry const entry : values_) memberDel(entry.key);
+    for (auto at = values_.begin(); at != std::default_sentinel; ++at) memberDel(at->key);
   }
 
   auto begin() const noexcept { return values_.begin(); }
@@ -225,9 +228,9 @@ class ValueSet {
     return removed.has_value();
   }
 
-  /// `memberDel` for every key that is there now.
+  /// `memberDel` for every key that is there now. Allocates nothing.
   void memberDelAll() {
-    for (K const key : *this) memberDel(key);
+    for (auto at = begin(); at != std::default_sentinel; ++at) memberDel(*at.operator->());
   }
 
   using Iterator = typename Table::template CopyingIterator<>;
@@ -262,20 +265,21 @@ class OwnedChild {
   OwnedChild(OwnedChild const&) = delete;
   OwnedChild& operator=(OwnedChild const&) = delete;
   ~OwnedChild() {
-    if (child_) child_->parentIs(nullptr, attr_);
+    if (child_) static_cast<Entity&>(*child_).loseParent();
   }
 
   /// The child, or null.
   Ptr<T> child() const noexcept { return child_; }
 
-  /// The child of that name. One of another name loses its parent and is replaced by a new one, which is notified, with
-  /// no key. Throws what the child's constructor throws, and std::bad_alloc, having changed nothing.
+  /// The child of that name. A child of another name loses its parent, a new one replaces it, and the attribute is
+  /// notified without a key. Throws the exceptions of the child's constructor, and std::bad_alloc, having changed
+  /// nothing.
   Ptr<T> childIs(Name const& name) {
     if (child_ && child_->name() == name) return child_;
     Ptr<T> const made = create<T>(name);  // before anything changes, since it may throw
     Ptr<T> const old = child_;
-    if (old) old->parentIs(nullptr, attr_);
-    made->parentIs(&owner_, attr_);
+    if (old) static_cast<Entity&>(*old).linkIs(nullptr, attr_);
+    static_cast<Entity&>(*made).linkIs(&owner_, attr_);
     child_ = made;
     owner_.notify(attr_);
     return made;
@@ -285,7 +289,7 @@ class OwnedChild {
   Ptr<T> childDel() {
     Ptr<T> const removed = std::exchange(child_, nullptr);
     if (!removed) return nullptr;
-    removed->parentIs(nullptr, attr_);
+    static_cast<Entity&>(*removed).linkIs(nullptr, attr_);
     owner_.notify(attr_);
     return removed;
   }

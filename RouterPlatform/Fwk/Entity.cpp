@@ -1,4 +1,6 @@
+#include <RouterPlatform/Base/Steps.h>
 #include <RouterPlatform/Fwk/Entity.h>
+#include <RouterPlatform/Trace/Assert.h>
 
 namespace Fwk {
 
@@ -10,7 +12,10 @@ void Entity::zeroReferencesIs(bool zero) {
   if (zero) notifiees_.notifyZeroReferences(*this);
 }
 
-Entity::~Entity() = default;
+Entity::~Entity() {
+  while (firstPlaced_) firstPlaced_->loseParent();
+  leavePlace();
+}
 
 void Entity::handleNameRestore(Name const&) {}
 
@@ -25,8 +30,11 @@ void Entity::handleRestore() {}
 void Entity::onZeroReferences() noexcept {
   zeroReferencesIs(true);
   if (!releaseLastReference()) return;
+  if (!made_) return;  // whoever made it ends it
   LiveCount& liveCount = *fwkType().liveCount;
   notifieeList().clear();
+  leavePlace();  // the parent may end while this does, and must not call it
+  parent_ = nullptr;
   delete this;
   liveCount.drop();
 }
@@ -42,9 +50,36 @@ Ptr<Entity> Entity::parent() const noexcept {
 }
 
 void Entity::parentIs(Entity* parent, AttrId attr) {
-  parent_ = parent;
+  bool const heldByAnAttribute = parent_ && !placed_;
+  ASSERT_AT(!heldByAnAttribute, Trace::Location::here());
+  if (parent != parent_) {
+    leavePlace();
+    if (parent) {
+      nextPlaced_ = std::exchange(parent->firstPlaced_, this);
+      placed_ = true;
+    }
+  }
+  linkIs(parent, attr);
+}
+
+void Entity::linkIs(Entity* parent, AttrId attr) {
+  bool const changed = parent != std::exchange(parent_, parent);
   parentAttr_ = parent ? attr : AttrId{0};
-  handleParent(this->parent());
+  if (changed) handleParent(this->parent());
+}
+
+void Entity::loseParent() noexcept {
+  Ptr<Entity> const alive(this);
+  leavePlace();
+  Steps().run([this] { linkIs(nullptr, 0); });
+}
+
+void Entity::leavePlace() noexcept {
+  if (!placed_) return;
+  Entity** link = &parent_->firstPlaced_;
+  while (*link != this) link = &(*link)->nextPlaced_;
+  *link = std::exchange(nextPlaced_, nullptr);
+  placed_ = false;
 }
 
 String Entity::parentAttrName() const {
@@ -62,15 +97,26 @@ String Entity::keyText() const {
   return name().toString();
 }
 
+namespace {
+
+void appendKey(String& path, String const& key) {
+  path += '[';
+  for (char const c : key) {
+    if (c == ']' || c == '\\') path += '\\';
+    path += c;
+  }
+  path += ']';
+}
+
+}  // namespace
+
 String Entity::fullName() const {
   Ptr<Entity> const holder = parent();
   if (!holder) return keyText();
   String path = holder->fullName();
   path += '/';
   path += parentAttrName();
-  path += '[';
-  path += keyText();
-  path += ']';
+  appendKey(path, keyText());
   return path;
 }
 

@@ -2,7 +2,7 @@
 
 #include <RouterPlatform/Fwk/ObjectRef.h>
 
-/// From the untyped address that a type record is given to the object, and to one of its members.
+/// From the untyped address in a type record's operation to the object, and to one of its members.
 namespace Fwk::detail {
 
 /// From the address in a `ConstObjectRef` back to the object.
@@ -35,6 +35,12 @@ struct MemberPointer<R (C::*)() const> {
 };
 template <class C, class R>
 struct MemberPointer<R (C::*)() const noexcept> : MemberPointer<R (C::*)() const> {};
+template <class C, class R, class A>
+struct MemberPointer<R (C::*)(A) const> {
+  using Class = C;
+  using Type = R;
+  using Argument = A;
+};
 
 template <auto member>
 auto const& collectionOf(void const* object) {

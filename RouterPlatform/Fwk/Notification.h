@@ -10,10 +10,10 @@ namespace Fwk {
 
 class Entity;
 
-/// What became of a collection's member. A member that is added comes last; one that is replaced keeps its place.
+/// The change of a collection's member. An added member comes last; a replaced one keeps its place.
 enum class MemberChange : U8 { unspecified, added, replaced, removed };
 
-/// The key with which a collection's change is notified. Refers to the mutator's key: valid during the notification.
+/// The key of a collection's change. Refers to the mutator's key: valid during the notification.
 class NotificationKey {
  public:
   constexpr NotificationKey() noexcept = default;
@@ -39,7 +39,7 @@ class NotificationKey {
 
   explicit operator bool() const noexcept { return key_ != nullptr; }
 
-  /// What the mutator did. An observer that was called earlier may have changed the member again since.
+  /// The mutator's change. An observer that was called earlier may have changed the member again since.
   MemberChange change() const noexcept { return change_; }
 
   /// Plain text of the key; nothing when there is none.

@@ -12,17 +12,17 @@ void Notifiee::unregister() noexcept {
 
 void Notifiee::onZeroReferences() noexcept {
   if (!releaseLastReference()) return;
-  unregister();  // before the end, during which the entity may change and must not call it again
+  unregister();  // the entity may change during the destructor and must not call it then
   delete this;
 }
 
-// A walk stands on the stack and enters itself into the list for as long as it lives; g++ 12 sees only the former.
+// g++ 12 warns of the list's pointer to a walk on the stack: it does not see that the walk leaves the list at its end.
 #pragma GCC diagnostic push
 #if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic ignored "-Wdangling-pointer"
 #endif
 
-/// A notification in progress: who comes next, and the last one that it reaches.
+/// A notification in progress: the next observer, and the last one that it reaches.
 struct NotifieeList::Walk {
   explicit Walk(NotifieeList& walked) : list(walked), next(walked.first_), last(walked.last_), outer(walked.walks_) {
     list.walks_ = this;

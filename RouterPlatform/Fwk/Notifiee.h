@@ -15,11 +15,11 @@ class NotifieeList;
 class ROUTER_PLATFORM_EXPORT Notifiee : public PtrInterface<Notifiee> {
  public:
   /// A change of the observed entity. The observer may change, empty or drop that entity, may leave the list, and may
-  /// drop itself. What it throws reaches the caller of the mutator; observers whose turn had not come are not called.
+  /// drop itself. An exception reaches the caller of the mutator; the observers behind this one are not called.
   virtual void handleNotification(Notification const& notification) = 0;
 
-  /// The last outside reference to the observed entity is going; still counted, so a reference taken here keeps it
-  /// alive. Must not throw.
+  /// The last outside reference to the observed entity is about to go. It still counts, so a reference taken here keeps
+  /// the entity alive. Must not throw.
   virtual void handleZeroReferences(Entity& entity);
 
   bool hasNotificationActive() const noexcept { return active_; }
@@ -28,7 +28,7 @@ class ROUTER_PLATFORM_EXPORT Notifiee : public PtrInterface<Notifiee> {
   /// Whether it stands in an entity's list.
   bool registered() const noexcept { return list_ != nullptr; }
 
-  /// Leaves the list it stands in, if any: it is not called again.
+  /// Leaves its list, if any: it is not called again.
   void unregister() noexcept;
 
  protected:
@@ -45,10 +45,10 @@ class ROUTER_PLATFORM_EXPORT Notifiee : public PtrInterface<Notifiee> {
   bool active_ = false;
 };
 
-/// The observers of one entity, in the order in which they came. Not owning.
+/// The observers of one entity, in the order in which they registered. Not owning.
 ///
-/// A notification reaches those that stood in the list when it began and still do when their turn comes. Notifications
-/// nest: an observer may cause another one on the same list.
+/// A notification reaches the observers that stood in the list when it began and still stand there when their turn
+/// comes. Notifications nest: an observer may cause another one on the same list.
 class ROUTER_PLATFORM_EXPORT NotifieeList {
  public:
   NotifieeList() = default;

@@ -24,5 +24,9 @@ template <ValueRecordType T>
 ConstObjectRef objectRef(T const& value) {
   return {&value, &T::typeRecord()};
 }
+template <ValueRecordType T>
+ObjectRef objectRef(T& value) {
+  return {&value, &T::typeRecord()};
+}
 
 }  // namespace Fwk

@@ -23,14 +23,14 @@ class Subscription {
   }
   ~Subscription() { cancel(); }
 
-  /// Ends the observation now: the observer is not called again, also when a notification is under way.
+  /// Ends the observation now: the observer is not called again, not even by a notification in progress.
   void cancel() noexcept {
     if (!notifiee_) return;
     notifiee_->unregister();
     notifiee_ = nullptr;
   }
 
-  /// Whether the observed entity is still there to be observed.
+  /// Whether the observed entity still exists and is observed.
   bool active() const noexcept { return notifiee_ && notifiee_->registered(); }
 
  private:

@@ -20,8 +20,7 @@ struct ObjectRef {
   operator ConstObjectRef() const noexcept { return {object, type}; }
 };
 
-/// A member of a reflected collection. What is set depends on the collection: entities and value records have an
-/// object, plain values have a text.
+/// A member of a reflected collection. Entities and value records have an object, plain values have a text.
 struct MemberRef {
   String key;            ///< plain text
   Ptr<Entity> entity;    ///< collections of entities

@@ -5,7 +5,7 @@
 
 #include <string_view>
 
-/// Keys and values that reflection is given as text, and what is said of a text that is none.
+/// From text to keys and values, and the errors for texts that are malformed.
 namespace Fwk::detail {
 
 ROUTER_PLATFORM_EXPORT ReflectionResult badText(TextStatus status, char const* typeName, std::string_view text);
@@ -17,7 +17,7 @@ ReflectionResult parseText(std::string_view text, T& value) {
   return status == TextStatus::ok ? ReflectionResult{} : badText(status, TextCodec<T>::typeName, text);
 }
 
-/// Calls `call(key)` with the key that `text` names; otherwise says what is wrong with the text.
+/// Calls `call(key)` with the key that `text` names; otherwise returns the error of the text.
 template <class K, class Call>
 ReflectionResult withKey(std::string_view text, Call call) {
   K key{};
@@ -25,7 +25,7 @@ ReflectionResult withKey(std::string_view text, Call call) {
   return result ? call(key) : result;
 }
 
-/// The same for the key of a member that may be there, which is every key that printing gives.
+/// The same for the key of a member that may exist: every printed key is accepted.
 template <class K, class Call>
 ReflectionResult withMemberKey(std::string_view text, Call call) {
   K key{};

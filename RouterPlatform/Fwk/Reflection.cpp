@@ -33,6 +33,24 @@ ReflectionResult read(ConstObjectRef object, Attr attr, std::string& out) {
 }
 
 template <class Attr>
+ReflectionResult readFor(ConstObjectRef object, Attr attr, std::string_view argument, std::string& out) {
+  AttributeRecord const* const record = object.type->attribute(attr);
+  if (!record) return noSuchAttribute(*object.type, attr);
+  if (!record->appendFor)
+    return failure(ReflectionError::notReadable, "takes no argument:", *object.type, record->name);
+  return record->appendFor(object.object, argument, out);
+}
+
+template <class Attr>
+ReflectionResult refer(ConstObjectRef object, Attr attr, Ptr<Entity>& entity) {
+  AttributeRecord const* const record = object.type->attribute(attr);
+  if (!record) return noSuchAttribute(*object.type, attr);
+  if (!record->refer) return failure(ReflectionError::notReadable, "not a reference:", *object.type, record->name);
+  entity = record->refer(object.object);
+  return {};
+}
+
+template <class Attr>
 ReflectionResult assign(ObjectRef object, Attr attr, std::string_view text) {
   AttributeRecord const* const record = object.type->attribute(attr);
   if (!record) return noSuchAttribute(*object.type, attr);
@@ -45,6 +63,21 @@ ReflectionResult assign(ObjectRef object, Attr attr, std::string_view text) {
 ReflectionResult readAttribute(ConstObjectRef object, AttrId attr, std::string& out) { return read(object, attr, out); }
 ReflectionResult readAttribute(ConstObjectRef object, std::string_view attr, std::string& out) {
   return read(object, attr, out);
+}
+
+ReflectionResult readAttribute(ConstObjectRef object, AttrId attr, std::string_view argument, std::string& out) {
+  return readFor(object, attr, argument, out);
+}
+ReflectionResult readAttribute(ConstObjectRef object, std::string_view attr, std::string_view argument,
+                               std::string& out) {
+  return readFor(object, attr, argument, out);
+}
+
+ReflectionResult readReference(ConstObjectRef object, AttrId attr, Ptr<Entity>& entity) {
+  return refer(object, attr, entity);
+}
+ReflectionResult readReference(ConstObjectRef object, std::string_view attr, Ptr<Entity>& entity) {
+  return refer(object, attr, entity);
 }
 
 ReflectionResult setAttribute(ObjectRef object, AttrId attr, std::string_view text) {

@@ -5,15 +5,29 @@
 #include <RouterPlatform/Fwk/ObjectRef.h>
 #include <RouterPlatform/Fwk/TypeRecord.h>
 
-/// Objects by attribute number or name, with plain text in and out. Numbers, names and texts may be anything: what is
-/// wrong with them is an outcome, which the result tells. A setter reached this way notifies like any other, and a
-/// computed attribute has the preconditions of its operation, which stops the process where they do not hold.
+/// Objects by attribute number or name, with plain text in and out. Numbers, names and texts may be anything: the
+/// result holds the error. A setter reached this way notifies like any other. A computed attribute has the
+/// preconditions of its operation, which stops the process where they do not hold.
 namespace Fwk {
 
 /// Appends the attribute's text to `out`. Fails with `noSuchAttribute`, or `notReadable` for collections, children,
-/// value records and what takes an argument; `out` is then as it was.
+/// references, value records and attributes that take an argument; `out` is then as it was.
 ROUTER_PLATFORM_EXPORT ReflectionResult readAttribute(ConstObjectRef object, AttrId attr, std::string& out);
 ROUTER_PLATFORM_EXPORT ReflectionResult readAttribute(ConstObjectRef object, std::string_view attr, std::string& out);
+
+/// Appends the text of a computed attribute for the argument that `argument` names. Fails with `noSuchAttribute`,
+/// `notReadable` for an attribute that takes no argument, or `malformed` or `outOfRange` for the argument; `out` is
+/// then as it was.
+ROUTER_PLATFORM_EXPORT ReflectionResult readAttribute(ConstObjectRef object, AttrId attr, std::string_view argument,
+                                                      std::string& out);
+ROUTER_PLATFORM_EXPORT ReflectionResult readAttribute(ConstObjectRef object, std::string_view attr,
+                                                      std::string_view argument, std::string& out);
+
+/// The entity that the attribute refers to, into `entity`; null when there is none. Fails with `noSuchAttribute`, or
+/// `notReadable` for an attribute that is no reference.
+ROUTER_PLATFORM_EXPORT ReflectionResult readReference(ConstObjectRef object, AttrId attr, Ptr<Entity>& entity);
+ROUTER_PLATFORM_EXPORT ReflectionResult readReference(ConstObjectRef object, std::string_view attr,
+                                                      Ptr<Entity>& entity);
 
 /// Sets the attribute from `text`. Fails with `noSuchAttribute`, `notSettable`, `malformed` or `outOfRange`; the
 /// attribute is then as it was, and nobody is notified.

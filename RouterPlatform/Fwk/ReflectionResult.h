@@ -4,7 +4,7 @@
 
 namespace Fwk {
 
-/// Why reflection could not do what it was asked.
+/// Why a reflective operation failed.
 enum class ReflectionError : U8 {
   none,
   noSuchAttribute,  ///< no descriptor of that number or name
@@ -17,7 +17,7 @@ enum class ReflectionError : U8 {
   notAChild,
 };
 
-/// Outcome of a reflective operation; true when it succeeded. `text` says what is wrong, for people.
+/// Outcome of a reflective operation; true when it succeeded. `text` is the error message, for people.
 struct ReflectionResult {
   ReflectionError error = ReflectionError::none;
   String text;

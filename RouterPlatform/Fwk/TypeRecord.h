@@ -4,7 +4,7 @@
 #include <RouterPlatform/Base/FunctionRef.h>
 #include <RouterPlatform/Base/Ptr.h>
 #include <RouterPlatform/Export.h>
-#include <RouterPlatform/Forms/TextCodec.h>
+#include <RouterPlatform/Forms/ValueKind.h>
 #include <RouterPlatform/Fwk/AttrId.h>
 #include <RouterPlatform/Fwk/CollectionRecord.h>
 #include <RouterPlatform/Fwk/LiveCount.h>
@@ -54,7 +54,7 @@ struct AttributeRecord {
   AttributeKind kind = AttributeKind::scalar;
   char const* typeName = "";  ///< registered name; of a collection: of its members
   ValueKind valueKind = ValueKind::none;
-  bool reflected = true;                          ///< false: it has its number and nothing else
+  bool reflected = true;                          ///< false: it has its number and no descriptor
   MemberOrder memberOrder = MemberOrder::counts;  ///< collections only
 
   void (*append)(void const* object, std::string& out) = nullptr;                        ///< null: not readable as text
@@ -64,8 +64,16 @@ struct AttributeRecord {
   ChildRecord const* child = nullptr;
   TypeRecord const& (*recordType)() = nullptr;  ///< value records only
 
-  /// A stored and settable value as octets; null: not part of a change stream. `take` sets the attribute to what all of
-  /// `in` says, and leaves it alone and returns false when that is malformed.
+  /// A computed attribute that takes an argument: appends its text for the argument that `argument` names. Fails as
+  /// that text is wrong.
+  ReflectionResult (*appendFor)(void const* object, std::string_view argument, std::string& out) = nullptr;
+  char const* argumentTypeName = "";
+
+  /// An attribute that refers to an entity which it does not own: that entity, or null.
+  Ptr<Entity> (*refer)(void const* object) = nullptr;
+
+  /// A stored and settable value as octets; null: not part of a change stream. `take` sets the attribute from the whole
+  /// of `in`; when that is malformed it returns false and changes nothing.
   void (*put)(void const* object, OctetSink& out) = nullptr;
   bool (*take)(void* object, OctetSource in) = nullptr;
 
@@ -92,7 +100,7 @@ struct ValueTypeRecord {
   void (*parse)(String const& text, void* value);
 };
 
-/// What is known of a type at run time. Immutable; registered by name in the type registry.
+/// A type as it is known at run time. Immutable; registered by name in the type registry.
 struct TypeRecord {
   char const* name;  ///< qualified: `RouterAdvt::IntfConfig`
   TypeKind kind;

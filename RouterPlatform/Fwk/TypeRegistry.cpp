@@ -14,8 +14,19 @@ TypeRecord const* TypeRegistry::find(std::string_view name) const noexcept {
   return found == types_.end() ? nullptr : *found;
 }
 
+namespace {
+
+/// The type of the attributes `parent` and `entity`: what every entity has. None is made of it alone.
+constexpr TypeRecord anyEntity{"Fwk::Entity", TypeKind::entity, {}};
+
+}  // namespace
+
 TypeRegistry& typeRegistry() {
-  static TypeRegistry registry;
+  static TypeRegistry registry = [] {
+    TypeRegistry made;
+    made.add(anyEntity);
+    return made;
+  }();
   return registry;
 }
 

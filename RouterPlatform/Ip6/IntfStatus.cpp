@@ -1,4 +1,5 @@
 #include <RouterPlatform/Fwk/Attributes.h>
+#include <RouterPlatform/Fwk/TypeRegistry.h>
 #include <RouterPlatform/Ip6/IntfStatus.h>
 
 namespace Ip6 {
@@ -13,5 +14,11 @@ Fwk::TypeRecord const& IntfStatus::typeRecord() {
   static constexpr TypeRecord record = entityRecord<IntfStatus, Net::IntfId>(attrs, live);
   return record;
 }
+
+namespace {
+
+Fwk::TypeRegistration const registration(IntfStatus::typeRecord());
+
+}  // namespace
 
 }  // namespace Ip6

@@ -1,4 +1,5 @@
 #include <RouterPlatform/Fwk/Attributes.h>
+#include <RouterPlatform/Fwk/TypeRegistry.h>
 #include <RouterPlatform/Ip6/VirtualRouterStatusV6.h>
 
 namespace Ip6 {
@@ -11,5 +12,11 @@ Fwk::TypeRecord const& VirtualRouterStatusV6::typeRecord() {
   static constexpr TypeRecord record = entityRecord<VirtualRouterStatusV6, Name>(attrs, live);
   return record;
 }
+
+namespace {
+
+Fwk::TypeRegistration const registration(VirtualRouterStatusV6::typeRecord());
+
+}  // namespace
 
 }  // namespace Ip6

@@ -1,5 +1,6 @@
 #include <RouterPlatform/Base/Steps.h>
 #include <RouterPlatform/Fwk/Attributes.h>
+#include <RouterPlatform/Fwk/TypeRegistry.h>
 #include <RouterPlatform/SharedTable/CollectionControl.h>
 
 #include <utility>
@@ -49,5 +50,11 @@ Fwk::TypeRecord const& CollectionControl::typeRecord() {
   }();
   return record;
 }
+
+namespace {
+
+Fwk::TypeRegistration const registration(CollectionControl::typeRecord());
+
+}  // namespace
 
 }  // namespace SharedTable

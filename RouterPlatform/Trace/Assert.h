@@ -1,7 +1,7 @@
 #pragma once
 
 #include <RouterPlatform/Export.h>
-#include <RouterPlatform/Trace/Trace.h>
+#include <RouterPlatform/Trace/Location.h>
 
 #include <string_view>
 

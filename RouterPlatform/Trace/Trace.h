@@ -2,6 +2,7 @@
 
 #include <RouterPlatform/Base/Text.h>
 #include <RouterPlatform/Export.h>
+#include <RouterPlatform/Trace/Location.h>
 
 #include <atomic>
 #include <cstddef>
@@ -22,19 +23,6 @@ namespace Trace {
 
 /// Number of levels; they are numbered from 0.
 inline constexpr unsigned levelCount = 64;
-
-/// Place of a message or an assertion in the source. The texts are not copied: pass literals.
-struct Location {
-  char const* source;
-  int line;
-  char const* function;
-
-  /// The place of the call itself, when called without arguments.
-  static constexpr Location here(char const* source = __builtin_FILE(), int line = __builtin_LINE(),
-                                 char const* function = __builtin_FUNCTION()) noexcept {
-    return {source, line, function};
-  }
-};
 
 /// One source of messages, usually a static object. It enters itself into the process's list of handles, and gets
 /// earlier settings that match it.

@@ -4,6 +4,7 @@ compiler, its optimization and the linker; and registered in the reverse of that
 
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -11,7 +12,8 @@ import tempfile
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 SOURCE = ROOT / "Ipv6RouterAdvt" / "RouterAdvt" / "Registration.cpp"
-SECTION = ".fwk.typenames"
+HEADER = ROOT / "RouterPlatform" / "Fwk" / "TypeRegistry.h"
+SECTION = re.search(r'^#define FWK_TYPE_NAMES_SECTION "(.*)"$', HEADER.read_text(), re.MULTILINE).group(1)
 
 # The last one that is registered stands first.
 NAMES = [
@@ -103,6 +105,7 @@ def check_registered():
     """What the program lists is what is registered when it loads the library."""
     listed = subprocess.run([os.environ["ROUTERADVT"], "types"], text=True, capture_output=True, check=True).stdout
     names = [line.split()[0] for line in listed.splitlines()[1:]]
+    names = [name for name in names if name.startswith("RouterAdvt::")]
     if names != NAMES[::-1]:
         fail(f"the program that loads the library lists {names}")
 

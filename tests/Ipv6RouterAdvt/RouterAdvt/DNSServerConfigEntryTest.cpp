@@ -68,4 +68,15 @@ TEST(DNSServerConfigEntry, AConfiguredLifetimeIsTakenExactlyAsItIsStored) {
   EXPECT_EQ(entry->validLifetime(5), 0xffffffffu);
 }
 
+TEST(DNSServerConfigEntry, ItsValidLifetimeIsReadByReflectionForAFallback) {
+  auto const entry = DNSServerConfigEntry::DNSServerConfigEntryIs(addrOf("2001:db8::53"));
+  std::string text;
+  EXPECT_TRUE(Fwk::readAttribute(Fwk::objectRef(*entry), "validLifetime", "600", text));
+  EXPECT_EQ(text, "600");
+  entry->lifetimeConfiguredIs(true);
+  text.clear();
+  EXPECT_TRUE(Fwk::readAttribute(Fwk::objectRef(*entry), DNSServerConfigEntry::validLifetimeAttr, "600", text));
+  EXPECT_EQ(text, "300");
+}
+
 }  // namespace

@@ -68,4 +68,15 @@ TEST(DNSSuffixConfigEntry, AConfiguredLifetimeIsTakenExactlyAsItIsStored) {
   EXPECT_EQ(entry->validLifetime(5), 0xffffffffu);
 }
 
+TEST(DNSSuffixConfigEntry, ItsValidLifetimeIsReadByReflectionForAFallback) {
+  auto const entry = DNSSuffixConfigEntry::DNSSuffixConfigEntryIs("example.com");
+  std::string text;
+  EXPECT_TRUE(Fwk::readAttribute(Fwk::objectRef(*entry), "validLifetime", "600", text));
+  EXPECT_EQ(text, "600");
+  entry->lifetimeConfiguredIs(true);
+  text.clear();
+  EXPECT_TRUE(Fwk::readAttribute(Fwk::objectRef(*entry), DNSSuffixConfigEntry::validLifetimeAttr, "600", text));
+  EXPECT_EQ(text, "300");
+}
+
 }  // namespace

@@ -1,4 +1,7 @@
 #include <tests/Ipv6RouterAdvt/RouterAdvt/ModelTest.h>
+#include <tests/RouterPlatform/Support/AllocationCount.h>
+
+#include <new>
 
 namespace {
 
@@ -160,6 +163,48 @@ TEST_F(RaPacketStatusTest, DeletingAllTellsOncePerInterface) {
   status->raPacketDelAll();
   EXPECT_EQ(changes.take(), (ChangeList{changeOf("Ethernet1"), changeOf("Ethernet2"), changeOf("Ethernet3")}));
   EXPECT_TRUE(status->raPacket().empty());
+}
+
+TEST_F(RaPacketStatusTest, APacketThatFindsNoMemoryLeavesTheStoredOneWholeAndTellsNobody) {
+  RaPacket former = packetOf("Ethernet1"), next = packetOf("Ethernet1", 0);
+  addPrefix(former, "2001:db8::/64");
+  for (char const* const prefix : {"2001:db8:1::/64", "2001:db8:2::/64", "2001:db8:3::/64", "2001:db8:4::/64",
+                                   "2001:db8:5::/64", "2001:db8:6::/64"})
+    addPrefix(next, prefix);
+  status->raPacketIs(former);
+  changes.take();
+  std::size_t allowed = 0;
+  for (bool stored = false; !stored; ++allowed) {
+    try {
+      AllocationFailure const failure(allowed);
+      status->raPacketIs(next);
+      stored = true;
+    } catch (std::bad_alloc const&) {
+      EXPECT_EQ(status->raPacket("Ethernet1"), former);
+      EXPECT_TRUE(changes.take().empty());
+    }
+  }
+  EXPECT_GT(allowed, 1U);
+  EXPECT_EQ(status->raPacket("Ethernet1"), next);
+}
+
+TEST_F(RaPacketStatusTest, DeletingAllAllocatesNothing) {
+  for (char const* const intfId : {"Ethernet1", "Ethernet2", "Ethernet3"}) {
+    RaPacket packet = packetOf(intfId);
+    for (char const* const prefix :
+         {"2001:db8:1::/64", "2001:db8:2::/64", "2001:db8:3::/64", "2001:db8:4::/64", "2001:db8:5::/64"})
+      addPrefix(packet, prefix);
+    status->raPacketIs(packet);
+  }
+  std::size_t const before = allocationCount();
+  auto other = Fwk::create<RaPacketStatus>("others");  // without the observer that writes changes down
+  for (auto const& [key, packet] : status->raPacket()) other->raPacketIs(packet);
+  EXPECT_GT(allocationCount(), before);
+  {
+    AllocationFailure const failure(0);
+    other->raPacketDelAll();
+  }
+  EXPECT_TRUE(other->raPacket().empty());
 }
 
 TEST_F(RaPacketStatusTest, IsWalkedInTheOrderOfInterfaces) {

@@ -1,4 +1,5 @@
 #include <Ipv6RouterAdvt/RouterAdvt.h>
+#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaReader.h>
 #include <RouterPlatform/Fwk/Attributes.h>
 #include <RouterPlatform/Fwk/Observe.h>
 #include <RouterPlatform/Fwk/Reflection.h>
@@ -780,6 +781,86 @@ TEST_F(NeighborTable, IsMadeByReflectionFromAName) {
   EXPECT_EQ(made->name(), Name("other"));
   made = nullptr;
   EXPECT_EQ(living(), 1);
+}
+
+/// A root of an agent's own that owns the table as a child attribute.
+class Agent final : public Fwk::Entity {
+ public:
+  enum Attr : AttrId { neighborsAttr = Fwk::firstOwnAttr };
+  explicit Agent(Name name) : name_(name) {}
+  Name name() const override { return name_; }
+  Ptr<RouterNeighborRaStatus> neighborsIs(Name const& name) { return neighbors_.childIs(name); }
+
+  static constexpr char const* fwkTypeName = "Test::Agent";
+  static Fwk::TypeRecord const& typeRecord() {
+    static constinit Fwk::LiveCount live;
+    static constexpr auto attrs = Fwk::attributes<Agent>(Fwk::child<&Agent::neighbors_>("neighbors"));
+    static constexpr Fwk::TypeRecord record = Fwk::entityRecord<Agent, Name>(attrs, live);
+    return record;
+  }
+  Fwk::TypeRecord const& fwkType() const override { return typeRecord(); }
+
+ private:
+  ~Agent() override = default;
+  Name name_;
+  Fwk::OwnedChild<RouterNeighborRaStatus> neighbors_{*this, neighborsAttr};
+};
+
+TEST_F(NeighborTable, AsAnAgentsChildIsMountedUntilTheAgentEnds) {
+  Ptr<Agent> agent = Fwk::create<Agent>("agent");
+  Ptr<RouterNeighborRaStatus> table = agent->neighborsIs("neighbors");
+  table->routerNeighborRaIs(RouterNeighborRa(keyOf(1), 1));
+  EXPECT_EQ(table->routerNeighborRaControl()->mountStatus(), MountStatus::mounted);
+  EXPECT_EQ(table->fullName(), "agent/neighbors[neighbors]");
+  EXPECT_TRUE(published());
+  agent = nullptr;
+  EXPECT_EQ(table->parent(), nullptr);
+  EXPECT_EQ(table->routerNeighborRaControl()->mountStatus(), MountStatus::unmounted);
+  EXPECT_FALSE(published());
+  EXPECT_EQ(table->routerNeighborRa().size(), 1U);
+}
+
+TEST_F(NeighborTable, IsUnmountedWhenTheParentThatItWasGivenDirectlyEnds) {
+  mount();
+  EXPECT_TRUE(published());
+  tree_ = nullptr;
+  EXPECT_EQ(status_->parent(), nullptr);
+  EXPECT_EQ(status_->fullName(), "neighbors");
+  EXPECT_EQ(status_->routerNeighborRaControl()->mountStatus(), MountStatus::unmounted);
+  EXPECT_FALSE(published());
+}
+
+TEST_F(NeighborTable, EndsAndGivesItsPlaceFreeWhenItsParentEndsFirst) {
+  {
+    Ptr<RouterNeighborRaStatus> const table = Table::routerNeighborRaStatusFactory("other");
+    Ptr<Tree> const root = Fwk::create<Tree>("root");
+    table->parentIs(root.get(), 0);
+    EXPECT_TRUE(published());
+  }
+  EXPECT_EQ(living(), 1);  // the fixture's
+  mount();
+  EXPECT_FALSE(status_->mountError());
+}
+
+TEST_F(NeighborTable, EndsWithItsParentWhenNobodyElseHoldsIt) {
+  mount();
+  status_ = nullptr;
+  EXPECT_EQ(living(), 1);  // its control keeps it while it is mounted
+  tree_ = nullptr;
+  EXPECT_EQ(living(), 0);
+  EXPECT_FALSE(published());
+}
+
+TEST_F(NeighborTable, GivesItsControlByReflection) {
+  Ptr<Fwk::Entity> control;
+  EXPECT_TRUE(Fwk::readReference(Fwk::objectRef(*status_), "routerNeighborRaControl", control));
+  EXPECT_EQ(control, status_->routerNeighborRaControl());
+  EXPECT_EQ(&control->fwkType(), &SharedTable::CollectionControl::typeRecord());
+  control = nullptr;
+  status_->routerNeighborRaControlIs(nullptr);
+  EXPECT_TRUE(
+      Fwk::readReference(Fwk::objectRef(*status_), RouterNeighborRaStatus::routerNeighborRaControlAttr, control));
+  EXPECT_EQ(control, nullptr);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <RouterPlatform/Fwk/TypeRegistry.h>
 #include <tests/Ipv6RouterAdvt/RouterAdvt/ModelTest.h>
 
+#include <iomanip>
 #include <limits>
 #include <memory>
 #include <sstream>
@@ -383,8 +384,18 @@ TEST(ValueText, ReadThroughTheTypeRecordIsAssigned) {
 
 /// The line that the assertion of an unreadable type leaves, and nothing before it.
 std::string assertion(std::string const& type) {
-  return "^Ipv6RouterAdvt/RouterAdvt:[0-9]+: " + type + ": assertion \"!\"No String constructor for " + type +
+  std::string const line = type == "RaPacket" ? "105" : "91";
+  std::string const function =
+      "RouterAdvt::" + type + "::" + type + "\\(String::IteratorConst&, String::IteratorConst const&\\)";
+  return "^Ipv6RouterAdvt/RouterAdvt:" + line + ": " + function + ": assertion \"!\"No String constructor for " + type +
          " - has collection\"\" failed\n$";
+}
+
+TEST(ValueText, IsWrittenWithoutThePaddingOfAStream) {
+  std::ostringstream out;
+  out << std::setfill('*') << std::setw(12) << RouterAdvt::PrefixDefault() << std::setw(12) << LifeTimeHashMap()
+      << std::setw(400) << RaPacket() << '|';
+  EXPECT_EQ(out.str(), "None" + valueToStrep(RaPacket()) + '|');
 }
 
 TEST(ValueTextDeathTest, APacketCannotBeRead) {

@@ -1,4 +1,5 @@
 #include <RouterPlatform/Packet/PktManager.h>
+#include <RouterPlatform/Trace/Trace.h>
 #include <tests/Ipv6RouterAdvt/Support/Advert.h>
 
 // Programming errors stop the process, and say where.

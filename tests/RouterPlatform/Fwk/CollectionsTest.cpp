@@ -362,6 +362,43 @@ TEST_F(ValueCollection, DeletingAllNotifiesEachKeyAndEndsWhenValuesComeBack) {
   EXPECT_TRUE(box_->labels().empty());
 }
 
+TEST_F(ValueCollection, NotifiesAKeyThatTheCallerReadInIt) {
+  std::string const key(60, 'k');
+  box_->labelsIs(key, "1");
+  then_ = [&](Notification const&) {
+    if (!box_->labels().contains(key)) return;
+    box_->labelsDel(key);
+    for (int i = 0; i < 64; ++i) box_->labelsIs(std::to_string(i), "other");
+  };
+  std::string told;
+  Subscription const later = observe(box_, [&](Notification const& n) { told = TestModel::changeOf(n).key; });
+  box_->labelsIs(*box_->labels().lastKey(), "2");
+  EXPECT_EQ(told, key);
+}
+
+TEST_F(ValueCollection, NotifiesAKeyThatTheCallerReadInAValueOfIt) {
+  std::string const key(60, 'k');
+  box_->labelsIs("a", key);
+  changes();
+  while (box_->labels().size() < 4) box_->labelsIs(std::to_string(box_->labels().size()), "");
+  changes();
+  box_->labelsIs(*box_->labels().find("a"), "1");  // the fifth member: the storage moves
+  EXPECT_THAT(changes(), ElementsAre(labels(key)));
+}
+
+TEST_F(ValueCollection, DeletingAllAllocatesNothing) {
+  for (char const c : {'a', 'b', 'c'}) box_->labelsIs(std::string(60, c), std::string(60, c));
+  subscription_.cancel();
+  int told = 0;
+  subscription_ = observe(box_, [&](Notification const&) { ++told; });
+  {
+    AllocationFailure const failure(0);
+    box_->labelsDelAll();
+  }
+  EXPECT_EQ(told, 3);
+  EXPECT_TRUE(box_->labels().empty());
+}
+
 TEST_F(ValueCollection, MayChangeOrEndWhileItIsWalked) {
   for (char const* const key : {"a", "b", "c"}) box_->labelsIs(key, key);
   subscription_.cancel();

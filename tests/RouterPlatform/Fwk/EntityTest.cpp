@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstring>
@@ -50,7 +51,7 @@ TEST(EntityVtable, HasTheOperationsInTheirFixedOrder) {
 }
 
 /// Writes down which of its operations ran.
-class Witness final : public Entity {
+class Witness : public Entity {
  public:
   static inline std::vector<std::string> calls;
 
@@ -103,22 +104,22 @@ __attribute__((no_sanitize("undefined"))) void callPlain(Entity* object, std::si
 }
 
 TEST(EntityVtable, ACallThroughEachPlainSlotReachesItsOperation) {
-  auto* const object = new Witness;
+  auto* const object = ::new Witness;
   Witness::calls.clear();
   for (std::size_t const slot : {std::size_t{0}, std::size_t{3}, std::size_t{9}, std::size_t{10}})
     callPlain(object, slot);
   EXPECT_THAT(Witness::calls, ElementsAre("notifieeList", "fwkType", "handleBackup", "handleRestore"));
-  delete object;
+  ::delete object;
 }
 
 TEST(EntityVtable, TheDestructorsStandInTheFifthAndSixthSlot) {
   Witness::calls.clear();
   Witness::calls.reserve(8);  // so that only the object itself is allocated and released below
   std::size_t const before = liveAllocationCount();
-  auto* const object = new Witness;
+  auto* const object = ::new Witness;
   callPlain(object, 4);
   EXPECT_EQ(liveAllocationCount(), before + 1);  // destroyed, and its storage still there
-  new (object) Witness;
+  ::new (object) Witness;
   callPlain(object, 5);
   EXPECT_EQ(liveAllocationCount(), before);
   EXPECT_THAT(Witness::calls, ElementsAre("destructor", "destructor"));
@@ -189,6 +190,46 @@ TEST(Create, TakesTheCountBackWhenThereIsNoMemory) {
     EXPECT_EQ(alive(Port::typeRecord()), ports);
     EXPECT_EQ(liveAllocationCount(), storage);
   }
+}
+
+/// Whether `new` makes a `T`, for anybody.
+template <class T, class... Args>
+concept MadeByNew = requires(Args... args) {
+  new T(args...);
+};
+static_assert(!MadeByNew<Box, Fwk::Name> && !MadeByNew<Port, Net::IntfId> && !MadeByNew<Witness>);
+static_assert(std::is_constructible_v<std::string, char const*> && MadeByNew<std::string, char const*>);
+
+TEST(Entity, InStorageOfAnotherKindIsNotCountedAndEndsWithThatStorage) {
+  Fwk::S64 const before = alive(Witness::typeRecord());
+  {
+    Witness local;
+    EXPECT_EQ(alive(Witness::typeRecord()), before);
+    {
+      Ptr<Witness> const pointer(&local);
+      EXPECT_EQ(local.references(), 1U);
+    }
+    EXPECT_EQ(local.references(), 0U);
+    Witness::calls.clear();
+  }
+  EXPECT_EQ(std::ranges::count(Witness::calls, "destructor"), 1);
+  EXPECT_EQ(alive(Witness::typeRecord()), before);
+}
+
+/// Says that it is of a type of its own, and inherits the operation by which `create` could have learnt of another.
+class Heir final : public Witness {
+ public:
+  Fwk::TypeRecord const& fwkType() const override { return Disk::typeRecord(); }
+};
+
+TEST(Create, CountsTheTypeOfWhichTheEntitySaysThatItIs) {
+  Fwk::S64 const disks = alive(Disk::typeRecord());
+  Fwk::S64 const witnesses = alive(Witness::typeRecord());
+  Ptr<Heir> heir = Fwk::create<Heir>();
+  EXPECT_EQ(alive(Disk::typeRecord()), disks + 1);
+  heir = nullptr;
+  EXPECT_EQ(alive(Disk::typeRecord()), disks);
+  EXPECT_EQ(alive(Witness::typeRecord()), witnesses);
 }
 
 TEST(Entity, ATypeMadeFromANameReportsIt) {
@@ -274,6 +315,113 @@ TEST(EntityParent, IsToldToTheMemberWhenItIsSetAndWhenItIsCleared) {
   EXPECT_EQ(orphaned->toldParent, nullptr);
 }
 
+TEST(EntityParent, IsToldToTheMemberOnlyWhenItChanges) {
+  Ptr<Box> const box = Fwk::create<Box>("box");
+  Ptr<Port> const port = Fwk::create<Port>("Ethernet1");
+  port->parentIs(nullptr, 0);
+  EXPECT_EQ(port->parentChanges, 0);
+  port->parentIs(box.get(), Box::portsAttr);
+  port->parentIs(box.get(), Box::diskAttr);
+  EXPECT_EQ(port->parentChanges, 1);
+  EXPECT_EQ(port->parentAttrName(), "disk");
+  port->parentIs(nullptr, 0);
+  port->parentIs(nullptr, 0);
+  EXPECT_EQ(port->parentChanges, 2);
+}
+
+TEST(EntityParent, GivenDirectlyIsLostWhenItEnds) {
+  Ptr<Box> box = Fwk::create<Box>("box");
+  std::vector<Ptr<Port>> ports;
+  for (char const* const intfId : {"Ethernet1", "Ethernet2", "Ethernet3"}) {
+    ports.push_back(Fwk::create<Port>(intfId));
+    ports.back()->parentIs(box.get(), Box::portsAttr);
+  }
+  EXPECT_EQ(ports[1]->fullName(), "box/ports[Ethernet2]");
+  ports[1]->parentIs(nullptr, 0);
+  box = nullptr;
+  for (Ptr<Port> const& port : ports) {
+    EXPECT_EQ(port->parent(), nullptr);
+    EXPECT_EQ(port->parentChanges, 2);
+    EXPECT_EQ(port->toldParent, nullptr);
+  }
+  EXPECT_EQ(ports[0]->fullName(), "Ethernet1");
+}
+
+TEST(EntityParent, GivenDirectlyMayOutliveTheChildAndMayBeReplaced) {
+  Ptr<Box> box = Fwk::create<Box>("box");
+  Ptr<Box> const other = Fwk::create<Box>("other");
+  Ptr<Port> ended = Fwk::create<Port>("Ethernet1");
+  Ptr<Port> const moved = Fwk::create<Port>("Ethernet2");
+  ended->parentIs(box.get(), Box::portsAttr);
+  moved->parentIs(box.get(), Box::portsAttr);
+  ended = nullptr;
+  moved->parentIs(other.get(), Box::portsAttr);
+  box = nullptr;
+  EXPECT_EQ(moved->parent(), other);
+}
+
+/// Keeps its parent alive, against the rule that links go downwards.
+class Clinging final : public Entity {
+ public:
+  ~Clinging() override { held = nullptr; }
+  Fwk::TypeRecord const& fwkType() const override { return Disk::typeRecord(); }
+  void handleParent(Ptr<Entity>) override { ++changes; }
+  Ptr<Entity> held;
+  static inline int changes = 0;
+};
+
+TEST(EntityParent, ThatEndsWithItsChildDoesNotCallTheChildAnyMore) {
+  Fwk::S64 const boxes = alive(Box::typeRecord());
+  Ptr<Clinging> child = Fwk::create<Clinging>();
+  child->held = Fwk::create<Box>("box");
+  child->parentIs(child->held.get(), Box::diskAttr);
+  Clinging::changes = 0;
+  child = nullptr;
+  EXPECT_EQ(alive(Box::typeRecord()), boxes);
+  EXPECT_EQ(Clinging::changes, 0);
+}
+
+/// Refuses to lose its parent.
+class Stubborn final : public Entity {
+ public:
+  Fwk::TypeRecord const& fwkType() const override { return Disk::typeRecord(); }
+  void handleParent(Ptr<Entity> parent) override {
+    if (!parent) throw std::runtime_error("no parent");
+  }
+};
+
+TEST(EntityParent, EndsAlthoughAChildThrows) {
+  Ptr<Stubborn> const child = Fwk::create<Stubborn>();
+  Ptr<Box> box = Fwk::create<Box>("box");
+  child->parentIs(box.get(), Box::diskAttr);
+  box = nullptr;
+  EXPECT_EQ(child->parent(), nullptr);
+}
+
+TEST(EntityParentDeathTest, OfAMemberIsTheCollectionsBusiness) {
+  Ptr<Box> const box = Fwk::create<Box>("box");
+  Ptr<Box> const other = Fwk::create<Box>("other");
+  Ptr<Port> const port = box->portsIs("Ethernet1");
+  Ptr<Disk> const disk = box->diskIs("root");
+  EXPECT_DEATH(port->parentIs(other.get(), Box::portsAttr), "assertion \"!heldByAnAttribute\" failed");
+  EXPECT_DEATH(disk->parentIs(nullptr, 0), "assertion \"!heldByAnAttribute\" failed");
+  box->portsDel("Ethernet1");
+  port->parentIs(other.get(), Box::portsAttr);
+  EXPECT_EQ(port->parent(), other);
+}
+
+TEST(EntityParent, CostsAnEntityTwoPointers) {
+  struct WithoutTheList {
+    void* virtualOperations;
+    Fwk::U32 references;
+    bool flags[2];
+    Fwk::AttrId parentAttr;
+    Entity* parent;
+    Fwk::NotifieeList notifiees;
+  };
+  EXPECT_EQ(sizeof(Entity), sizeof(WithoutTheList) + 2 * sizeof(void*));
+}
+
 TEST(EntityParent, CannotBeTakenHoldOfWhileItEnds) {
   Ptr<Box> box = Fwk::create<Box>("box");
   Ptr<Port> const port = box->portsIs("Ethernet1");
@@ -342,6 +490,11 @@ class Root final : public Entity {
   Fwk::Name name_;
   Fwk::EntityCollection<Net::IntfId, Prefixes> intf_{*this, 258};
 };
+
+TEST(EntityFullName, EscapesWhatWouldCloseTheBrackets) {
+  Ptr<Box> const box = Fwk::create<Box>("box");
+  EXPECT_EQ(box->portsIs("a]/b[\\")->fullName(), "box/ports[a\\]/b[\\\\]");
+}
 
 TEST(EntityFullName, GoesThroughEveryGeneration) {
   Ptr<Root> root = Fwk::create<Root>("ra");

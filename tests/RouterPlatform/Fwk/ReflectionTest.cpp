@@ -157,6 +157,44 @@ TEST_F(Reflection, WhatHasNoTextIsNotReadable) {
   }
 }
 
+TEST_F(Reflection, ReadsAComputedAttributeForAnArgument) {
+  box_->numberIs(21);
+  std::string out = "scaled ";
+  EXPECT_TRUE(Fwk::readAttribute(ref(), "scaled", "3", out));
+  EXPECT_TRUE(Fwk::readAttribute(ref(), Box::scaledAttr, "2", out));
+  EXPECT_EQ(out, "scaled 6342");
+  EXPECT_STREQ(Box::typeRecord().attribute("scaled")->argumentTypeName, "U32");
+}
+
+TEST_F(Reflection, AWrongArgumentIsAnErrorAndReadsNothing) {
+  std::string out = "as it was";
+  EXPECT_EQ(Fwk::readAttribute(ref(), "scaled", "x", out).error, ReflectionError::malformed);
+  EXPECT_EQ(Fwk::readAttribute(ref(), "scaled", "", out).error, ReflectionError::malformed);
+  EXPECT_EQ(Fwk::readAttribute(ref(), "scaled", "4294967296", out).error, ReflectionError::outOfRange);
+  EXPECT_EQ(Fwk::readAttribute(ref(), "nothing", "1", out).error, ReflectionError::noSuchAttribute);
+  ReflectionResult const result = Fwk::readAttribute(ref(), "number", "1", out);
+  EXPECT_EQ(result.error, ReflectionError::notReadable);
+  EXPECT_EQ(result.text, "takes no argument: TestModel::Box::number");
+  EXPECT_EQ(out, "as it was");
+}
+
+TEST_F(Reflection, OnlyAReferenceIsReadAsOne) {
+  Ptr<Fwk::Entity> entity;
+  ReflectionResult const result = Fwk::readReference(ref(), "disk", entity);
+  EXPECT_EQ(result.error, ReflectionError::notReadable);
+  EXPECT_EQ(result.text, "not a reference: TestModel::Box::disk");
+  EXPECT_EQ(Fwk::readReference(ref(), Fwk::AttrId{0}, entity).error, ReflectionError::noSuchAttribute);
+}
+
+TEST_F(Reflection, ReachesTheCollectionOfAValueThatMayChange) {
+  TestModel::Bag bag;
+  bag.marksIs(7, true);
+  Fwk::U64 size = 0;
+  EXPECT_TRUE(
+      Fwk::reflectCollection(Fwk::objectRef(bag), "marks", [&](CollectionView const& marks) { size = marks.size(); }));
+  EXPECT_EQ(size, 1U);
+}
+
 TEST_F(Reflection, WhatIsFixedIsNotSettable) {
   for (std::string_view const name : {"name", "parent", "flagDefault", "twice", "scaled", "point", "ports", "disk"})
     EXPECT_EQ(set(name, "1"), ReflectionError::notSettable) << name;

@@ -191,6 +191,7 @@ class Box final : public Fwk::Entity {
   Point const& point() const { return point_; }
   void pointIs(Point const& v) { attrIs(point_, v, pointAttr); }
   U32 twice() const { return number_ * 2; }
+  U32 scaled(U32 factor) const { return number_ * factor; }
 
   auto const& ports() const { return ports_; }
   Ptr<Port> ports(IntfId key) const { return ports_.member(key); }
@@ -227,8 +228,9 @@ class Box final : public Fwk::Entity {
         scalar<&Box::ratio, &Box::ratioIs>("ratio"), scalar<&Box::text, &Box::textIs>("text"),
         scalar<&Box::colour, &Box::colourIs>("colour"), scalar<&Box::prefix, &Box::prefixIs>("prefix"),
         scalar<&Box::point, &Box::pointIs>("point"), computed<&Box::twice>("twice"), unreflected("hidden"),
-        computedWithArgument<U32>("scaled"), collection<&Box::ports_>("ports"), collection<&Box::labels_>("labels"),
-        collection<&Box::points_>("points"), collection<&Box::addresses_>("addresses"), child<&Box::disk_>("disk"));
+        computedWithArgument<&Box::scaled>("scaled"), collection<&Box::ports_>("ports"),
+        collection<&Box::labels_>("labels"), collection<&Box::points_>("points"),
+        collection<&Box::addresses_>("addresses"), child<&Box::disk_>("disk"));
     static constexpr TypeRecord record = entityRecord<Box, Name>(attrs, live);
     return record;
   }

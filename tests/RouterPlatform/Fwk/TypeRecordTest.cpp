@@ -23,15 +23,10 @@ using TestModel::Disk;
 using TestModel::Point;
 using TestModel::Port;
 
-TEST(LiveCount, CountsWhatIsKeptAndTakesBackWhatIsNot) {
+TEST(LiveCount, CountsUpAndDown) {
   LiveCount count;
-  { LiveCount::Pending const undone(count); }
   EXPECT_EQ(count.value(), 0);
-  {
-    LiveCount::Pending kept(count);
-    EXPECT_EQ(count.value(), 1);
-    kept.keep();
-  }
+  count.add();
   EXPECT_EQ(count.value(), 1);
   count.drop();
   EXPECT_EQ(count.value(), 0);

@@ -48,4 +48,22 @@ TEST(TypeRegistry, KeepsTheFirstOfAName) {
 
 TEST(TypeRegistry, IsOneForTheProcess) { EXPECT_EQ(&Fwk::typeRegistry(), &Fwk::typeRegistry()); }
 
+TEST(TypeRegistry, HasTheEntitiesOfThePlatform) {
+  for (char const* const name :
+       {"Fwk::Entity", "Ip6::IntfStatus", "Ip6::VirtualRouterStatusV6", "SharedTable::CollectionControl"}) {
+    Fwk::TypeRecord const* const type = Fwk::typeRegistry().find(name);
+    ASSERT_NE(type, nullptr) << name;
+    EXPECT_EQ(type->kind, Fwk::TypeKind::entity);
+    EXPECT_EQ(type->baseAttributes().size(), 5U);
+  }
+  EXPECT_EQ(Fwk::typeRegistry().find("Fwk::Entity")->create, nullptr);
+}
+
+TEST(TypeRegistry, HasEveryEntityTypeThatABaseAttributeNames) {
+  for (Fwk::AttributeRecord const& attr : Box::typeRecord().baseAttributes()) {
+    bool const qualified = std::string_view(attr.typeName).find("::") != std::string_view::npos;
+    EXPECT_EQ(Fwk::typeRegistry().find(attr.typeName) != nullptr, qualified) << attr.name;
+  }
+}
+
 }  // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <RouterPlatform/Forms/TextCodec.h>
 #include <RouterPlatform/Fwk/Observe.h>
 #include <RouterPlatform/Fwk/Reflection.h>
 #include <RouterPlatform/Net/Ip6AddrWithMask.h>
