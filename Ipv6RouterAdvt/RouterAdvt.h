@@ -9,3 +9,4 @@
 #include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaStatus.h>
 #include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborStatus.h>
 #include <Ipv6RouterAdvt/RouterAdvt/Status.h>
+#include <Ipv6RouterAdvt/Version.h>

@@ -7,6 +7,7 @@
 #include <RouterPlatform/Fwk/TypeRegistry.h>
 
 #include <cstdio>
+#include <cstring>
 #include <stdexcept>
 
 namespace {
@@ -64,5 +65,7 @@ int main() {
   check(packet.srcIp6Addr() == Ip6Addr("fe80::1"), "the source is read back");
   check(packet.prefixInfo().size() == 1 && packet.prefixInfo().contains(prefix), "the prefix is read back");
   checkSharedTypes(config);
+  check(std::strcmp(version(), ROUTER_ADVT_VERSION) == 0, "the library is of the version of the headers");
+  check(std::strcmp(PACKAGE_VERSION, ROUTER_ADVT_VERSION) == 0, "the package is of the version of the headers");
   return failures == 0 ? 0 : 1;
 }
