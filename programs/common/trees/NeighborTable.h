@@ -12,7 +12,6 @@ class NeighborTable {
   NeighborTable();
   NeighborTable(NeighborTable const&) = delete;
   NeighborTable& operator=(NeighborTable const&) = delete;
-  ~NeighborTable();
 
   /// Why other processes cannot read the table; empty if they can.
   std::string problem() const;
@@ -23,7 +22,7 @@ class NeighborTable {
  private:
   void mountAnewIfLost();
 
-  Fwk::Ptr<Fwk::Entity> root_;  ///< parent of the table: having one mounts it
+  Fwk::Ptr<Fwk::Entity> root_;  ///< holds the rows; its end unmounts the table
   Fwk::Ptr<RouterAdvt::Table::RouterNeighborRaStatus> rows_;
 };
 

@@ -24,6 +24,8 @@ std::string_view shortName(TypeRecord const& type) {
 }
 
 TypeRecord const& findType(std::string const& name) {
+  // A short name that the platform has too means the model's type.
+  if (TypeRecord const* const ours = Fwk::typeRegistry().find("RouterAdvt::" + name)) return *ours;
   std::vector<std::string_view> names;
   for (TypeRecord const* type : Fwk::typeRegistry().types()) {
     if (name == type->name || name == shortName(*type)) return *type;
@@ -42,7 +44,8 @@ std::string typeText(AttributeRecord const& attr) {
 std::string remarkOf(AttributeRecord const& attr) {
   if (!attr.reflected) return "not reached by reflection";
   if (attr.settable()) return "settable";
-  if (attr.kind == Fwk::AttributeKind::computed && !attr.readable() && !attr.visit) return "takes an argument";
+  if (attr.appendFor) return std::string("takes an argument: ") + attr.argumentTypeName;
+  if (attr.refer) return "reference";
   return {};
 }
 

@@ -521,6 +521,23 @@ TEST(TypesCommand, TakesTheQualifiedNameToo) {
   EXPECT_EQ(run({"types", "RouterAdvt::IntfConfig"}).out, run({"types", "IntfConfig"}).out);
 }
 
+TEST(TypesCommand, KnowsTheTypesOfThePlatform) {
+  EXPECT_THAT(run({"types", "SharedTable::CollectionControl"}).out, ContainsRegex("\n258 +mountStatus +scalar "));
+  EXPECT_THAT(run({"types", "Fwk::Entity"}).out, ContainsRegex("\n257 +entity +computed +Fwk::Entity\n"));
+}
+
+TEST(TypesCommand, AShortNameThatThePlatformHasTooMeansTheModelsType) {
+  EXPECT_EQ(run({"types", "IntfStatus"}).out, run({"types", "RouterAdvt::IntfStatus"}).out);
+  EXPECT_NE(run({"types", "IntfStatus"}).out, run({"types", "Ip6::IntfStatus"}).out);
+}
+
+TEST(TypesCommand, NamesTheTypeOfAnArgumentAndAReference) {
+  EXPECT_THAT(run({"types", "DNSServerConfigEntry"}).out,
+              ContainsRegex("\n262 +validLifetime +computed +U32 +takes an argument: U32\n"));
+  EXPECT_THAT(run({"types", "Table::RouterNeighborRaStatus"}).out,
+              ContainsRegex("\n259 +routerNeighborRaControl +scalar +SharedTable::CollectionControl +reference\n"));
+}
+
 TEST(TypesCommand, AnUnknownTypeComesWithTheNearest) {
   Outcome const outcome = run({"types", "IntfConf"});
   EXPECT_EQ(outcome.status, ExitStatus::failed);
