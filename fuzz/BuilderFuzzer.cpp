@@ -1,7 +1,7 @@
 // Whatever is configured, and whatever the packet's buffer held, the advertisement that is built from it stays inside
-// its packet: at most 9 octets behind the buffer's size, zeros behind it, and the rest of the tail room untouched. Its
+// its packet: at most 9 octets behind the buffer's size, and the whole tail room is zeros. Its
 // IPv6 payload length and its checksum are those of its octets, its options end exactly where it does, and building
-// again gives the same.
+// again gives the same. What it lacks was left out for want of room, and is named.
 
 #include <Ipv6RouterAdvt/RouterAdvt.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils.h>
@@ -134,69 +134,73 @@ void configureDns(IntfConfig& config, Choices& choices) {
   }
 }
 
-/// Everything that `makeIp6RaPkt` takes.
-struct Advert {
-  explicit Advert(Choices& choices) {
-    // The small ones, at which little fits, first.
-    S32 const kind = choices.octet() % 4;
-    mtu = kind == 0   ? 86 + static_cast<S32>(choices.below(200))
-          : kind == 1 ? 1280 + static_cast<S32>(choices.below(300))
-                      : 86 + static_cast<S32>(choices.below(9000));
-    if (choices.octet() == 255) mtu = 2147483647;
-    advertiseLifetime = choices.octet() % 8 != 0;
-    deathPacket = choices.octet() % 8 == 0;
-    useVirtualRouter = choices.octet() % 3 == 0;
-    configureScalars(*config, choices);
-    configurePrefixes(*config, choices);
-    configureDns(*config, choices);
-    status->nsRetransmitIntervalIs(choices.number());
-    for (unsigned count = choices.count(); count > 0; --count) status->addrIs(choices.prefix());
-    if (choices.octet() % 4 != 0) virtualRouter = VirtualRouterStatusV6::VirtualRouterStatusV6Is("vrrp");
-    if (virtualRouter)
-      for (unsigned count = choices.count(); count > 0; --count) virtualRouter->prefixIs(choices.prefix());
-    srcAddr = choices.address();
-    dstAddr = choices.address();
-    srcMac = choices.mac();
-    dstMac = choices.mac();
+AdvertRequest requestOf(Choices& choices) {
+  AdvertRequest request;
+  // The small ones, at which little fits, first.
+  S32 const kind = choices.octet() % 4;
+  request.mtu = kind == 0   ? 86 + static_cast<S32>(choices.below(200))
+                : kind == 1 ? 1280 + static_cast<S32>(choices.below(300))
+                            : 86 + static_cast<S32>(choices.below(9000));
+  if (choices.octet() == 255) request.mtu = 2147483647;
+  request.advertiseLifetime = choices.octet() % 8 != 0;
+  request.deathPacket = choices.octet() % 8 == 0;
+  request.useVirtualRouter = choices.octet() % 3 == 0;
+  auto const config = IntfConfig::IntfConfigIs("Ethernet1");
+  configureScalars(*config, choices);
+  configurePrefixes(*config, choices);
+  configureDns(*config, choices);
+  request.intfConfig = config;
+  auto const status = Ip6::IntfStatus::IntfStatusIs("Ethernet1");
+  status->nsRetransmitIntervalIs(choices.number());
+  for (unsigned count = choices.count(); count > 0; --count) status->addrIs(choices.prefix());
+  request.intfStatus = status;
+  if (choices.octet() % 4 != 0) {
+    auto const virtualRouter = VirtualRouterStatusV6::VirtualRouterStatusV6Is("vrrp");
+    for (unsigned count = choices.count(); count > 0; --count) virtualRouter->prefixIs(choices.prefix());
+    request.virtualRouterStatus = virtualRouter;
   }
-
-  Ptr<Pkt> pkt() const {
-    return makeIp6RaPkt(srcAddr, dstAddr, srcMac, dstMac, status, config, advertiseLifetime, mtu, useVirtualRouter,
-                        virtualRouter, "Ethernet1", deathPacket);
-  }
-
-  Ip6Addr srcAddr, dstAddr;
-  EthAddr srcMac, dstMac;
-  Ptr<Ip6::IntfStatus> status = Ip6::IntfStatus::IntfStatusIs("Ethernet1");
-  Ptr<IntfConfig> config = IntfConfig::IntfConfigIs("Ethernet1");
-  Ptr<VirtualRouterStatusV6> virtualRouter;
-  S32 mtu;
-  bool advertiseLifetime, useVirtualRouter, deathPacket;
-};
+  request.srcAddr = choices.address();
+  request.dstAddr = choices.address();
+  request.srcMac = choices.mac();
+  request.dstMac = choices.mac();
+  return request;
+}
 
 /// The advertisement, built where every octet of the buffer was `dirt`.
-Ptr<Pkt> pktInDirt(Advert const& advert, U8 dirt) {
+Ptr<Pkt> pktInDirt(AdvertRequest const& request, LeftOut& leftOut, U8 dirt) {
   {
     auto const former = Net::globalPktManager().newPkt();  // its buffer comes back next
     former->reserveHeadData(Net::PktManager::newPktCapacity - Pkt::minTailRoom);
     former->trimTailData(-static_cast<Fwk::S64>(former->tailRoom()));
     std::fill(former->octets().begin(), former->octets().end(), dirt);
   }
-  return advert.pkt();
+  return build(request, &leftOut);
 }
 
-void check(Advert const& advert, Pkt& pkt, U8 dirt) {
+void check(AdvertRequest const& request, Pkt& pkt) {
   Frame::View const frame(pkt.data(), pkt.size());
-  U64 const pktBufSize = static_cast<U64>(std::min(advert.mtu, 1536));
+  U64 const pktBufSize = static_cast<U64>(std::min(request.mtu, 1536));
   FUZZ_CHECK(frame.size() >= 78);
   FUZZ_CHECK(frame.size() <= pktBufSize + 9);
-  for (U64 at = pkt.size(); at < pkt.size() + pkt.tailRoom(); ++at) {
-    bool const zeroed = at - pkt.size() < Pkt::minTailRoom || (at >= pktBufSize && at - pktBufSize < Pkt::minTailRoom);
-    FUZZ_CHECK(pkt.data()[at] == (zeroed ? 0 : dirt));
-  }
+  for (U64 at = pkt.size(); at < pkt.size() + pkt.tailRoom(); ++at) FUZZ_CHECK(pkt.data()[at] == 0);
   FUZZ_CHECK(Frame::u16At(frame, 18) == frame.size() - Frame::icmp6Offset);
   FUZZ_CHECK(Frame::u16At(frame, 56) == Frame::icmp6Checksum(frame));
   FUZZ_CHECK(Frame::options(frame).has_value());
+}
+
+/// Servers and prefixes are sent or left out, each once.
+void checkLeftOut(AdvertRequest const& request, LeftOut const& leftOut, Pkt& pkt) {
+  std::size_t servers = 0, prefixes = 0;
+  for (Frame::Octets const& option : Frame::options({pkt.data(), pkt.size()}).value_or(std::vector<Frame::Octets>())) {
+    servers += option[0] == 25 ? (option.size() - 8) / 16 : 0;
+    prefixes += option[0] == 3;
+  }
+  FUZZ_CHECK(servers + leftOut.servers.size() == request.intfConfig->dnsServers().size());
+  if (!request.useVirtualRouter && request.intfConfig->prefixesToAdvertise()) {
+    std::size_t advertised = 0;
+    for (auto const& [key, entry] : request.intfConfig->prefixes()) advertised += !entry->noAdvertise();
+    FUZZ_CHECK(prefixes + leftOut.prefixes.size() == advertised);
+  }
 }
 
 }  // namespace
@@ -205,11 +209,15 @@ std::size_t const fuzzGeneratedInputs = 100'000;
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   Choices choices({data, size});
-  Advert const advert(choices);
-  Ptr<Pkt> const pkt = pktInDirt(advert, 0xff);
-  check(advert, *pkt, 0xff);
-  Ptr<Pkt> const again = pktInDirt(advert, 0x5a);
-  check(advert, *again, 0x5a);
+  AdvertRequest const request = requestOf(choices);
+  LeftOut leftOut, leftOutAgain;
+  Ptr<Pkt> const pkt = pktInDirt(request, leftOut, 0xff);
+  check(request, *pkt);
+  checkLeftOut(request, leftOut, *pkt);
+  Ptr<Pkt> const again = pktInDirt(request, leftOutAgain, 0x5a);
+  check(request, *again);
   FUZZ_CHECK(std::ranges::equal(pkt->octets(), again->octets()));
+  Ptr<Pkt> const unasked = build(request);
+  FUZZ_CHECK(std::ranges::equal(pkt->octets(), unasked->octets()));
   return 0;
 }

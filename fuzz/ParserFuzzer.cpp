@@ -1,7 +1,7 @@
-// Whatever arrives as a message, the parser ends, reads nothing outside the message (what stands behind it changes
-// nothing), leaves the packet as it was, and gives the record that a reading octet by octet gives: the same one each
-// time, and the empty one exactly when that reading comes to an option of length 0. The checksum is right or wrong as
-// summing octet by octet says.
+// Whatever arrives as a message, the parser ends, reads no option outside the message (what stands behind it changes
+// only header fields that the message lacks), leaves the packet as it was, and gives the record that a reading octet by
+// octet gives: the same one each time, and the empty one exactly when that reading comes to an option of length 0. The
+// checksum is right or wrong as summing octet by octet says.
 
 #include <Ipv6RouterAdvt/RouterAdvt/RaPacket.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils.h>
@@ -53,15 +53,17 @@ void takePrefix(Message const& message, std::size_t at, RaPacket& packet) {
 
 /// The record by the plainest reading there is. A walk that comes where it has been goes round until as many options
 /// are taken as there are places for one.
-RaPacket expectedRecord(Message const& message) {
+///
+/// `header` is the message with what stands behind it in the packet.
+RaPacket expectedRecord(Message const& header, Message const& message) {
   RaPacket packet(intfId);
   packet.srcIp6AddrIs(source);
-  packet.curHopLimitIs(message.octet(4));
-  packet.managedConfigFlagIs((message.octet(5) & 0x80) != 0);
-  packet.otherConfigFlagIs((message.octet(5) & 0x40) != 0);
-  packet.routerLifeTimeIs(static_cast<U16>(message.number(6, 2)));
-  packet.reachableTimeIs(message.number(8, 4));
-  packet.retransTimerIs(message.number(12, 4));
+  packet.curHopLimitIs(header.octet(4));
+  packet.managedConfigFlagIs((header.octet(5) & 0x80) != 0);
+  packet.otherConfigFlagIs((header.octet(5) & 0x40) != 0);
+  packet.routerLifeTimeIs(static_cast<U16>(header.number(6, 2)));
+  packet.reachableTimeIs(header.number(8, 4));
+  packet.retransTimerIs(header.number(12, 4));
   std::size_t at = 16;
   for (int options = 0; options < 8192 && at + 2 <= message.size(); ++options) {
     U8 const type = message.octet(at);
@@ -95,31 +97,30 @@ bool expectedChecksumValid(Octets message) {
   return static_cast<U16>(~sum) == received;
 }
 
-/// The message with other octets behind it in the packet.
-Ptr<Ip6PktInfo> packetWithTail(Octets const& message, U8 tail) {
-  Octets data = message;
-  data.insert(data.end(), 64, tail);
+/// A packet with other octets behind the message, which has `size` octets.
+Ptr<Ip6PktInfo> packetWithTail(Octets const& data, std::size_t size) {
   auto pkt = Net::globalPktManager().newPkt();
   pkt->dataIs(data);
-  pkt->icmp6MsgIs(0, message.size());
+  pkt->icmp6MsgIs(0, size);
   return Ip6PktInfo::make(std::move(pkt), source, dest, 255);
 }
 
 void check(Octets const& message) {
-  RaPacket const expected = expectedRecord(Message(message));
   bool const checksumValid = expectedChecksumValid(message);
   for (U8 const tail : Octets{0, 3, 0xff}) {
-    auto const info = packetWithTail(message, tail);
+    Octets data = message;
+    data.insert(data.end(), 64, tail);
+    auto const info = packetWithTail(data, message.size());
     FUZZ_CHECK(icmp6ChecksumValid(info) == checksumValid);
     RaPacket const packet = makeRaPacketType(intfId, info);
-    FUZZ_CHECK(packet == expected);
+    FUZZ_CHECK(packet == expectedRecord(Message(data), Message(message)));
     FUZZ_CHECK(!packet == packet.intfId().empty());
     FUZZ_CHECK(std::memcmp(info->packet()->data(), message.data(), message.size()) == 0);
   }
   // In an allocation that ends with the message, give or take the packet's own room.
   auto const received = Ip6PktInfo::fromIcmp6Message(message, source, dest, 255);
   FUZZ_CHECK(static_cast<bool>(received));
-  FUZZ_CHECK(makeRaPacketType(intfId, received.info) == expected);
+  FUZZ_CHECK(makeRaPacketType(intfId, received.info) == expectedRecord(Message(message), Message(message)));
 }
 
 /// The message with its options again and again, until the 16-bit offset has wrapped.

@@ -1,15 +1,13 @@
 #include <Ipv6RouterAdvt/RouterAdvt/PrefixDefault.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils/AdvertisedPrefixes.h>
-#include <Ipv6RouterAdvt/RouterAdvtUtils/OptionWriter.h>
-#include <Ipv6RouterAdvt/RouterAdvtUtils/PrefixInfoOption.h>
 #include <RouterPlatform/Ip6/IntfStatus.h>
 #include <RouterPlatform/Ip6/VirtualRouterStatusV6.h>
-#include <RouterPlatform/Nd/Icmp6HdrOptions.h>
+#include <RouterPlatform/Nd/PrefixInfo.h>
 #include <RouterPlatform/Trace/Assert.h>
 
-#include <cstring>
-
 namespace RouterAdvt {
+
+using Net::Seconds32;
 
 namespace {
 
@@ -27,64 +25,82 @@ struct PrefixParameters {
         validLifetime(entry.validLifetime()) {}
 };
 
-/// Whether one more prefix fits; says so when it does not.
-bool prefixFits(U64 msgLen, U64 pktBufSize) {
-  if (pktBufSize >= msgLen + sizeof(Net::Icmp6HdrPrefixInfoOption)) return true;
-  traceCouldNotCopy("prefix", msgLen, pktBufSize);
-  return false;
-}
+/// The Prefix Information options of a draft: up to the first prefix that does not fit.
+class PrefixList {
+ public:
+  explicit PrefixList(AdvertDraft& draft) : draft_(draft) {}
 
-void copyPrefix(U8* buf, U64& msgLen, Ip6AddrWithMask const& prefix, PrefixParameters const& parameters) {
-  std::memset(buf + msgLen, 0, sizeof(Net::Icmp6HdrPrefixInfoOption));  // a flag that is clear is not written
-  copyPrefixToRaMsgBuf(buf, msgLen, prefix, parameters.noOnLink, parameters.noAutoConfig, parameters.preferredLifetime,
-                       parameters.validLifetime);
-}
+  /// Whether a prefix did not fit: what is walked over now is left out, without a message.
+  bool isFull() const { return full_; }
+  /// Whether there is any use in going on.
+  bool isOpen() const { return !full_ || draft_.notesLeftOut(); }
+
+  /// False: it is left out.
+  bool add(Ip6AddrWithMask const& prefix, PrefixParameters const& parameters,
+           Trace::Location place = Trace::Location::here(utilsSource)) {
+    if (!full_ && put(draft_.out, Net::PrefixInfo{.prefix = prefix,
+                                                  .onLink = !parameters.noOnLink,
+                                                  .autonomous = !parameters.noAutoConfig,
+                                                  .validLifetime = Seconds32(parameters.validLifetime),
+                                                  .preferredLifetime = Seconds32(parameters.preferredLifetime)}))
+      return true;
+    if (!full_) draft_.prefixesEnd(place);
+    full_ = true;
+    draft_.leaveOut(prefix);
+    return false;
+  }
+
+ private:
+  AdvertDraft& draft_;
+  bool full_ = false;
+};
 
 }  // namespace
 
-void copyVirtualRouterPrefixesToRaMsgBuf(U8* buf, U64& msgLen, U64 pktBufSize, IntfConfig const& intfConfig,
+void copyVirtualRouterPrefixesToRaMsgBuf(AdvertDraft& draft, IntfConfig const& intfConfig,
                                          VirtualRouterStatusV6 const& virtualRouterStatus) {
+  PrefixList list(draft);
   PrefixParameters parameters;  // not reset between prefixes: one that is not configured inherits
   for (Ip6AddrWithMask const& prefix : virtualRouterStatus.prefix().frozen()) {
+    if (!list.isOpen()) return;
     if (PrefixConfigEntry const* const entry = intfConfig.prefixes().find(prefix)) {
       if (entry->noAdvertise()) {
-        UTILS_TRACE(3, "PrefixList: noAdvertise set for prefix. Skip ", prefix);
+        if (!list.isFull()) DRAFT_TRACE(draft, 3, "PrefixList: noAdvertise set for prefix. Skip ", prefix);
         continue;
       }
       parameters = PrefixParameters(*entry);
     }
-    if (!prefixFits(msgLen, pktBufSize)) return;
-    UTILS_TRACE(3, "Copy prefix: ", prefix, " to MsgBuf");
-    copyPrefix(buf, msgLen, prefix, parameters);
+    if (list.add(prefix, parameters)) DRAFT_TRACE(draft, 3, "Copy prefix: ", prefix, " to MsgBuf");
   }
 }
 
-void copyConfiguredPrefixesToRaMsgBuf(U8* buf, U64& msgLen, U64 pktBufSize, IntfConfig const& intfConfig) {
+void copyConfiguredPrefixesToRaMsgBuf(AdvertDraft& draft, IntfConfig const& intfConfig) {
+  PrefixList list(draft);
   for (PrefixConfigEntry const& entry : intfConfig.prefixes().frozen()) {
+    if (!list.isOpen()) return;
     if (entry.noAdvertise()) continue;
-    if (!prefixFits(msgLen, pktBufSize)) return;
-    UTILS_TRACE(8, "Copy prefix: ", entry.key(), " to MsgBuf");
-    copyPrefix(buf, msgLen, entry.key(), PrefixParameters(entry));
+    if (list.add(entry.key(), PrefixParameters(entry)))
+      DRAFT_TRACE(draft, 8, "Copy prefix: ", entry.key(), " to MsgBuf");
   }
 }
 
-void copyAddressPrefixesToRaMsgBuf(U8* buf, U64& msgLen, U64 pktBufSize, IntfConfig const& intfConfig,
+void copyAddressPrefixesToRaMsgBuf(AdvertDraft& draft, IntfConfig const& intfConfig,
                                    Ip6::IntfStatus const& ip6IntfStatus) {
+  PrefixList list(draft);
   for (Ip6AddrWithMask const& address : ip6IntfStatus.addr().frozen()) {
+    if (!list.isOpen()) return;
     Ip6AddrWithMask const addrPrefix = address.subnet();
     if (address.address().isLinkLocal()) {
-      UTILS_TRACE(3, "PrefixList: Skip LinkLocal Address ", address);
+      if (!list.isFull()) DRAFT_TRACE(draft, 3, "PrefixList: Skip LinkLocal Address ", address);
       continue;
     }
     if (PrefixConfigEntry const* const entry = intfConfig.prefixes().find(addrPrefix)) {
       ASSERT_AT_TEXT(entry->noAdvertise(), Trace::Location::here(utilsSource),
                      "intfRouterAdvtConfigPtr->prefixes( addrPrefix )->noAdvertise()");
-      UTILS_TRACE(3, "PrefixList: noAdvertise set for prefix. Skip ", address);
+      if (!list.isFull()) DRAFT_TRACE(draft, 3, "PrefixList: noAdvertise set for prefix. Skip ", address);
       continue;
     }
-    if (!prefixFits(msgLen, pktBufSize)) return;
-    UTILS_TRACE(3, "Copy prefix: ", addrPrefix, " to MsgBuf");
-    copyPrefix(buf, msgLen, addrPrefix, PrefixParameters());
+    if (list.add(addrPrefix, PrefixParameters())) DRAFT_TRACE(draft, 3, "Copy prefix: ", addrPrefix, " to MsgBuf");
   }
 }
 

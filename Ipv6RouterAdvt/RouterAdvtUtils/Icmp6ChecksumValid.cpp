@@ -6,8 +6,11 @@ namespace RouterAdvt {
 using Net::Icmp6Hdr;
 using Net::IpChecksum;
 
+// The line number in this message is part of the interface: log readers match it.
+constexpr int entryLine = 598;
+
 bool icmp6ChecksumValid(Ptr<Ip6PktInfo> const& pktInfo) {
-  TRACE_AT(utilsTrace, 8, Trace::Location{utilsSource, 598, "icmp6ChecksumValid"},
+  TRACE_AT(utilsTrace, 8, Trace::Location{utilsSource, entryLine, "icmp6ChecksumValid"},
            "bool RouterAdvt::icmp6ChecksumValid(const Ptr&)");
   Pkt& pkt = *pktInfo->packet();
   Icmp6Hdr& icmp6Hdr = *pkt.icmp6Hdr();

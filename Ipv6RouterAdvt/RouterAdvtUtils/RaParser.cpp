@@ -1,78 +1,76 @@
 #include <Ipv6RouterAdvt/RouterAdvtUtils/RaParser.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils/UtilsTrace.h>
-#include <RouterPlatform/Nd/Icmp6RouterAdvertisementHdr.h>
+#include <RouterPlatform/Nd/Mtu.h>
 #include <RouterPlatform/Nd/OptionReader.h>
-#include <RouterPlatform/Packet/HeaderAt.h>
+#include <RouterPlatform/Nd/PrefixInfo.h>
+#include <RouterPlatform/Nd/RaHeader.h>
 
-#include <cstring>
+#include <algorithm>
 
 namespace RouterAdvt {
 
-using Net::Icmp6Hdr;
-using Net::Icmp6HdrMtuOption;
-using Net::Icmp6HdrPrefixInfoOption;
-using Net::Icmp6RouterAdvertisementHdr;
+using Net::RaHeader;
 using Octets = std::span<U8 const>;
 
 namespace {
+
+// Line numbers in these messages are part of the interface: log readers match them.
+constexpr int entryLine = 539;
+constexpr int lengthZeroLine = 588;
 
 constexpr Trace::Location at(int line) { return {utilsSource, line, "makeRaPacketType"}; }
 
 Octets messageOf(Pkt& pkt) { return {reinterpret_cast<U8 const*>(pkt.icmp6Hdr()), pkt.icmp6MsgLen()}; }
 
-/// What there is of the header: it does not depend on the message's length being known.
-Octets headerOctetsOf(Pkt& pkt) { return pkt.icmp6MsgLen() > 0 ? messageOf(pkt) : pkt.octets(); }
+/// From the message's first octet to the end of the data: the header is read whatever the message's length.
+Octets headerOctetsOf(Pkt& pkt) {
+  U8 const* const message = messageOf(pkt).data();
+  return {message, pkt.data() + pkt.size()};
+}
 
-struct Header {
-  Icmp6Hdr icmp6;
-  Icmp6RouterAdvertisementHdr advertisement;
-};
-static_assert(sizeof(Header) == Net::OptionReader::optionsOffset);
-
-/// The header of a message that is shorter than one: what it lacks is 0.
-Header paddedHeader(Octets octets) {
-  Header header{};
-  std::memcpy(static_cast<void*>(&header), octets.data(), octets.size());
-  return header;
+/// The header of data that ends before it does: what it lacks is 0.
+RaHeader paddedHeader(Octets octets) {
+  std::array<U8, RaHeader::size> padded{};
+  std::ranges::copy(octets, padded.begin());
+  return *Net::takeRaHeader(padded, 0);
 }
 
 void readHeader(Octets octets, RaPacket& packet) {
-  auto const* const whole = Net::headerAt<Header>(octets, 0);
-  Icmp6RouterAdvertisementHdr const advertisement = whole ? whole->advertisement : paddedHeader(octets).advertisement;
-  packet.curHopLimitIs(advertisement.curHopLimit);
-  packet.managedConfigFlagIs(advertisement.managedConfigFlag());
-  packet.otherConfigFlagIs(advertisement.otherConfigFlag());
-  packet.reachableTimeIs(advertisement.reachableTime);
-  packet.retransTimerIs(advertisement.retransTimer);
-  packet.routerLifeTimeIs(advertisement.routerLifetime);
+  auto const whole = Net::takeRaHeader(octets, 0);
+  RaHeader const header = whole ? *whole : paddedHeader(octets);
+  packet.curHopLimitIs(header.curHopLimit);
+  packet.managedConfigFlagIs(header.managedConfig);
+  packet.otherConfigFlagIs(header.otherConfig);
+  packet.routerLifeTimeIs(header.routerLifetime.count());
+  packet.reachableTimeIs(header.reachableTime.count());
+  packet.retransTimerIs(header.retransTimer.count());
 }
 
-void takeMtu(Icmp6HdrMtuOption const& option, RaPacket& packet) {
+void recordMtu(Net::Mtu const& mtu, RaPacket& packet) {
   packet.mtuSpecifiedIs(true);
-  packet.mtuIs(option.mtu);
+  packet.mtuIs(mtu.octets);
 }
 
-void takePrefix(Icmp6HdrPrefixInfoOption const& option, RaPacket& packet) {
-  Ip6AddrWithMask const prefix(Ip6Addr::fromBytes(option.prefix), option.prefixLength);
-  RaPacketPrefixInfo const* const known = packet.prefixInfo().find(prefix);
+void recordPrefix(Net::PrefixInfo const& option, RaPacket& packet) {
+  RaPacketPrefixInfo const* const known = packet.prefixInfo().find(option.prefix);
   // An entry that equals the default one does not count as known: one of ::/0 without flags and lifetimes.
   if (known && *known != RaPacketPrefixInfo()) return;
-  RaPacketPrefixInfo info(prefix);
-  info.onLinkFlagIs(option.onLinkFlag());
-  info.autoConfigFlagIs(option.autoAddressFlag());
-  info.validLifetimeIs(option.validLifetime);
-  info.preferredLifetimeIs(option.preferredLifetime);
-  packet.prefixInfoIs(prefix, info);
+  RaPacketPrefixInfo info(option.prefix);
+  info.onLinkFlagIs(option.onLink);
+  info.autoConfigFlagIs(option.autonomous);
+  info.validLifetimeIs(option.validLifetime.count());
+  info.preferredLifetimeIs(option.preferredLifetime.count());
+  packet.prefixInfoIs(option.prefix, info);
 }
 
 /// False: there is an option of length 0, and what was read is worth nothing.
 bool readOptions(Octets message, RaPacket& packet) {
   for (Net::OptionReader reader(message); reader.next();) {
     if (reader.length() == 0) return false;
-    if (reader.type() == Icmp6HdrPrefixInfoOption::typeValue) {
-      if (auto const* const option = reader.as<Icmp6HdrPrefixInfoOption>()) takePrefix(*option, packet);
-    } else if (reader.type() == Icmp6HdrMtuOption::typeValue) {
-      if (auto const* const option = reader.as<Icmp6HdrMtuOption>()) takeMtu(*option, packet);
+    if (reader.type() == Net::Icmp6HdrPrefixInfoOption::typeValue) {
+      if (auto const prefix = Net::takePrefixInfo(message, reader.offset())) recordPrefix(*prefix, packet);
+    } else if (reader.type() == Net::Icmp6HdrMtuOption::typeValue) {
+      if (auto const mtu = Net::takeMtu(message, reader.offset())) recordMtu(*mtu, packet);
     }
   }
   return true;
@@ -81,14 +79,14 @@ bool readOptions(Octets message, RaPacket& packet) {
 }  // namespace
 
 RaPacket makeRaPacketType(IntfId intfId, Ptr<Ip6PktInfo> const& pktInfo) {
-  TRACE_AT(utilsTrace, 8, at(539), "RouterAdvt::RaPacket RouterAdvt::makeRaPacketType(IntfId, const Ptr<Ip6PktInfo>&)",
-           " for ", intfId);
+  TRACE_AT(utilsTrace, 8, at(entryLine),
+           "RouterAdvt::RaPacket RouterAdvt::makeRaPacketType(IntfId, const Ptr<Ip6PktInfo>&)", " for ", intfId);
   Pkt& pkt = *pktInfo->packet();
   RaPacket packet(intfId);
   packet.srcIp6AddrIs(pktInfo->sourceAddr());
   readHeader(headerOctetsOf(pkt), packet);
   if (!readOptions(messageOf(pkt), packet)) {
-    TRACE_AT(utilsTrace, 3, at(588), "Router Advertisement msg. has option with length 0 ");
+    TRACE_AT(utilsTrace, 3, at(lengthZeroLine), "Router Advertisement msg. has option with length 0 ");
     packet = RaPacket(IntfId());
   }
   return packet;

@@ -15,11 +15,11 @@ using Net::Ip6PktInfo;
 /// Lenient: type, code, checksum, hop limit and source address are the caller's to check. The one thing that is
 /// rejected, traced at level 3, is an option of length 0: the result is the empty packet then (`!packet`).
 ///
-/// Nothing outside the message's octets is read, whatever lengths it has. Header fields that a short message lacks are
-/// 0. A Prefix Information or MTU option with a field behind the end of the message gives nothing and is passed over by
-/// its length, as other options are. The time is linear in the size of the message, and bounded. Up to 4 prefixes take
-/// no allocation. Keeps no state: any thread that owns the packet may call this. A descriptor without a packet is a
-/// programming error.
+/// The header's 16 octets are read whatever the length of the message; what lies behind the packet's data is 0. Of the
+/// options nothing outside the message is read, whatever lengths it has. A Prefix Information or MTU option with a
+/// field behind the end of the message gives nothing and is passed over by its length, as other options are. The time
+/// is linear in the size of the message, and bounded. Up to 4 prefixes take no allocation. Keeps no state: any thread
+/// that owns the packet may call this. A descriptor without a packet is a programming error.
 ROUTER_ADVT_EXPORT RaPacket makeRaPacketType(IntfId intfId, Ptr<Ip6PktInfo> const& pktInfo);
 
 }  // namespace RouterAdvt

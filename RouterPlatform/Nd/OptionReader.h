@@ -1,6 +1,7 @@
 #pragma once
 
-#include <RouterPlatform/Nd/Icmp6HdrOptions.h>
+#include <RouterPlatform/Nd/OptionHead.h>
+#include <RouterPlatform/Nd/RaHeader.h>
 #include <RouterPlatform/Packet/HeaderAt.h>
 
 #include <span>
@@ -8,14 +9,14 @@
 namespace Net {
 
 /// Goes from option to option of a Router Advertisement, RFC 4861 4.6. Only type and length of an option have to lie in
-/// the message; its fields are read through `as`. Refers to the message.
+/// the message; its fields are read by the option's own `take` function. Refers to the message.
 ///
 /// The offset has 16 bits. In a message of about 64 KiB or more it wraps, and the walk goes on at a small offset, among
 /// octets that it has passed before.
 class OptionReader {
  public:
   /// Octets of a message before its options, RFC 4861 4.2.
-  static constexpr U16 optionsOffset = 16;
+  static constexpr U16 optionsOffset = RaHeader::size;
   /// Offsets are multiples of 8 below 2^16: after so many options the walk only repeats itself, and ends.
   static constexpr U32 optionsMax = (1U << 16) / 8;
 
@@ -28,7 +29,7 @@ class OptionReader {
     ++count_;
     option_ = found;
     offset_ = nextOffset_;
-    nextOffset_ = static_cast<U16>(nextOffset_ + 8 * found->length);
+    nextOffset_ = static_cast<U16>(nextOffset_ + found->length * Icmp6HdrOption::lengthUnit);
     return true;
   }
 
@@ -39,11 +40,9 @@ class OptionReader {
   U16 offset() const noexcept { return offset_; }
   U8 type() const noexcept { return option_->type; }
   U8 length() const noexcept { return option_->length; }  ///< units of 8 octets
-  /// The option's fields, whatever its length says; null when they pass the end of the message.
-  template <class Option>
-  Option const* as() const noexcept {
-    return headerAt<Option>(message_, offset_);
-  }
+  /// Whether all octets that the length speaks of are there, and it is not 0.
+  bool complete() const noexcept { return length() > 0 && size() <= message_.size() - offset_; }
+  U64 size() const noexcept { return length() * Icmp6HdrOption::lengthUnit; }  ///< octets
 
  private:
   std::span<U8 const> message_;

@@ -32,6 +32,8 @@ static_assert(sizeof(Icmp6PseudoHdr) == 40 && alignof(Icmp6PseudoHdr) == 1);
 struct Icmp6Hdr {
   static constexpr U8 routerSolicitation = 133;   ///< RFC 4861 4.1
   static constexpr U8 routerAdvertisement = 134;  ///< RFC 4861 4.2
+  /// Of every Neighbor Discovery message, which routers do not forward: RFC 4861 4.1 to 4.5. Others are dropped, 6.1.2.
+  static constexpr U8 neighborDiscoveryHopLimit = 255;
 
   NetU8 type;
   NetU8 code;

@@ -85,6 +85,7 @@ Ip6PktInfo::Result fromIp6At(Octets octets, U64 ip6Offset, PktManager& manager) 
     return {nullptr, reason};
 
   U64 const payloadOffset = ip6Offset + sizeof *header;
+  if (payloadOffset + payload.size() > Pkt::maxSize) return {nullptr, Reason::messageTooLong};  // behind many tags
   auto pkt = copied(octets.first(payloadOffset + payload.size()), payloadOffset + icmp6Offset, manager);
   if (!pkt) return {nullptr, Reason::noPacket};
   pkt->ip6HdrOffsetIs(ip6Offset);

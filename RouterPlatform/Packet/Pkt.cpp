@@ -10,7 +10,7 @@
 namespace Net {
 
 Pkt::Pkt(PktManager& manager, std::unique_ptr<U8[]> buffer, U64 capacity) noexcept
-    : manager_(manager), buffer_(std::move(buffer)), capacity_(capacity) {
+    : manager_(manager), buffer_(std::move(buffer)), capacity_(capacity), soiledEnd_(capacity) {
   reset();
 }
 
@@ -20,11 +20,31 @@ void Pkt::onZeroReferences() noexcept {
 
 /// Empty, all room at the head: that is where it is needed first.
 void Pkt::reset() noexcept {
+  noteSoiled();
   start_ = capacity_ - minTailRoom;
   size_ = 0;
   ip6Offset_ = icmp6Offset_ = icmp6Length_ = 0;
   ip6Located_ = false;
-  std::memset(data(), 0, minTailRoom);
+  clear(start_, capacity_);
+}
+
+/// The data may have been written: it is soiled once it is data no more.
+void Pkt::noteSoiled() noexcept {
+  if (size_ == 0) return;
+  bool const any = soiledBegin_ < soiledEnd_;
+  soiledBegin_ = any ? std::min(soiledBegin_, start_) : start_;
+  soiledEnd_ = any ? std::max(soiledEnd_, start_ + size_) : start_ + size_;
+}
+
+/// Zeroes what is soiled between `begin` and `end`.
+void Pkt::clear(U64 begin, U64 end) noexcept {
+  U64 const from = std::max(begin, soiledBegin_), to = std::min(end, soiledEnd_);
+  if (from >= to) return;
+  std::memset(buffer_.get() + from, 0, to - from);
+  if (to == soiledEnd_)
+    soiledEnd_ = from;
+  else if (from == soiledBegin_)
+    soiledBegin_ = to;
 }
 
 void Pkt::growFor(U64 headData) {
@@ -35,6 +55,8 @@ void Pkt::growFor(U64 headData) {
   buffer_ = std::move(larger);
   capacity_ = capacity;
   start_ = start;
+  soiledBegin_ = 0;
+  soiledEnd_ = capacity;
 }
 
 U8* Pkt::reserveHeadDataUninitialized(U64 count) {
@@ -44,14 +66,20 @@ U8* Pkt::reserveHeadDataUninitialized(U64 count) {
   size_ += count;
   if (ip6Located_) ip6Offset_ += count;
   if (icmp6Length_ > 0) icmp6Offset_ += count;
-  std::memset(data() + size_, 0, minTailRoom);
+  clear(start_ + size_, start_ + size_ + minTailRoom);
   return data();
 }
 
 U8* Pkt::reserveHeadData(U64 count) {
   U8* const head = reserveHeadDataUninitialized(count);
-  std::memset(head, 0, count);
+  clear(start_, start_ + count);
   return head;
+}
+
+void Pkt::trimZeroTail(U64 count) {
+  ASSERT_AT(count <= size_, Trace::Location::here());
+  size_ -= count;
+  forgetHeadersOutside();
 }
 
 void Pkt::trimTailData(Fwk::S64 count) {
@@ -61,6 +89,7 @@ void Pkt::trimTailData(Fwk::S64 count) {
     size_ += added;
   } else {
     ASSERT_AT(static_cast<U64>(count) <= size_, Trace::Location::here());
+    noteSoiled();
     size_ -= static_cast<U64>(count);
     forgetHeadersOutside();
   }

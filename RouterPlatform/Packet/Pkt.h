@@ -35,10 +35,15 @@ class ROUTER_PLATFORM_EXPORT Pkt final : public Fwk::PtrInterface<Pkt> {
 
   /// Puts `count` zero octets before the data and returns the new first one. At least `minTailRoom` octets behind the
   /// data are zero then. Moves to another buffer when this one lacks room: earlier pointers into it end.
+  ///
+  /// The buffer keeps which of its octets may not be zero, so that no others are cleared.
   U8* reserveHeadData(U64 count);
   /// The same for a caller who writes every octet that stays: those before the data are as the buffer held them.
   U8* reserveHeadDataUninitialized(U64 count);
 
+  /// Takes off the last `count` octets of the data, which the caller has not written since `reserveHeadData` gave them:
+  /// they are not cleared again. Else as `trimTailData`.
+  void trimZeroTail(U64 count);
   /// Takes `count` octets off the end of the data. A negative count takes the first octets of the tail room in, as they
   /// are; more than the room holds, or more than there are, is a programming error. A message that loses octets is so
   /// much shorter; a header that does is not located any more.
@@ -91,6 +96,8 @@ class ROUTER_PLATFORM_EXPORT Pkt final : public Fwk::PtrInterface<Pkt> {
     ASSERT_AT(offset <= size_ && length <= size_ - offset, Trace::Location::here());
   }
   void forgetHeadersOutside() noexcept;
+  void noteSoiled() noexcept;
+  void clear(U64 begin, U64 end) noexcept;
 
   // Kept: start_ + size_ <= capacity_ and start_ + minTailRoom <= capacity_; located headers lie inside the data.
   PktManager& manager_;
@@ -102,6 +109,9 @@ class ROUTER_PLATFORM_EXPORT Pkt final : public Fwk::PtrInterface<Pkt> {
   U64 icmp6Offset_ = 0;
   U64 icmp6Length_ = 0;  // 0: not located, and the offset is 0
   bool ip6Located_ = false;
+  // What is neither data nor in [soiledBegin_, soiledEnd_) of the buffer is zero.
+  U64 soiledBegin_ = 0;
+  U64 soiledEnd_;
   Pkt* nextFree_ = nullptr;
 };
 

@@ -1,4 +1,3 @@
-#include <Ipv6RouterAdvt/RouterAdvtUtils.h>
 #include <programs/common/config/Advert.h>
 #include <programs/common/text/Failure.h>
 #include <programs/common/text/NearestName.h>
@@ -14,8 +13,6 @@ using Fwk::Ptr;
 using Net::EthAddr;
 using Net::Ip6Addr;
 using Net::Ip6AddrWithMask;
-
-constexpr char const* allNodes = "ff02::1";
 
 [[noreturn]] void fail(ConfigFile const& file, std::string const& path, std::string text) {
   throw Failure(diagnosticText(file.name, {file.placeOf(path), path, std::move(text)}));
@@ -76,11 +73,6 @@ Ptr<Ip6::VirtualRouterStatusV6 const> virtualRouterStatus(LinkConfig const* link
 
 }  // namespace
 
-Ptr<Net::Pkt> Advert::build() const {
-  return RouterAdvt::makeIp6RaPkt(srcAddr, dstAddr, srcMac, dstMac, status, config, advertiseLifetime, mtu,
-                                  useVirtualRouter, virtualRouter, config->intfId(), deathPacket);
-}
-
 Ptr<RouterAdvt::IntfConfig> findIntf(ConfigFile const& file, std::string const& name) {
   std::optional<Net::IntfId> const intfId = Net::IntfId::parse(name);
   if (intfId)
@@ -95,21 +87,23 @@ Ptr<RouterAdvt::IntfConfig> findIntf(ConfigFile const& file, std::string const& 
   fail(file, section, "there is no interface " + inQuotes(name) + nearestNameHint(name, {names.begin(), names.end()}));
 }
 
-Advert makeAdvert(ConfigFile const& file, AdvertOptions const& options, NetworkInterface const* device) {
-  Advert advert;
-  advert.config = findIntf(file, options.intf);
-  LinkConfig const* const link = file.link(advert.config->intfId());
-  advert.srcMac = sourceMac(file, options, link, device);
-  advert.srcAddr = sourceAddr(options, link, device, advert.srcMac);
-  advert.dstAddr = options.dst.value_or(Ip6Addr(allNodes));
-  advert.dstMac = destinationMac(options, advert.dstAddr);
-  advert.mtu = linkMtu(options, link, device);
-  advert.status = linkStatus(advert.config->intfId(), link, device);
-  advert.advertiseLifetime = !options.noLifetime;
-  advert.deathPacket = options.death;
-  advert.useVirtualRouter = options.virtualRouter;
-  if (options.virtualRouter) advert.virtualRouter = virtualRouterStatus(link);
-  return advert;
+RouterAdvt::AdvertRequest makeAdvertRequest(ConfigFile const& file, AdvertOptions const& options,
+                                            NetworkInterface const* device) {
+  RouterAdvt::AdvertRequest request;
+  request.intfConfig = findIntf(file, options.intf);
+  Net::IntfId const intfId = request.intfConfig->intfId();
+  LinkConfig const* const link = file.link(intfId);
+  request.srcMac = sourceMac(file, options, link, device);
+  request.srcAddr = sourceAddr(options, link, device, request.srcMac);
+  request.dstAddr = options.dst.value_or(RouterAdvt::AdvertRequest::allNodes);
+  request.dstMac = destinationMac(options, request.dstAddr);
+  request.mtu = linkMtu(options, link, device);
+  request.intfStatus = linkStatus(intfId, link, device);
+  request.advertiseLifetime = !options.noLifetime;
+  request.deathPacket = options.death;
+  request.useVirtualRouter = options.virtualRouter;
+  if (options.virtualRouter) request.virtualRouterStatus = virtualRouterStatus(link);
+  return request;
 }
 
 Ip6Addr linkLocalFrom(EthAddr const& mac) {

@@ -1,183 +1,84 @@
-#include <RouterPlatform/Nd/Icmp6HdrOptions.h>
-#include <RouterPlatform/Trace/Trace.h>
 #include <programs/common/config/Warnings.h>
-#include <programs/common/frames/DnsNames.h>
-#include <programs/common/frames/RaMessage.h>
-
-#include <algorithm>
-#include <set>
-#include <utility>
+#include <programs/common/text/Text.h>
 
 namespace Tool {
 
 namespace {
 
-using RouterAdvt::IntfConfig;
+using RouterAdvt::AdvertRequest;
+using RouterAdvt::LeftOut;
 
-/// The builder says at this level what it leaves out.
-constexpr char const* leftOutLevel = "*/3";
-constexpr std::string_view leftOutStart = "Could not copy ";
+/// `2 prefixes do not fit in 1500 octets: `.
+std::string startOf(std::size_t count, std::string const& one, std::string const& several, LeftOut const& leftOut) {
+  return (count == 1 ? one + " does not fit in " : std::to_string(count) + ' ' + several + " do not fit in ") +
+         std::to_string(leftOut.frameSizeMax) + " octets: ";
+}
 
-/// Listens to what is traced while an advertisement is built, in place of whoever did before.
-class TraceListener {
+/// The texts with commas between.
+template <class Values, class ToText>
+std::string listOf(Values const& values, ToText const& toText) {
+  std::string list;
+  for (auto const& value : values) list += (list.empty() ? "" : ", ") + toText(value);
+  return list;
+}
+
+std::string suffixText(LeftOut::Suffix const& suffix) {
+  std::string const text = printable(suffix.suffix);
+  if (suffix.cutAt == 0) return text;
+  return text + " (cut to " + printable(std::string_view(suffix.suffix).substr(0, suffix.cutAt - 1)) + ')';
+}
+
+/// Where the prefixes come from, as paths of the file.
+template <class Entity>
+std::string pathOf(Entity const& member) {
+  return member ? member->fullName() : std::string();
+}
+std::string prefixesPath(AdvertRequest const& request, LeftOut const& leftOut) {
+  std::string const link = linkPath(request.intfConfig->intfId());
+  if (request.useVirtualRouter) return link + "/virtualRouter";
+  if (!request.intfConfig->prefixesToAdvertise()) return link + "/addresses";
+  return pathOf(request.intfConfig->prefixes(leftOut.prefixes.front()));
+}
+
+class FitWarnings {
  public:
-  TraceListener() : former_(Trace::sinkIs([this](Trace::Record const& record) { texts_.emplace_back(record.text); })) {
-    Trace::levelsIs(leftOutLevel);
-  }
-  TraceListener(TraceListener const&) = delete;
-  TraceListener& operator=(TraceListener const&) = delete;
-  ~TraceListener() {
-    traceLevelsAre({});
-    Trace::sinkIs(std::move(former_));
-  }
-
-  /// The first message about something of that kind that was left out, or an empty text.
-  std::string leftOut(std::string_view kind) const {
-    std::string const start = std::string(leftOutStart) + std::string(kind);
-    auto const found = std::ranges::find_if(texts_, [&](std::string const& text) { return text.starts_with(start); });
-    return found == texts_.end() ? std::string() : *found;
-  }
-
- private:
-  std::vector<std::string> texts_;
-  Trace::Sink former_;
-};
-
-/// What an advertisement holds of the things that may not fit.
-struct Contents {
-  std::set<Net::Ip6AddrWithMask> prefixes;
-  std::set<Net::Ip6Addr> servers;
-  std::set<std::string> suffixes;
-  std::string url;
-};
-
-void takeNames(Contents& contents, Octets encoded) {
-  for (DnsName const& name : decodeDnsNames(encoded).names) contents.suffixes.insert(name.text);
-}
-
-void takeUrl(Contents& contents, Octets const& octets) {
-  auto const head = *octets.header<Net::Icmp6HdrNetworkBootOption>();
-  Octets const rest = octets.from(sizeof head);
-  Octets const url = rest.from(0, rest.size() - std::min<std::size_t>(head.paddingLen, rest.size()));
-  contents.url.assign(reinterpret_cast<char const*>(url.span().data()), url.size());
-}
-
-Contents contentsOf(std::span<Fwk::U8 const> frame) {
-  Contents contents;
-  auto const message = raMessageOf(frame);
-  if (!message) return contents;
-  for (auto const& [type, octets] : completeOptions(message->from(raHeaderSize))) {
-    if (auto const prefix = octets.header<Net::Icmp6HdrPrefixInfoOption>();
-        prefix && type == Net::Icmp6HdrPrefixInfoOption::typeValue)
-      contents.prefixes.emplace(Net::Ip6Addr::fromBytes(prefix->prefix), prefix->prefixLength);
-    if (type == Net::Icmp6HdrRdnssOption::typeValue)
-      for (Octets rest = octets.from(8); rest.size() >= 16; rest = rest.from(16))
-        contents.servers.insert(Net::Ip6Addr::fromBytes(rest.span().first<16>()));
-    if (type == Net::Icmp6HdrDnsslOption::typeValue) takeNames(contents, octets.from(8));
-    if (type == Net::Icmp6HdrNetworkBootOption::typeValue) takeUrl(contents, octets);
-  }
-  return contents;
-}
-
-/// How a suffix reads once it has been encoded and decoded.
-std::string asDecoded(std::string_view suffix) {
-  std::vector<Fwk::U8> encoded;
-  for (std::size_t begin = 0; begin < suffix.size();) {
-    std::size_t const end = std::min(suffix.find('.', begin), suffix.size());
-    if (end == begin) break;  // an empty label ends the name for its readers
-    encoded.push_back(static_cast<Fwk::U8>(end - begin));
-    encoded.insert(encoded.end(), suffix.begin() + static_cast<std::ptrdiff_t>(begin),
-                   suffix.begin() + static_cast<std::ptrdiff_t>(end));
-    begin = end + 1;
-  }
-  encoded.push_back(0);
-  auto const names = decodeDnsNames(Octets(encoded)).names;
-  return names.empty() ? std::string() : names[0].text;
-}
-
-class FitCheck {
- public:
-  FitCheck(ConfigFile const& file, Advert const& advert) : file_(file), advert_(advert) {
-    contents_ = contentsOf(advert.build()->octets());
-  }
-
-  std::vector<Diagnostic> run() {
-    checkPrefixes();
-    checkServers();
-    checkSuffixes();
-    checkUrl();
+  FitWarnings(ConfigFile const& file, AdvertRequest const& request, LeftOut const& leftOut)
+      : file_(file), config_(*request.intfConfig) {
+    auto const toString = [](auto const& value) { return value.toString(); };
+    if (auto const& prefixes = leftOut.prefixes; !prefixes.empty())
+      add(prefixesPath(request, leftOut),
+          startOf(prefixes.size(), "a prefix", "prefixes", leftOut) + listOf(prefixes, toString));
+    if (auto const& servers = leftOut.servers; !servers.empty())
+      add(pathOf(config_.dnsServers(servers.front())),
+          startOf(servers.size(), "a DNS server", "DNS servers", leftOut) + listOf(servers, toString));
+    if (auto const& suffixes = leftOut.suffixes; !suffixes.empty())
+      add(pathOf(config_.dnsSuffixes(suffixes.front().suffix)),
+          startOf(suffixes.size(), "a DNS suffix", "DNS suffixes", leftOut) + listOf(suffixes, suffixText));
+    if (leftOut.urlCutAt)
+      add(config_.fullName() + "/networkBootFileUrl",
+          "does not fit in " + std::to_string(leftOut.frameSizeMax) + " octets: " +
+              (leftOut.networkBoot ? "it is left out"
+                                   : "its first " + std::to_string(*leftOut.urlCutAt) + " octets are sent"));
     sortByPlace(found_);
-    return std::move(found_);
   }
+
+  std::vector<Diagnostic> take() { return std::move(found_); }
 
  private:
   void add(std::string path, std::string text) {
     Place const place = file_.placeOf(path);
     found_.push_back({place, std::move(path), std::move(text)});
   }
-  void addLeftOut(Fwk::Entity const& entity, std::string const& reason) {
-    add(entity.fullName(), "does not fit and is left out: " + reason);
-  }
-
-  void checkPrefixes() {
-    std::string const reason = listener_.leftOut("prefix");
-    if (reason.empty()) return;
-    std::string const link = linkPath(advert_.config->intfId());
-    if (advert_.useVirtualRouter) {
-      for (auto const& prefix : advert_.virtualRouter->prefix())
-        if (!contents_.prefixes.contains(prefix) && !isWithheld(prefix))
-          add(link + "/virtualRouter", prefix.toString() + " does not fit and is left out: " + reason);
-    } else if (advert_.config->prefixesToAdvertise()) {
-      for (auto const& [key, prefix] : advert_.config->prefixes())
-        if (!prefix->noAdvertise() && !contents_.prefixes.contains(key)) addLeftOut(*prefix, reason);
-    } else {
-      add(link + "/addresses", "not all of their prefixes fit: " + reason);
-    }
-  }
-
-  bool isWithheld(Net::Ip6AddrWithMask const& prefix) const {
-    auto const entry = advert_.config->prefixes(prefix);
-    return entry && entry->noAdvertise();
-  }
-
-  void checkServers() {
-    std::string const reason = listener_.leftOut("dnsServers");
-    if (reason.empty()) return;
-    for (auto const& [key, server] : advert_.config->dnsServers())
-      if (!contents_.servers.contains(key)) addLeftOut(*server, reason);
-  }
-
-  void checkSuffixes() {
-    std::string const groupReason = listener_.leftOut("dnsSuffixes");
-    std::string const labelReason = listener_.leftOut("dns suffx");
-    if (groupReason.empty() && labelReason.empty()) return;
-    for (auto const& [key, suffix] : advert_.config->dnsSuffixes())
-      if (!contents_.suffixes.contains(asDecoded(key)))
-        addLeftOut(*suffix, labelReason.empty() ? groupReason : labelReason);
-  }
-
-  void checkUrl() {
-    std::string const& url = advert_.config->networkBootFileUrl();
-    if (url == contents_.url) return;
-    std::string const reason = listener_.leftOut("network boot option");
-    std::string const path = advert_.config->fullName() + "/networkBootFileUrl";
-    if (reason.empty())
-      add(path, "does not fit; its first " + std::to_string(contents_.url.size()) + " octets are sent");
-    else
-      add(path, "does not fit and is left out: " + reason);
-  }
 
   ConfigFile const& file_;
-  Advert const& advert_;
-  TraceListener listener_;
-  Contents contents_;
+  RouterAdvt::IntfConfig const& config_;
   std::vector<Diagnostic> found_;
 };
 
 }  // namespace
 
-std::vector<Diagnostic> fitWarnings(ConfigFile const& file, Advert const& advert) {
-  return FitCheck(file, advert).run();
+std::vector<Diagnostic> fitWarnings(ConfigFile const& file, AdvertRequest const& request, LeftOut const& leftOut) {
+  return FitWarnings(file, request, leftOut).take();
 }
 
 }  // namespace Tool

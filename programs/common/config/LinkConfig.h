@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
+#include <Ipv6RouterAdvt/RouterAdvtUtils/AdvertRequest.h>
 #include <programs/common/config/Diagnostic.h>
 
 #include <optional>
@@ -12,9 +12,9 @@ namespace Tool {
 /// The link of an interface: facts that an advertisement needs and that are not part of the model's configuration.
 struct LinkConfig {
   /// Octets; an advertisement's fixed part alone takes the least.
-  static constexpr Fwk::S32 mtuMin = 86;
+  static constexpr Fwk::S32 mtuMin = RouterAdvt::AdvertRequest::mtuMin();
   static constexpr Fwk::S32 mtuMax = 2147483647;
-  static constexpr Fwk::S32 mtuDefault = 1500;
+  static constexpr Fwk::S32 mtuDefault = RouterAdvt::AdvertRequest::mtuDefault();
 
   Net::IntfId intfId;
   Place place;

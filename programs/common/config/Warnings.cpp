@@ -184,9 +184,9 @@ std::vector<Diagnostic> fileWarningsOf(ConfigFile const& file, IntfConfig const&
   return found;
 }
 
-std::vector<Diagnostic> virtualRouterWarnings(ConfigFile const& file, Advert const& advert) {
-  if (!advert.useVirtualRouter || advert.virtualRouter) return {};
-  std::string path = linkPath(advert.config->intfId());
+std::vector<Diagnostic> virtualRouterWarnings(ConfigFile const& file, RouterAdvt::AdvertRequest const& request) {
+  if (!request.useVirtualRouter || request.virtualRouterStatus) return {};
+  std::string path = linkPath(request.intfConfig->intfId());
   Place const place = file.placeOf(path);
   return {{place, std::move(path), "there is no virtualRouter here: no prefix is sent, and Router Lifetime 0"}};
 }
@@ -203,17 +203,18 @@ std::vector<Diagnostic> configWarnings(ConfigFile const& file) {
   return found;
 }
 
-void printAdvertWarnings(std::ostream& err, ConfigFile const& file, Advert const& advert) {
-  if (!advert.srcAddr.isLinkLocal())
-    err << "warning: --src: " << advert.srcAddr.toString()
+void printAdvertWarnings(std::ostream& err, ConfigFile const& file, RouterAdvt::AdvertRequest const& request,
+                         RouterAdvt::LeftOut const& leftOut) {
+  if (!request.srcAddr.isLinkLocal())
+    err << "warning: --src: " << request.srcAddr.toString()
         << " is not link-local; receivers drop the advertisement (RFC 4861 6.1.2)\n";
-  std::vector<Diagnostic> warnings = fileWarningsOf(file, *advert.config);
+  std::vector<Diagnostic> warnings = fileWarningsOf(file, *request.intfConfig);
   auto const append = [&](std::vector<Diagnostic> const& more) {
     warnings.insert(warnings.end(), more.begin(), more.end());
   };
-  append(intfWarnings(file, *advert.config));
-  append(virtualRouterWarnings(file, advert));
-  append(fitWarnings(file, advert));
+  append(intfWarnings(file, *request.intfConfig));
+  append(virtualRouterWarnings(file, request));
+  append(fitWarnings(file, request, leftOut));
   sortByPlace(warnings);
   for (Diagnostic const& warning : warnings) err << diagnosticLine(file.name, warning, "warning: ") << '\n';
 }

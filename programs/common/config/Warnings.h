@@ -19,12 +19,14 @@ std::vector<Diagnostic> intfWarnings(ConfigFile const& file, RouterAdvt::IntfCon
 std::vector<Diagnostic> fileWarningsOf(ConfigFile const& file, RouterAdvt::IntfConfig const& intf);
 
 /// What an advertisement on behalf of a virtual router lacks when there is none.
-std::vector<Diagnostic> virtualRouterWarnings(ConfigFile const& file, Advert const& advert);
+std::vector<Diagnostic> virtualRouterWarnings(ConfigFile const& file, RouterAdvt::AdvertRequest const& request);
 
-/// What does not fit into that advertisement, and why: found out by building it.
-std::vector<Diagnostic> fitWarnings(ConfigFile const& file, Advert const& advert);
+/// A warning for each kind of thing that the advertisement lacks because it did not fit, from what building it told.
+std::vector<Diagnostic> fitWarnings(ConfigFile const& file, RouterAdvt::AdvertRequest const& request,
+                                    RouterAdvt::LeftOut const& leftOut);
 
-/// Prints all that is to be said before that advertisement is built.
-void printAdvertWarnings(std::ostream& err, ConfigFile const& file, Advert const& advert);
+/// Prints all warnings about an advertisement that lacks what `leftOut` names.
+void printAdvertWarnings(std::ostream& err, ConfigFile const& file, RouterAdvt::AdvertRequest const& request,
+                         RouterAdvt::LeftOut const& leftOut);
 
 }  // namespace Tool

@@ -1,10 +1,10 @@
+#include <RouterPlatform/Nd/RaHeader.h>
 #include <RouterPlatform/Net/EthAddr.h>
 #include <RouterPlatform/Packet/EthernetHdr.h>
 #include <RouterPlatform/Packet/Ip6Hdr.h>
 #include <programs/common/frames/BlockWriter.h>
 #include <programs/common/frames/FrameDescriber.h>
 #include <programs/common/frames/OptionDescriber.h>
-#include <programs/common/frames/RaMessage.h>
 
 #include <algorithm>
 
@@ -75,22 +75,22 @@ std::string orUnspecified(U32 value, std::string const& unit) {
   return std::to_string(value) + unit + (value == 0 ? " (unspecified)" : "");
 }
 
-void describeRouterAdvtHeader(BlockWriter& block, Net::Icmp6RouterAdvertisementHdr const& ra) {
-  using Hdr = Net::Icmp6RouterAdvertisementHdr;
+void describeRouterAdvtHeader(BlockWriter& block, Net::RaHeader const& ra) {
   auto const flag = [&](bool set, char const* name) { return std::string(set ? " " : " not ") + name; };
   block.field(4, "cur hop limit", orUnspecified(ra.curHopLimit, ""));
   block.field(5, "flags",
-              hexText(ra.flags, 2) + flag(ra.managedConfigFlag(), "managed,") + flag(ra.otherConfigFlag(), "other") +
-                  ((ra.flags & Hdr::homeAgentBit) != 0 ? ", home agent" : ""));
-  block.field(5, "router preference", preferenceText(ra.routerPreference()));
-  block.field(6, "router lifetime",
-              lifetimeText(ra.routerLifetime) + (ra.routerLifetime == 0 ? " (not a default router)" : ""));
-  block.field(8, "reachable time", orUnspecified(ra.reachableTime, " ms"));
-  block.field(12, "retrans timer", orUnspecified(ra.retransTimer, " ms"));
-  block.mustBeZero("reserved flags", ra.flags & 0x07U);
-  if (ra.routerLifetime == 0 && (ra.flags & Hdr::routerPreferenceBits) != 0)
+              hexText(block.octets()[5], 2) + flag(ra.managedConfig, "managed,") + flag(ra.otherConfig, "other") +
+                  (ra.homeAgent ? ", home agent" : ""));
+  block.field(5, "router preference", preferenceText(ra.routerPreference));
+  U16 const lifetime = ra.routerLifetime.count();
+  block.field(6, "router lifetime", lifetimeText(lifetime) + (lifetime == 0 ? " (not a default router)" : ""));
+  block.field(8, "reachable time", orUnspecified(ra.reachableTime.count(), " ms"));
+  block.field(12, "retrans timer", orUnspecified(ra.retransTimer.count(), " ms"));
+  block.mustBeZero("reserved flags", ra.reserved);
+  using Preference = Net::Icmp6RouterAdvtRouterPreferenceType;
+  if (lifetime == 0 && ra.routerPreference != Preference::medium)
     block.oddity("a preference with router lifetime 0; receivers ignore it");
-  else if (ra.routerPreference() == Net::Icmp6RouterAdvtRouterPreferenceType::reserved_)
+  else if (ra.routerPreference == Preference::reserved_)
     block.oddity("the preference is the reserved one; receivers take it for medium");
 }
 
@@ -98,7 +98,8 @@ void describeRouterAdvtHeader(BlockWriter& block, Net::Icmp6RouterAdvertisementH
 void checkEnvelope(BlockWriter& block, Net::Icmp6Hdr const& icmp6, Ip6Envelope const& envelope) {
   if (!Ip6Addr::fromBytes(envelope.header.sourceAddress).isLinkLocal())
     block.oddity("the source is not link-local; receivers drop the message");
-  if (envelope.header.hopLimit != 255) block.oddity("the hop limit is not 255; receivers drop the message");
+  if (envelope.header.hopLimit != Net::Icmp6Hdr::neighborDiscoveryHopLimit)
+    block.oddity("the hop limit is not 255; receivers drop the message");
   if (icmp6.code != 0) block.oddity("the code is not 0; receivers drop the message");
 }
 
@@ -125,20 +126,20 @@ void describeIcmp6(FrameDescription& description, Octets message, Ip6Envelope co
   bool const isAdvt = icmp6->type == Net::Icmp6Hdr::routerAdvertisement;
   {
     BlockWriter block(description, isAdvt ? "Router Advertisement, RFC 4861 4.2" : "ICMPv6 message, RFC 4443 2.1",
-                      message.from(0, isAdvt ? raHeaderSize : message.size()));
+                      message.from(0, isAdvt ? Net::RaHeader::size : message.size()));
     block.field(0, "type", std::to_string(icmp6->type) + (isAdvt ? " (Router Advertisement)" : ""));
     block.field(1, "code", std::to_string(icmp6->code));
     block.field(2, "checksum", checksumText(block, message, *icmp6, envelope));
     if (!isAdvt) return block.hexField(sizeof(Net::Icmp6Hdr), "data");
     checkEnvelope(block, *icmp6, envelope);
-    auto const ra = message.header<Net::Icmp6RouterAdvertisementHdr>(sizeof(Net::Icmp6Hdr));
+    auto const ra = Net::takeRaHeader(message.span(), 0);
     if (!ra) {
       block.hexField(sizeof(Net::Icmp6Hdr), "data");
       return block.oddity("an advertisement has at least 16 octets; receivers drop the message");
     }
     describeRouterAdvtHeader(block, *ra);
   }
-  describeOptions(description, message.from(raHeaderSize));
+  describeOptions(description, message);
 }
 
 /// Passes over the extension headers that a message may stand behind.

@@ -1,15 +1,20 @@
-#include <RouterPlatform/Nd/Icmp6HdrOptions.h>
+#include <RouterPlatform/Nd/Dnssl.h>
+#include <RouterPlatform/Nd/LinkLayerAddr.h>
+#include <RouterPlatform/Nd/Mtu.h>
+#include <RouterPlatform/Nd/NetworkBoot.h>
+#include <RouterPlatform/Nd/OptionReader.h>
+#include <RouterPlatform/Nd/PrefixInfo.h>
+#include <RouterPlatform/Nd/Rdnss.h>
+#include <RouterPlatform/Nd/RouteInfo.h>
 #include <RouterPlatform/Net/EthAddr.h>
 #include <RouterPlatform/Net/Ip6AddrWithMask.h>
 #include <programs/common/frames/BlockWriter.h>
 #include <programs/common/frames/DnsNames.h>
 #include <programs/common/frames/OptionDescriber.h>
-#include <programs/common/frames/RaMessage.h>
 #include <programs/common/text/Text.h>
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <map>
 
 namespace Tool {
@@ -53,132 +58,131 @@ void checkPrefix(BlockWriter& block, Ip6AddrWithMask const& prefix) {
 }
 
 void describeLinkLayerAddr(BlockWriter& block, SeenOptions&) {
-  auto const option = block.octets().header<Net::Icmp6HdrLinkLayerAddrOption>();
-  if (sizeIs(block, sizeof *option))
-    block.field(2, "link-layer address", Net::EthAddr::fromBytes(option->linkLayerAddress).toString());
+  auto const option = Net::takeLinkLayerAddr(block.octets().span(), 0);
+  if (sizeIs(block, sizeof(Net::Icmp6HdrLinkLayerAddrOption)) && option)
+    block.field(2, "link-layer address", option->address.toString());
   else
     block.hexField(2, "link-layer address");
 }
 
-void checkPrefixInfo(BlockWriter& block, Net::Icmp6HdrPrefixInfoOption const& option, Ip6AddrWithMask const& prefix,
-                     SeenOptions& seen) {
+void checkPrefixInfo(BlockWriter& block, Net::PrefixInfo const& option, SeenOptions& seen) {
+  Ip6AddrWithMask const& prefix = option.prefix;
   checkPrefix(block, prefix);
   if (prefix.address().isLinkLocal()) block.oddity("the link-local prefix; receivers ignore the option");
   if (option.preferredLifetime > option.validLifetime)
     block.oddity("preferred lifetime above valid lifetime; receivers ignore the option for addresses");
-  if (option.autoAddressFlag() && prefix.maskLen() != 64)
+  if (option.autonomous && prefix.maskLen() != 64)
     block.oddity("autonomous, and not of 64 bits; hosts with 64-bit interface identifiers ignore it");
-  block.mustBeZero("reserved flags", option.flags & 0x1fU);
+  block.mustBeZero("reserved flags", option.reserved1);
   block.mustBeZero("reserved2", option.reserved2);
   if (auto const [first, isNew] = seen.prefixes.emplace(prefix, block.octets().offset()); !isNew)
     block.oddity("the same prefix as in the option at " + std::to_string(first->second));
 }
 
-/// The option's fields as far as the block goes, the others 0. Says so when it has another size than it is to have.
+/// The octets of the block, cut or filled up with zeros to those of the option's layout. Says so when it has another
+/// size than it is to have.
 template <class Option>
-Option fieldsOf(BlockWriter& block) {
-  Option option{};
-  auto const present = block.octets().from(0, sizeof option).span();
-  std::memcpy(static_cast<void*>(&option), present.data(), present.size());
-  sizeIs(block, sizeof option);
-  return option;
+std::array<U8, sizeof(Option)> layoutOf(BlockWriter& block) {
+  std::array<U8, sizeof(Option)> octets{};
+  std::ranges::copy(block.octets().from(0, octets.size()).span(), octets.begin());
+  sizeIs(block, octets.size());
+  return octets;
 }
 
 void describePrefixInfo(BlockWriter& block, SeenOptions& seen) {
-  auto const option = fieldsOf<Net::Icmp6HdrPrefixInfoOption>(block);
+  auto const octets = layoutOf<Net::Icmp6HdrPrefixInfoOption>(block);
+  auto const option = Net::takePrefixInfo(octets, 0).value();
   std::size_t const size = block.octets().size();
-  Ip6AddrWithMask const prefix(Net::Ip6Addr::fromBytes(option.prefix), option.prefixLength);
-  std::string flags = hexText(option.flags, 2) + (option.onLinkFlag() ? " on-link" : " not on-link") +
-                      (option.autoAddressFlag() ? ", autonomous" : ", not autonomous");
-  if ((option.flags & Net::Icmp6HdrPrefixInfoOption::routerAddressBit) != 0) flags += ", router address";
-  block.field(2, "prefix length", maskText(option.prefixLength));
-  block.field(3, "flags", flags);
-  block.field(4, "valid lifetime", lifetimeText(option.validLifetime));
-  if (size > 8) block.field(8, "preferred lifetime", lifetimeText(option.preferredLifetime));
+  block.field(2, "prefix length", maskText(option.prefix.maskLen()));
+  block.field(3, "flags",
+              hexText(octets[3], 2) + (option.onLink ? " on-link" : " not on-link") +
+                  (option.autonomous ? ", autonomous" : ", not autonomous") +
+                  (option.routerAddress ? ", router address" : ""));
+  block.field(4, "valid lifetime", lifetimeText(option.validLifetime.count()));
+  if (size > 8) block.field(8, "preferred lifetime", lifetimeText(option.preferredLifetime.count()));
   if (size > 8) block.field(12, "reserved2", std::to_string(option.reserved2));
-  if (size < sizeof option) return block.hexField(16, "prefix");
-  block.field(16, "prefix", prefix.toString());
-  block.hexField(sizeof option, "rest");
-  checkPrefixInfo(block, option, prefix, seen);
+  if (size < octets.size()) return block.hexField(16, "prefix");
+  block.field(16, "prefix", option.prefix.toString());
+  block.hexField(octets.size(), "rest");
+  checkPrefixInfo(block, option, seen);
 }
 
 void describeMtu(BlockWriter& block, SeenOptions& seen) {
-  auto const option = fieldsOf<Net::Icmp6HdrMtuOption>(block);
+  auto const octets = layoutOf<Net::Icmp6HdrMtuOption>(block);
+  auto const option = Net::takeMtu(octets, 0).value();
   block.field(2, "reserved", std::to_string(option.reserved));
-  block.field(4, "mtu", std::to_string(option.mtu) + " octets");
-  block.hexField(sizeof option, "rest");
+  block.field(4, "mtu", std::to_string(option.octets) + " octets");
+  block.hexField(octets.size(), "rest");
   block.mustBeZero("reserved", option.reserved);
-  if (option.mtu < 1280) block.oddity("IPv6 needs at least 1280 octets; receivers ignore the option");
+  if (option.octets < 1280) block.oddity("IPv6 needs at least 1280 octets; receivers ignore the option");
   if (seen.mtu) block.oddity("there was an MTU option before");
   seen.mtu = true;
 }
 
+// The options below have 8 octets and more of any number: each that is complete is taken.
+
 void describeRouteInfo(BlockWriter& block, SeenOptions&) {
-  auto const option = *block.octets().header<Net::Icmp6HdrRouteInfoOption>();
-  std::array<U8, 16> address{};
-  Octets const octets = block.octets().from(sizeof option, address.size());
-  std::ranges::copy(octets.span(), address.begin());
-  Ip6AddrWithMask const prefix(Net::Ip6Addr::fromBytes(address), option.prefixLength);
-  block.field(2, "prefix length", maskText(option.prefixLength));
-  block.field(3, "flags", hexText(option.flags, 2));
-  block.field(3, "route preference", preferenceText(option.routePreference()));
-  block.field(4, "route lifetime", lifetimeText(option.routeLifetime));
-  block.field(octets.empty() ? 2 : sizeof option, "prefix", prefix.toString());
-  checkPrefix(block, prefix);
-  block.mustBeZero("reserved flags", option.flags & ~U8{Net::Icmp6HdrRouteInfoOption::routePreferenceBits});
-  if (option.routePreference() == Net::Icmp6RouterAdvtRouterPreferenceType::reserved_)
+  auto const option = Net::takeRouteInfo(block.octets().span(), 0).value();
+  std::size_t const prefixSize = block.octets().size() - sizeof(Net::Icmp6HdrRouteInfoOption);
+  block.field(2, "prefix length", maskText(option.prefix.maskLen()));
+  block.field(3, "flags", hexText(block.octets()[3], 2));
+  block.field(3, "route preference", preferenceText(option.routePreference));
+  block.field(4, "route lifetime", lifetimeText(option.routeLifetime.count()));
+  block.field(prefixSize == 0 ? 2 : sizeof(Net::Icmp6HdrRouteInfoOption), "prefix", option.prefix.toString());
+  checkPrefix(block, option.prefix);
+  block.mustBeZero("reserved flags", option.reserved);
+  if (option.routePreference == Net::Icmp6RouterAdvtRouterPreferenceType::reserved_)
     block.oddity("the preference is the reserved one; receivers ignore the option");
-  if (block.octets().size() > sizeof option + address.size() || prefix.maskLen() > 8 * octets.size())
+  if (prefixSize > Net::Ip6Addr::size || option.prefix.maskLen() > 8 * prefixSize)
     block.oddity("length " + std::to_string(block.octets()[1]) + " does not go with a prefix of " +
-                 maskText(option.prefixLength));
+                 maskText(option.prefix.maskLen()));
 }
 
 void describeRdnss(BlockWriter& block, SeenOptions&) {
-  auto const option = *block.octets().header<Net::Icmp6HdrRdnssOption>();
+  auto const option = Net::takeRdnss(block.octets().span(), 0).value();
   block.field(2, "reserved", std::to_string(option.reserved));
-  block.field(4, "lifetime", lifetimeText(option.lifetime));
-  std::size_t at = sizeof option;
-  for (; block.octets().size() - at >= 16; at += 16)
-    block.field(at, "server", addressText(block.octets().from(at).span().first<16>()));
-  block.hexField(at, "rest");
+  block.field(4, "lifetime", lifetimeText(option.lifetime.count()));
+  for (Fwk::U64 i = 0; i < option.serverCount; ++i)
+    block.field(Net::Rdnss::size(i), "server", Net::takeServer(block.octets().span(), 0, i).value().toString());
+  std::size_t const end = Net::Rdnss::size(option.serverCount);
+  block.hexField(end, "rest");
   block.mustBeZero("reserved", option.reserved);
-  if (block.octets().size() < 24) block.oddity("there is no server in it");
-  if (at != block.octets().size()) block.oddity("the length is even: half an address is left over");
+  if (option.serverCount == 0) block.oddity("there is no server in it");
+  if (end != block.octets().size()) block.oddity("the length is even: half an address is left over");
 }
 
 void describeDnssl(BlockWriter& block, SeenOptions&) {
-  auto const option = *block.octets().header<Net::Icmp6HdrDnsslOption>();
+  auto const option = Net::takeDnssl(block.octets().span(), 0).value();
+  constexpr std::size_t namesAt = sizeof(Net::Icmp6HdrDnsslOption);
   block.field(2, "reserved", std::to_string(option.reserved));
-  block.field(4, "lifetime", lifetimeText(option.lifetime));
-  Octets const encoded = block.octets().from(sizeof option);
-  DnsNames const decoded = decodeDnsNames(encoded);
+  block.field(4, "lifetime", lifetimeText(option.lifetime.count()));
+  DnsNames const decoded = decodeDnsNames(Octets(option.names));
   block.mustBeZero("reserved", option.reserved);
   for (DnsName const& name : decoded.names) {
-    block.field(sizeof option + name.at, "suffix", name.text);
+    block.field(namesAt + name.at, "suffix", name.text);
     for (std::string const& oddity : name.oddities) block.oddity(oddity);
   }
-  if (decoded.paddingAt < encoded.size())
-    block.field(sizeof option + decoded.paddingAt, "padding",
-                std::to_string(encoded.size() - decoded.paddingAt) + " octets");
+  if (decoded.paddingAt < option.names.size())
+    block.field(namesAt + decoded.paddingAt, "padding",
+                std::to_string(option.names.size() - decoded.paddingAt) + " octets");
   if (decoded.names.empty()) block.oddity("there is no suffix in it");
 }
 
 void describeNetworkBoot(BlockWriter& block, SeenOptions&) {
-  auto const option = *block.octets().header<Net::Icmp6HdrNetworkBootOption>();
+  auto const option = Net::takeNetworkBoot(block.octets().span(), 0).value();
+  constexpr std::size_t urlAt = sizeof(Net::Icmp6HdrNetworkBootOption);
   block.field(2, "padding length", std::to_string(option.paddingLen));
   block.field(4, "zero", std::to_string(option.zero));
   block.field(6, "reserved1", std::to_string(option.reserved1));
   block.mustBeZero("zero", option.zero);
   block.mustBeZero("reserved1", option.reserved1);
-  Octets const rest = block.octets().from(sizeof option);
-  if (option.paddingLen > 7 || option.paddingLen > rest.size()) {
+  std::size_t const rest = block.octets().size() - urlAt;
+  if (option.paddingLen > 7 || option.paddingLen > rest) {
     block.oddity("the padding length is not possible");
-    return block.hexField(sizeof option, "data");
+    return block.hexField(urlAt, "data");
   }
-  Octets const url = rest.from(0, rest.size() - option.paddingLen);
-  if (!url.empty())
-    block.field(8, "boot file url", printable({reinterpret_cast<char const*>(url.span().data()), url.size()}));
-  if (option.paddingLen > 0) block.hexField(sizeof option + url.size(), "padding");
+  if (!option.url.empty()) block.field(urlAt, "boot file url", printable(option.url));
+  if (option.paddingLen > 0) block.hexField(urlAt + option.url.size(), "padding");
 }
 
 struct OptionType {
@@ -259,14 +263,13 @@ std::string preferenceText(Net::Icmp6RouterAdvtRouterPreferenceType preference) 
   return text + " (" + std::to_string(static_cast<unsigned>(preference)) + ')';
 }
 
-void describeOptions(FrameDescription& description, Octets options) {
+void describeOptions(FrameDescription& description, Octets message) {
   SeenOptions seen;
-  std::size_t done = 0;
-  for (RaOption const& option : completeOptions(options)) {
-    describeOption(description, option.octets, seen);
-    done += option.octets.size();
-  }
-  if (done < options.size()) describeRest(description, options.from(done), raHeaderSize + done);
+  Net::OptionReader reader(message.span());
+  std::size_t at = Net::OptionReader::optionsOffset;
+  for (; reader.next() && reader.complete(); at += reader.size())
+    describeOption(description, message.from(at, reader.size()), seen);
+  if (at < message.size()) describeRest(description, message.from(at), at);
 }
 
 }  // namespace Tool

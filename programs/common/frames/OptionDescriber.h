@@ -6,9 +6,9 @@
 
 namespace Tool {
 
-/// Describes the options of a Neighbor Discovery message, each as a block. Any octets: an option of length 0, and one
-/// that passes the end, are shown for what they are and end the list.
-void describeOptions(FrameDescription& description, Octets options);
+/// Describes the options of a Router Advertisement, each as a block. Any octets: an option of length 0, and one that
+/// passes the end, are shown for what they are and end the list.
+void describeOptions(FrameDescription& description, Octets message);
 
 /// The preference in words, with what the two bits are: `high (1)`.
 std::string preferenceText(Net::Icmp6RouterAdvtRouterPreferenceType preference);

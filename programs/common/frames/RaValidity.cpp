@@ -1,5 +1,5 @@
 #include <Ipv6RouterAdvt/RouterAdvtUtils/Icmp6ChecksumValid.h>
-#include <programs/common/frames/RaMessage.h>
+#include <RouterPlatform/Nd/RaHeader.h>
 #include <programs/common/frames/RaValidity.h>
 
 namespace Tool {
@@ -7,10 +7,11 @@ namespace Tool {
 std::string raInvalidity(Fwk::Ptr<Net::Ip6PktInfo> const& info) {
   Net::Pkt& pkt = *info->packet();
   if (!info->sourceAddr().isLinkLocal()) return "its source is not a link-local address";
-  if (info->hopLimit() != 255) return "its hop limit is " + std::to_string(info->hopLimit()) + ", not 255";
+  if (info->hopLimit() != Net::Icmp6Hdr::neighborDiscoveryHopLimit)
+    return "its hop limit is " + std::to_string(info->hopLimit()) + ", not 255";
   if (!RouterAdvt::icmp6ChecksumValid(info)) return "its checksum is wrong";
   if (pkt.icmp6Hdr()->code != 0) return "its code is " + std::to_string(pkt.icmp6Hdr()->code) + ", not 0";
-  if (pkt.icmp6MsgLen() < raHeaderSize)
+  if (pkt.icmp6MsgLen() < Net::RaHeader::size)
     return "it has " + std::to_string(pkt.icmp6MsgLen()) + " octets; 16 are the least";
   return {};
 }

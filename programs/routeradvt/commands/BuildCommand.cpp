@@ -30,10 +30,11 @@ class BuildCommand final : public Command {
   void run(Console& console) override {
     if (options_.hex && options_.write == "-") throw UsageError("--hex and --write - both mean standard output");
     ConfigFile const file = loadConfigFileOrFail(options_.file);
-    Advert const advert = makeAdvert(file, options_);
-    printAdvertWarnings(console.err, file, advert);
+    RouterAdvt::AdvertRequest const request = makeAdvertRequest(file, options_);
     traceLevelsAre(options_.trace);
-    auto const packet = advert.build();
+    RouterAdvt::LeftOut leftOut;
+    auto const packet = RouterAdvt::build(request, &leftOut);
+    printAdvertWarnings(console.err, file, request, leftOut);
     if (!options_.write.empty()) CaptureWriter(options_.write).add(packet->octets());
     if (options_.hex)
       console.out << toHex(packet->octets()) << '\n';

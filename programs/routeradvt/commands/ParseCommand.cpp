@@ -1,8 +1,8 @@
 #include <Ipv6RouterAdvt/RouterAdvt.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils.h>
 #include <RouterPlatform/Fwk/ObjectRef.h>
+#include <RouterPlatform/Nd/RaHeader.h>
 #include <programs/common/frames/CaptureReader.h>
-#include <programs/common/frames/RaMessage.h>
 #include <programs/common/trees/RecordView.h>
 #include <programs/routeradvt/cli/Options.h>
 #include <programs/routeradvt/commands/Commands.h>
@@ -72,7 +72,7 @@ std::string wordsOf(CaptureReader const& reader, CapturedPacket const& packet, R
   if (!reading.rejected) text += recordText(Fwk::objectRef(reading.record));
   Net::Pkt& pkt = *reading.info->packet();
   auto const messageAt = reinterpret_cast<Fwk::U8 const*>(pkt.icmp6Hdr()) - pkt.data();
-  return text + optionsText(reader.describe(packet), static_cast<std::size_t>(messageAt) + raHeaderSize);
+  return text + optionsText(reader.describe(packet), static_cast<std::size_t>(messageAt) + Net::RaHeader::size);
 }
 
 class ParseCommand final : public Command {

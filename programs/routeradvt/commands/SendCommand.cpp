@@ -57,17 +57,18 @@ class SendCommand final : public Command {
     ConfigFile const file = loadConfigFileOrFail(options_.file);
     findIntf(file, options_.intf);
     NetworkInterface const device = lookUpEthernetInterface(device_);
-    Advert const advert = makeAdvert(file, options_, &device);
-    printAdvertWarnings(console.err, file, advert);
+    RouterAdvt::AdvertRequest const request = makeAdvertRequest(file, options_, &device);
     traceLevelsAre(options_.trace);
-    auto const packet = advert.build();
+    RouterAdvt::LeftOut leftOut;
+    auto const packet = RouterAdvt::build(request, &leftOut);
+    printAdvertWarnings(console.err, file, request, leftOut);
     PacketSocket socket(device);
     if (!options_.write.empty()) capture_ = std::make_unique<CaptureWriter>(options_.write);
     StopSignals signals;  // held back before anything says that it has begun
     if (options_.hex) console.out << toHex(packet->octets()) << '\n';
-    console.out << "sending " << packet->size() << " octets from " << advert.srcAddr.toString() << " ("
-                << advert.srcMac.toString() << ") to " << advert.dstAddr.toString() << " (" << advert.dstMac.toString()
-                << ") on " << printable(device.name) << std::endl;
+    console.out << "sending " << packet->size() << " octets from " << request.srcAddr.toString() << " ("
+                << request.srcMac.toString() << ") to " << request.dstAddr.toString() << " ("
+                << request.dstMac.toString() << ") on " << printable(device.name) << std::endl;
     sendAll(console, socket, *packet, signals);
   }
 

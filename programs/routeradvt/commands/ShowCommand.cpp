@@ -84,13 +84,13 @@ class ShowCommand final : public Command {
 
   /// Of the interface's own advertisement, and what that of its virtual router has no room for besides.
   std::vector<Diagnostic> fitWarningsOf(Net::IntfId const& intfId) const {
-    std::vector<Diagnostic> found = fitWarnings(file_, anyAdvert(intfId, false));
+    std::vector<Diagnostic> found = fitWarningsOf(intfId, false);
     LinkConfig const* const link = file_.link(intfId);
     if (!link || !link->virtualRouter) return found;
-    std::set<std::string> known;
-    for (Diagnostic const& warning : found) known.insert(warning.path);
-    for (Diagnostic& warning : fitWarnings(file_, anyAdvert(intfId, true))) {
-      if (known.contains(warning.path)) continue;
+    std::set<std::pair<std::string, std::string>> known;
+    for (Diagnostic const& warning : found) known.emplace(warning.path, warning.text);
+    for (Diagnostic& warning : fitWarningsOf(intfId, true)) {
+      if (known.contains({warning.path, warning.text})) continue;
       warning.text = "with --virtual-router: " + warning.text;
       found.push_back(std::move(warning));
     }
@@ -98,12 +98,15 @@ class ShowCommand final : public Command {
   }
 
   /// What fits does not depend on the addresses, so an interface without a link can be looked at too.
-  Advert anyAdvert(Net::IntfId const& intfId, bool virtualRouter) const {
+  std::vector<Diagnostic> fitWarningsOf(Net::IntfId const& intfId, bool virtualRouter) const {
     AdvertOptions options;
     options.intf = intfId.toString();
     options.srcMac = placeholderMac;
     options.virtualRouter = virtualRouter;
-    return makeAdvert(file_, options);
+    RouterAdvt::AdvertRequest const request = makeAdvertRequest(file_, options);
+    RouterAdvt::LeftOut leftOut;
+    RouterAdvt::build(request, &leftOut);
+    return fitWarnings(file_, request, leftOut);
   }
 
   std::string fileName_;

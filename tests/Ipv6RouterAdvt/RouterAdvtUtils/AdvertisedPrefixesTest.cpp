@@ -219,7 +219,7 @@ TEST(ConfiguredPrefixes, AreReadWithoutTheirProfiles) {
   profile->noOnLinkIs(true);
   profile->noAutoConfigIs(true);
   Advert advert;
-  advert.config = config->intfIs("Ethernet1");
+  advert.intfConfig = advert.config = config->intfIs("Ethernet1");
   advert.prefix("2001:db8:1::/64")->profileIs("guest");
   EXPECT_THAT(advert.options(prefixInfo), ElementsAre(option(64, builtIn, "20010db8000100000000000000000000")));
 }

@@ -23,14 +23,14 @@ constexpr char const* addrPrefixText = "intfRouterAdvtConfigPtr->prefixes\\( add
 TEST(BuilderDeathTest, AReservedPreferenceIsAProgrammingError) {
   Advert advert;
   advert.config->routerPreferenceIs(Preference::reserved_);
-  EXPECT_DEATH(advert.pkt(), onlyAssertion("writeFlags", preferenceText));
+  EXPECT_DEATH(advert.pkt(), onlyAssertion("preferenceFor", preferenceText));
 }
 
 TEST(BuilderDeathTest, AReservedPreferenceIsOneInADeathPacketToo) {
   Advert advert;
   advert.config->routerPreferenceIs(Preference::reserved_);
   advert.deathPacket = true;
-  EXPECT_DEATH(advert.pkt(), onlyAssertion("writeFlags", preferenceText));
+  EXPECT_DEATH(advert.pkt(), onlyAssertion("preferenceFor", preferenceText));
 }
 
 TEST(BuilderDeathTest, AReservedPreferenceIsFoundBehindTheMessageOfTheDefaultOne) {
@@ -41,7 +41,7 @@ TEST(BuilderDeathTest, AReservedPreferenceIsFoundBehindTheMessageOfTheDefaultOne
         Trace::levelsIs("RouterAdvtUtils/8");
         advert.pkt();
       },
-      "routerPreferenceDefault\\(\\): medium\n" + assertion("writeFlags", preferenceText));
+      "routerPreferenceDefault\\(\\): medium\n" + assertion("preferenceFor", preferenceText));
 }
 
 class AnMtuBelow86DeathTest : public testing::TestWithParam<Fwk::S32> {};
@@ -62,6 +62,18 @@ TEST(BuilderDeathTest, AnMtuBelow86IsOneWithoutMtuOptionToo) {
   advert.config->raMtuSuppressIs(true);
   advert.mtu = 85;
   EXPECT_DEATH(advert.pkt(), onlyAssertion("makeIp6RaPkt", "mtu >= static_cast<S32>\\(fixedPartSize\\)"));
+}
+
+TEST(BuilderDeathTest, ANullStatusIsAProgrammingError) {
+  Advert advert;
+  advert.intfStatus = nullptr;
+  EXPECT_DEATH(advert.pkt(), onlyAssertion("makeIp6RaPkt", "ip6IntfStatusPtr"));
+}
+
+TEST(BuilderDeathTest, ANullConfigurationIsAProgrammingError) {
+  Advert advert;
+  advert.intfConfig = nullptr;
+  EXPECT_DEATH(advert.pkt(), onlyAssertion("makeIp6RaPkt", "intfRouterAdvtConfigPtr"));
 }
 
 TEST(BuilderDeathTest, ThatNoPacketIsToBeHadStopsTheProcess) {

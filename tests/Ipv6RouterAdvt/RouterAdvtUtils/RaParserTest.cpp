@@ -412,9 +412,17 @@ TEST(RaParser, TakesNoOctetsBehindTheMessage) {
   pkt->dataIs(message);
   pkt->icmp6MsgIs(0, message.size() - 1);
   EXPECT_EQ(makeRaPacketType("Ethernet1", Ip6PktInfo::make(pkt, raSource, raDest, 255)), parsed(raHeader));
-  pkt->icmp6MsgIs(0, 8);
-  EXPECT_EQ(makeRaPacketType("Ethernet1", Ip6PktInfo::make(pkt, raSource, raDest, 255)),
-            parsed(Octets(raHeader.begin(), raHeader.begin() + 8)));
+}
+
+TEST(RaParser, ReadsTheHeaderWhateverTheLengthOfTheMessage) {
+  auto pkt = Net::globalPktManager().newPkt();
+  pkt->dataIs(raHeader + mtuOption(1400));
+  auto const record = [&] { return makeRaPacketType("Ethernet1", Ip6PktInfo::make(pkt, raSource, raDest, 255)); };
+  EXPECT_EQ(record(), parsed(raHeader)) << "not located";
+  for (std::size_t length = 4; length <= raHeader.size(); ++length) {
+    pkt->icmp6MsgIs(0, length);
+    EXPECT_EQ(record(), parsed(raHeader)) << length;
+  }
 }
 
 // --- length 0

@@ -390,6 +390,33 @@ TEST(RaPktBuilder, TheCallerAloneOwnsThePacket) {
   EXPECT_EQ(Net::globalPktManager().pktCount(), before);
 }
 
+TEST(RaPktBuilder, TheOctetsBehindTheFrameAreZeroWhateverTheBufferHeld) {
+  {
+    auto const former = Net::globalPktManager().newPkt();  // its buffer comes back next
+    former->dataIs(Octets(2000, 0xab));
+  }
+  auto const pkt = typicalAdvert().pkt();
+  U64 const frameSize = pkt->size();
+  pkt->trimTailData(-static_cast<Fwk::S64>(pkt->tailRoom()));
+  for (U64 at = frameSize; at < pkt->size(); ++at) ASSERT_EQ(pkt->data()[at], 0) << at;
+}
+
+TEST(RaPktBuilder, ARequestAndItsArgumentsGiveTheSameFrame) {
+  Advert advert = typicalAdvert();
+  advert.virtualPrefix("2001:db8:9::/64");
+  advert.advertiseLifetime = false;
+  advert.mtu = 1280;
+  auto const pkt = RouterAdvt::build(advert);
+  EXPECT_EQ(Octets(pkt->octets().begin(), pkt->octets().end()), advert.frame());
+}
+
+TEST(RaPktBuilder, ARequestGoesToAllNodesByDefault) {
+  RouterAdvt::AdvertRequest const request;
+  EXPECT_EQ(request.dstAddr, Ip6Addr("ff02::1"));
+  EXPECT_EQ(request.dstMac, EthAddr::forMulticast(request.dstAddr));
+  EXPECT_EQ(request.mtu, 1500);
+}
+
 TEST(RaPktBuilder, TheInterfaceIsNotUsed) {
   Advert const advert = typicalAdvert();
   auto const build = [&](IntfId intfId) {

@@ -26,23 +26,24 @@ using Net::Pkt;
 using Preference = Net::Icmp6RouterAdvtRouterPreferenceType;
 using RouterAdvt::IntfConfig;
 
-/// Everything that one advertisement is built from; at first the least: no address, no prefix, no DNS.
-struct Advert {
-  Ip6Addr srcAddr{"fe80::1"};
-  Ip6Addr dstAddr{"ff02::1"};
-  EthAddr srcMac{"02:00:00:00:00:01"};
-  EthAddr dstMac{"33:33:00:00:00:01"};
+/// An advertisement, at first the least: no address, no prefix, no DNS.
+struct Advert : RouterAdvt::AdvertRequest {
+  Advert() {
+    srcAddr = Ip6Addr("fe80::1");
+    srcMac = EthAddr("02:00:00:00:00:01");
+    intfStatus = status;
+    intfConfig = config;
+  }
+
+  // What the request refers to, to be changed.
   Ptr<Ip6::IntfStatus> status = Ip6::IntfStatus::IntfStatusIs("Ethernet1");
   Ptr<IntfConfig> config = IntfConfig::IntfConfigIs("Ethernet1");
-  bool advertiseLifetime = true;
-  Fwk::S32 mtu = 1500;
-  bool useVirtualRouter = false;
   Ptr<Ip6::VirtualRouterStatusV6> virtualRouter;
-  bool deathPacket = false;
 
+  /// By the function whose arguments are the request.
   Ptr<Pkt> pkt() const {
-    return RouterAdvt::makeIp6RaPkt(srcAddr, dstAddr, srcMac, dstMac, status, config, advertiseLifetime, mtu,
-                                    useVirtualRouter, virtualRouter, "Ethernet1", deathPacket);
+    return RouterAdvt::makeIp6RaPkt(srcAddr, dstAddr, srcMac, dstMac, intfStatus, intfConfig, advertiseLifetime, mtu,
+                                    useVirtualRouter, virtualRouterStatus, "Ethernet1", deathPacket);
   }
 
   Octets frame() const {
@@ -83,6 +84,7 @@ struct Advert {
   void virtualPrefix(std::string_view text) {
     useVirtualRouter = true;
     if (!virtualRouter) virtualRouter = Ip6::VirtualRouterStatusV6::VirtualRouterStatusV6Is("vrrp");
+    virtualRouterStatus = virtualRouter;
     virtualRouter->prefixIs(Ip6AddrWithMask(text));
   }
 };
@@ -120,6 +122,7 @@ class OptionBuffer {
   }
 
   U8* data() { return octets_.data(); }
+  std::span<U8> octets() { return octets_; }
   /// The octets from `from` to `to`, in hexadecimal digits.
   std::string hex(U64 from, U64 to) const { return Frame::toHex(Frame::View(octets_).subspan(from, to - from)); }
   /// Whether nothing was written from `from` on.

@@ -1,5 +1,11 @@
-#include <RouterPlatform/Nd/Icmp6HdrOptions.h>
-#include <RouterPlatform/Nd/Icmp6RouterAdvertisementHdr.h>
+#include <RouterPlatform/Nd/Dnssl.h>
+#include <RouterPlatform/Nd/LinkLayerAddr.h>
+#include <RouterPlatform/Nd/Mtu.h>
+#include <RouterPlatform/Nd/NetworkBoot.h>
+#include <RouterPlatform/Nd/PrefixInfo.h>
+#include <RouterPlatform/Nd/RaHeader.h>
+#include <RouterPlatform/Nd/Rdnss.h>
+#include <RouterPlatform/Nd/RouteInfo.h>
 #include <RouterPlatform/Packet/EthernetHdr.h>
 #include <RouterPlatform/Packet/Icmp6Hdr.h>
 #include <RouterPlatform/Packet/Ip6Hdr.h>

@@ -272,6 +272,16 @@ TEST(Ip6PktInfo, ThreadsMayMakeAndReleaseDescriptorsInTheThreadSafeMode) {
   EXPECT_EQ(shared->references(), 1U);
 }
 
+TEST(Ip6PktInfo, AFrameOfMoreOctetsThanAPacketHoldsIsRefused) {
+  Octets frame = macs;
+  frame.reserve(Pkt::maxSize + 100);
+  while (frame.size() < Pkt::maxSize - 40) frame.insert(frame.end(), {0x81, 0, 0, 1});
+  frame.insert(frame.end(), {0x86, 0xdd});
+  Octets const packet = ip6(16, 58) + advertisement;
+  frame.insert(frame.end(), packet.begin(), packet.end());
+  EXPECT_EQ(Ip6PktInfo::fromEthernetFrame(frame).reason, Reason::messageTooLong);
+}
+
 TEST(Ip6PktInfo, EveryReasonHasItsWords) {
   std::vector<std::string> texts;
   for (int reason = 0; reason <= static_cast<int>(Reason::noPacket); ++reason)

@@ -206,6 +206,75 @@ TEST_F(PktDeathTest, GrowingPastTheTailRoomStopsTheProcess) {
   EXPECT_DEATH(pkt->trimTailData(std::numeric_limits<Fwk::S64>::min()), "assertion \"added <= tailRoom\\(\\)\"");
 }
 
+TEST_F(PktTest, ATrimmedZeroTailStaysZeroForTheNextPacket) {
+  {
+    auto const pkt = manager_.newPkt();
+    std::memset(pkt->reserveHeadData(1500), 0xab, 100);
+    pkt->trimZeroTail(1400);
+    EXPECT_EQ(pkt->size(), 100U);
+  }
+  auto const pkt = manager_.newPkt();
+  pkt->reserveHeadData(1500);
+  pkt->trimTailData(-16);
+  EXPECT_THAT(std::as_const(*pkt).octets(), Each(0));
+}
+
+// Only octets that were data are cleared: a write behind the back of the packet tells.
+TEST_F(PktTest, ClearsNoMoreThanEarlierDataSoiled) {
+  U8* notData = nullptr;
+  {
+    auto const pkt = manager_.newPkt();
+    notData = pkt->reserveHeadData(1500) + 100;
+    pkt->trimZeroTail(1400);
+    *notData = 0xab;
+  }
+  auto const pkt = manager_.newPkt();
+  U8 const* const data = pkt->reserveHeadData(1500);
+  ASSERT_EQ(data + 100, notData);
+  EXPECT_EQ(*notData, 0xab);
+}
+
+TEST_F(PktTest, ReservesZeroOctetsWhateverTheFormerDataCovered) {
+  for (std::size_t const former : {1U, 16U, 700U, 2000U})
+    for (Fwk::S64 const trimmed : {-16, 0, 1}) {
+      {
+        auto const pkt = manager_.newPkt();
+        pkt->dataIs(std::vector<U8>(former, 0xab));
+        pkt->trimTailData(trimmed);
+        std::memset(pkt->data(), 0xab, pkt->size());
+      }
+      auto const pkt = manager_.newPkt();
+      pkt->reserveHeadData(100);
+      pkt->reserveHeadData(900);
+      pkt->trimTailData(-16);
+      EXPECT_THAT(std::as_const(*pkt).octets(), Each(0)) << former << ' ' << trimmed;
+    }
+}
+
+TEST_F(PktTest, OctetsTrimmedInTheMiddleOfUseAreClearedForTheNextPacket) {
+  {
+    auto const pkt = filled(1000);
+    pkt->trimTailData(900);
+    pkt->reserveHeadData(50);
+  }
+  auto const pkt = manager_.newPkt();
+  pkt->reserveHeadData(1500);
+  EXPECT_THAT(std::as_const(*pkt).octets(), Each(0));
+}
+
+TEST_F(PktTest, AZeroTailThatIsTrimmedTakesItsHeadersAlong) {
+  auto const pkt = manager_.newPkt();
+  pkt->reserveHeadData(100);
+  pkt->icmp6MsgIs(54, 46);
+  pkt->trimZeroTail(10);
+  EXPECT_EQ(pkt->icmp6MsgLen(), 36U);
+}
+
+TEST_F(PktDeathTest, TrimmingMoreZerosThanThereAreOctetsStopsTheProcess) {
+  auto const pkt = filled(10);
+  EXPECT_DEATH(pkt->trimZeroTail(11), "assertion");
+}
+
 TEST_F(PktDeathTest, ReservingMoreThanAPacketHoldsStopsTheProcess) {
   auto const pkt = filled(10);
   EXPECT_DEATH(pkt->reserveHeadData(Pkt::maxSize - 9), "assertion");

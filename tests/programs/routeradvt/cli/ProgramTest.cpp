@@ -470,15 +470,17 @@ TEST(ShowCommand, WarnsAboutWhatDoesNotFitOnBehalfOfTheVirtualRouter) {
   TemporaryFile const file("config: {intf: {E1: {dnsServers: {\"::1\": {}}}}}\nlinks: {E1: {virtualRouter: [" +
                            manyPrefixes() + "]}}\n");
   std::string const out = run({"show", file.name()}).out;
-  EXPECT_THAT(out, HasSubstr(":2:14: links[E1]/virtualRouter: with --virtual-router: 2001:db8:45::/64 does not fit"));
-  EXPECT_THAT(out, HasSubstr("dnsServers[::1]: with --virtual-router: does not fit"));
+  EXPECT_THAT(out, HasSubstr(":2:14: links[E1]/virtualRouter: with --virtual-router: 2 prefixes do not fit in 1500 "
+                             "octets: 2001:db8:45::/64, 2001:db8:46::/64\n"));
+  EXPECT_THAT(out,
+              HasSubstr("dnsServers[::1]: with --virtual-router: a DNS server does not fit in 1500 octets: ::1\n"));
 }
 
 TEST(ShowCommand, SaysOnceWhatFitsInNeitherAdvertisement) {
   TemporaryFile const file("config: {intf: {E1: {networkBootFileUrl: \"tftp://x/" + std::string(2000, 'y') +
                            "\"}}}\nlinks: {E1: {virtualRouter: []}}\n");
   std::string const out = run({"show", file.name()}).out;
-  EXPECT_THAT(out, HasSubstr("networkBootFileUrl: does not fit; "));
+  EXPECT_THAT(out, HasSubstr("networkBootFileUrl: does not fit in 1500 octets: its first 1400 octets are sent\n"));
   EXPECT_THAT(out, testing::Not(HasSubstr("--virtual-router")));
 }
 

@@ -1,4 +1,4 @@
-#include <Ipv6RouterAdvt/RouterAdvtUtils/DnsSearchListOption.h>
+#include <Ipv6RouterAdvt/RouterAdvtUtils/DnsGroups.h>
 #include <tests/Ipv6RouterAdvt/Support/Advert.h>
 #include <tests/RouterPlatform/Trace/TraceCapture.h>
 

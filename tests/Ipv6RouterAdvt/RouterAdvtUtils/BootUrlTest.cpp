@@ -1,4 +1,4 @@
-#include <Ipv6RouterAdvt/RouterAdvtUtils/NetworkBootOption.h>
+#include <Ipv6RouterAdvt/RouterAdvtUtils/BootUrl.h>
 #include <tests/Ipv6RouterAdvt/Support/Advert.h>
 #include <tests/RouterPlatform/Trace/TraceCapture.h>
 
@@ -7,7 +7,6 @@
 namespace {
 
 using namespace AdvertTest;
-using RouterAdvt::copyNetworkBootOptionToRaMsgBuf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -15,6 +14,13 @@ using testing::IsEmpty;
 using testing::Not;
 
 constexpr U8 networkBoot = 253;
+
+/// The option's writer, in a frame that goes on at `msgLen`.
+void copyNetworkBootOptionToRaMsgBuf(OptionBuffer& buf, U64& msgLen, U64 pktBufSize, std::string const& url) {
+  RouterAdvt::AdvertDraft draft(Net::FrameWriter(buf.octets(), msgLen, pktBufSize));
+  RouterAdvt::copyNetworkBootOptionToRaMsgBuf(draft, url);
+  msgLen = draft.msgLen();
+}
 
 TEST(NetworkBootOption, OfAUrlOf13OctetsHas24OctetsOfWhich3ArePadding) {
   Advert advert;
@@ -53,7 +59,7 @@ TEST_P(NetworkBootUrl, IsPaddedToAMultipleOf8) {
   PaddingRow const& row = GetParam();
   OptionBuffer buf(64, 0);
   U64 msgLen = 3;
-  copyNetworkBootOptionToRaMsgBuf(buf.data(), msgLen, 64, row.url);
+  copyNetworkBootOptionToRaMsgBuf(buf, msgLen, 64, row.url);
   EXPECT_EQ(buf.hex(3, msgLen), row.head + hexOf(row.url) + row.padding);
   EXPECT_EQ(buf.hex(0, 3), "eeeeee");
   EXPECT_TRUE(buf.untouchedFrom(msgLen));
@@ -89,7 +95,7 @@ TEST_P(NetworkBootRoom, CutsTheUrlToWholeUnits) {
   U64 const from = 78;
   OptionBuffer buf(from + row.room, 0);
   U64 msgLen = from;
-  copyNetworkBootOptionToRaMsgBuf(buf.data(), msgLen, from + row.room, url);
+  copyNetworkBootOptionToRaMsgBuf(buf, msgLen, from + row.room, url);
   EXPECT_EQ(msgLen, from + 8 + row.copied + row.padding);
   EXPECT_EQ(buf.hex(from, msgLen), row.head + hexOf(url.substr(0, row.copied)) + std::string(2 * row.padding, '0'));
   EXPECT_TRUE(buf.untouchedFrom(msgLen));
@@ -115,7 +121,7 @@ TEST_P(NetworkBootWithoutRoom, IsLeftOut) {
   OptionBuffer buf(row.pktBufSize);
   U64 msgLen = row.msgLen;
   Trace::Capture capture("RouterAdvtUtils");
-  copyNetworkBootOptionToRaMsgBuf(buf.data(), msgLen, row.pktBufSize, "tftp://[::1]/");
+  copyNetworkBootOptionToRaMsgBuf(buf, msgLen, row.pktBufSize, "tftp://[::1]/");
   EXPECT_EQ(msgLen, row.msgLen);
   EXPECT_TRUE(buf.untouchedFrom(0));
   ASSERT_EQ(capture.records().size(), 1U);

@@ -1,0 +1,145 @@
+#include <Ipv6RouterAdvt/RouterAdvtUtils/DnsGroups.h>
+#include <RouterPlatform/Nd/Dnssl.h>
+#include <RouterPlatform/Nd/Rdnss.h>
+
+#include <algorithm>
+
+namespace RouterAdvt {
+
+using Net::Dnssl;
+using Net::Rdnss;
+using Net::Seconds32;
+
+namespace {
+
+/// A draft over the buffer of a caller who keeps `msgLen` himself.
+AdvertDraft draftOver(U8* buf, U64 msgLen, U64 pktBufSize, U64 slack) {
+  return AdvertDraft(Net::FrameWriter({buf, std::max(msgLen, pktBufSize) + slack}, msgLen, pktBufSize));
+}
+
+/// The servers of one lifetime.
+struct ServerGroup {
+  IntfConfig const& intfConfig;
+  U32 intfLifetime;
+  U32 lifetime;
+
+  bool contains(DNSServerConfigEntry const& server) const { return server.validLifetime(intfLifetime) == lifetime; }
+  U64 serverCount() const {
+    auto const servers = intfConfig.dnsServers().frozen();
+    return static_cast<U64>(std::count_if(servers.begin(), servers.end(), [this](auto& s) { return contains(s); }));
+  }
+};
+
+/// The suffixes of one lifetime.
+struct SuffixGroup {
+  IntfConfig const& intfConfig;
+  U32 intfLifetime;
+  U32 lifetime;
+
+  bool contains(DNSSuffixConfigEntry const& entry) const { return entry.validLifetime(intfLifetime) == lifetime; }
+};
+
+/// Writes one suffix. Empty labels, of a trailing dot too, are written as they are.
+void encodeDNSSuffix(AdvertDraft& draft, String const& suffix) {
+  DRAFT_TRACE(draft, 1, "Before Encoding DNS Suffix: ", suffix, " length: ", draft.msgLen());
+  U64 const start = draft.msgLen();
+  if (std::optional<U64> const cutAt = putName(draft.out, suffix)) {
+    U64 const labelEnd = std::min(suffix.find('.', *cutAt), suffix.size());
+    draft.cut(suffix, *cutAt, start + labelEnd + 1);
+    return;
+  }
+  DRAFT_TRACE(draft, 8, "After Encoding DNS Suffix: ", suffix, " length: ", draft.msgLen());
+}
+
+constexpr U64 roundedUpTo8(U64 size) { return (size + 7) / 8 * 8; }
+
+/// The size of the option by the estimate: its head, and a suffix's octets and one more. 0: the group is empty.
+U64 estimatedSize(AdvertDraft const& draft, SuffixGroup const& group) {
+  U64 total = sizeof(Net::Icmp6HdrDnsslOption);
+  bool any = false;
+  for (DNSSuffixConfigEntry const& entry : group.intfConfig.dnsSuffixes().frozen()) {
+    if (!group.contains(entry)) continue;
+    any = true;
+    total += entry.suffix().size() + 1;
+    DRAFT_TRACE(draft, 8, "Computing Length DNS Suffix: ", entry.suffix(), " length: ", total);
+  }
+  return any ? total : 0;
+}
+
+void writeSearchList(AdvertDraft& draft, SuffixGroup const& group) {
+  put(draft.out, Dnssl{.lifetime = Seconds32(group.lifetime)});
+  U64 const start = draft.msgLen();
+  for (DNSSuffixConfigEntry const& entry : group.intfConfig.dnsSuffixes().frozen())
+    if (group.contains(entry)) encodeDNSSuffix(draft, entry.suffix());
+  DRAFT_TRACE(draft, 8, "MsgLenBforeDnsSuffixes: ", start, "MsgLenAfterDnsSuffixes:", draft.msgLen());
+  DRAFT_TRACE(draft, 8, "numBytesToPad: ", dnsslPadding(draft.out, start), "at offset: ", draft.msgLen());
+  closeDnssl(draft.out, start);
+}
+
+/// What the frame would have with the group, by the estimate, when that does not fit; 0: it is written, or empty.
+U64 writeUnlessTooLarge(AdvertDraft& draft, SuffixGroup const& group, LifeTimeHashMap& visited) {
+  U64 const total = estimatedSize(draft, group);
+  if (total == 0) return 0;
+  DRAFT_TRACE(draft, 8, "Total Length of DNS Suffixes: ", total);
+  U64 const padded = roundedUpTo8(total);
+  DRAFT_TRACE(draft, 8, "Total Length of DNS Suffixes after padding: ", padded);
+  DRAFT_TRACE(draft, 8, "PktBufSize: ", draft.out.frameLimit());
+  if (!draft.out.fits(padded)) return draft.msgLen() + padded;
+  writeSearchList(draft, group);
+  visited.visitedIs(group.lifetime, true);
+  return 0;
+}
+
+}  // namespace
+
+void copyDNSServersToRaMsgBuf(AdvertDraft& draft, IntfConfig const& intfConfig) {
+  U32 const intfLifetime = intfConfig.validDnsServersLifetime();
+  LifeTimeHashMap visited;
+  U64 serversWritten = 0;
+  for (DNSServerConfigEntry const& server : intfConfig.dnsServers().frozen()) {
+    ServerGroup const group{intfConfig, intfLifetime, server.validLifetime(intfLifetime)};
+    if (visited.visited(group.lifetime)) continue;
+    U64 const serverCount = group.serverCount();
+    if (!put(draft.out, Rdnss{.lifetime = Seconds32(group.lifetime), .serverCount = serverCount})) {
+      draft.leaveOut(server.ipAddr(), draft.msgLen() + Rdnss::size(serverCount));
+      continue;
+    }
+    for (DNSServerConfigEntry const& member : intfConfig.dnsServers().frozen())
+      if (group.contains(member)) putServer(draft.out, member.ipAddr());
+    serversWritten += serverCount;
+    if (serversWritten == intfConfig.dnsServers().size()) return;
+    visited.visitedIs(group.lifetime, true);
+  }
+}
+
+void copyDNSServersWithSameLifeTimeToRaMsgBuf(U8* buf, U64& msgLen, U64 pktBufSize,
+                                              Ptr<IntfConfig const> const& intfConfig) {
+  AdvertDraft draft = draftOver(buf, msgLen, pktBufSize, 0);
+  copyDNSServersToRaMsgBuf(draft, *intfConfig);
+  msgLen = draft.msgLen();
+}
+
+void copyDNSSuffixesToRaMsgBuf(AdvertDraft& draft, IntfConfig const& intfConfig) {
+  U32 const intfLifetime = intfConfig.validDnsSuffixesLifetime();
+  DRAFT_TRACE(draft, 8, "Number of Dns Suffixes: ", intfConfig.dnsSuffixes().size(), "intf lifetime: ", intfLifetime);
+  LifeTimeHashMap visited;
+  for (DNSSuffixConfigEntry const& entry : intfConfig.dnsSuffixes().frozen()) {
+    SuffixGroup const group{intfConfig, intfLifetime, entry.validLifetime(intfLifetime)};
+    bool const done = visited.visited(group.lifetime);
+    DRAFT_TRACE(draft, 8, "dnsSuffixLifetime: ", group.lifetime, "visited: ", done);
+    if (done) continue;
+    if (U64 const frameSize = writeUnlessTooLarge(draft, group, visited)) draft.leaveOut(entry.suffix(), frameSize);
+  }
+}
+
+int copyDNSSuffixesWithSameLifeTimeToRaMsgBuf(U8* buf, U64& msgLen, U64 pktBufSize, U32 lifetime,
+                                              Ptr<IntfConfig const> const& intfConfig, LifeTimeHashMap& visited) {
+  AdvertDraft draft = draftOver(buf, msgLen, pktBufSize, searchListSlack);
+  SuffixGroup const group{*intfConfig, intfConfig->validDnsSuffixesLifetime(), lifetime};
+  U64 const frameSize = writeUnlessTooLarge(draft, group, visited);
+  if (frameSize > 0) draft.suffixesEnd(frameSize);
+  msgLen = draft.msgLen();
+  return frameSize > 0 ? 0 : 1;
+}
+
+}  // namespace RouterAdvt
