@@ -4,6 +4,8 @@
 #include <Ipv6RouterAdvt/RouterAdvt/IntfConfig.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils/LeftOut.h>
+#include <RouterPlatform/Ip6/IntfStatus.h>
+#include <RouterPlatform/Ip6/VirtualRouterStatusV6.h>
 #include <RouterPlatform/Packet/Pkt.h>
 
 namespace RouterAdvt {
