@@ -39,7 +39,7 @@ OctetBuffer put(T const& value) {
   return octets;
 }
 
-/// Written as these octets, read back from them, and from no part of them nor with one octet more.
+/// Expects that `value` is written as these octets and read from them, but not from a part of them or with one more.
 template <class T>
 void expectOctets(T const& value, std::string const& hex) {
   OctetBuffer octets = put(value);

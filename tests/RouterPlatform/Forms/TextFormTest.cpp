@@ -26,7 +26,7 @@ using Net::Ip6AddrWithMask;
 using Net::VrfName;
 using TestModel::Point;
 
-/// Reads an attribute, and expects that nothing is left.
+/// Reads an attribute and expects that no text is left.
 template <class T>
 T readAttribute(String const& text) {
   String::IteratorConst pos = text.begin();
@@ -35,7 +35,7 @@ T readAttribute(String const& text) {
   return value;
 }
 
-/// What is wrong with `text`, as the error says it; nothing when it is read.
+/// The error of reading `text`; empty if it is read.
 template <class T>
 std::string errorIn(String const& text) {
   try {
@@ -215,7 +215,7 @@ constexpr char const* lineText =
     "Value('TestModel::Line', ** {'from': Value('TestModel::Point', ** {'x': 1, 'y': 2}), 'to': "
     "Value('TestModel::Point', ** {'x': 3, 'y': 4})})";
 
-/// What `strepToValue` says of `text`, and the parts of it.
+/// The error of `strepToValue` for `text`, and its parts.
 struct Refusal {
   std::string attribute;
   std::size_t offset;

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-/// What the tests of change streams need beside the small model: a tree of three levels, records as keys and values.
+/// Types for the tests of change streams, beside the small model: a tree of three levels, records as keys and values.
 namespace TestModel {
 
 /// A record that is a key. Text: `3,4`.

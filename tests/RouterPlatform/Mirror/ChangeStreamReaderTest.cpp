@@ -27,7 +27,7 @@ using TestModel::Box;
 using TestModel::Port;
 using TestModel::Rack;
 
-// The octets, as docs/formats/change-stream.md has them.
+// The octets that docs/formats/change-stream.md describes.
 
 TEST(ChangeStreamFormat, ASnapshotOfAnEntityIsTheseOctets) {
   auto const port = Fwk::create<Port>(Net::IntfId("et1"));
@@ -95,7 +95,7 @@ TEST(ChangeStreamFormat, AChangeOfEachKindIsTheseOctets) {
                           "member 1065", "leave", "at 00", "removed 02", "mark"));
 }
 
-// What is no stream, or no stream for this reader.
+// Octets that are no stream, or no stream for this reader.
 
 /// A stream written by hand, behind a start that the reader accepts.
 struct HandWritten {
@@ -330,7 +330,7 @@ TEST_P(ReadError, EndsTheReadingUntilTheNextAttachment) {
   EXPECT_EQ(TreeText::of(mirror), TreeText::of(original));
 }
 
-/// A rack's worth of members that a reader with a bound of 5 is fed.
+/// A rack and its mirror, which may have 5 members.
 struct BoundedMembers : testing::Test {
   Ptr<Rack> const original = Fwk::create<Rack>("rack");
   Ptr<Rack> const mirror = Fwk::create<Rack>("rack");
@@ -478,15 +478,15 @@ TEST(ChangeStreamReader, RecordsOfAnUnknownKindArePassedOver) {
 
 TEST(ChangeStreamReader, ASizeIsNoReasonToAllocate) {
   HandWritten stream;
-  stream.octets.insert(stream.octets.end(), {2, 0xff, 0xff, 0xff, 0x07});  // 16 MiB less one: allowed, and not there
+  stream.octets.insert(stream.octets.end(), {2, 0xff, 0xff, 0xff, 0x07});  // 16 MiB less one: allowed, not yet received
   Reader reader(Fwk::create<Rack>("rack"));
   EXPECT_TRUE(reader.feed(stream.octets));
   EXPECT_FALSE(reader.error());
 }
 
-// A program of another version.
+// Programs of different versions.
 
-/// What `Gadget` was, and what it has become.
+/// `Gadget` in two versions.
 template <int version>
 class Gadget final : public Fwk::Entity {
  public:
@@ -605,7 +605,7 @@ TEST(ChangeStreamVersions, ASchemaCutAnywhereIsAnError) {
     Reader reader(Fwk::create<Gadget<1>>("g"));
     if (!reader.feed(octets)) ++errors;
   }
-  EXPECT_GE(errors, hello.size() - 17 - 10);  // between two types it is not cut but shorter
+  EXPECT_GE(errors, hello.size() - 17 - 10);  // a cut between two types gives a shorter schema
 }
 
 // Schemas written by hand.

@@ -485,7 +485,7 @@ TEST_F(ChangeStream, AMirrorCanBeMadeAsTheStreamNamesItsRoots) {
   EXPECT_THAT(made, ElementsAre("TestModel::Rack rack"));
 }
 
-// Being told.
+// Waking a subscriber.
 
 TEST_F(ChangeStream, SaysOnceThatSomethingHasBecomePending) {
   int calls = 0;
@@ -546,7 +546,7 @@ struct BoundedChangeStream : ChangeStream {
     EXPECT_TRUE(reader.synchronized());
     EXPECT_EQ(TreeText::of(mirror), TreeText::of(rack));
   }
-  /// A change of each of many attributes.
+  /// Changes many attributes once.
   void changeALot(Fwk::U32 value) {
     for (auto const& entry : rack->boxes()) entry.value->numberIs(value);
   }
@@ -621,7 +621,7 @@ TEST_F(BoundedChangeStream, NoRoomForEvenOneChangeMeansASnapshotEveryTime) {
   EXPECT_EQ(writes.overflows(), 2);
 }
 
-// A snapshot meets a mirror that has something.
+// A snapshot meets a mirror that is not empty.
 
 struct MeetRow {
   char const* name;
@@ -689,7 +689,7 @@ TEST_F(ChangeStream, RestartingTellsEverythingAgainOnAnAttachedReader) {
   EXPECT_EQ(writer.overflows(), 0);
 }
 
-// Without memory.
+// Memory runs out.
 
 TEST_F(ChangeStream, AChangeWithoutMemoryReachesItsCallerAndTheMirrorLater) {
   for (std::size_t allowed = 0; allowed < 12; ++allowed) {
@@ -704,7 +704,7 @@ TEST_F(ChangeStream, AChangeWithoutMemoryReachesItsCallerAndTheMirrorLater) {
         AllocationFailure const failing(allowed);
         fill(*tree->boxesIs("x" + std::to_string(i)));
       } catch (std::bad_alloc const&) {
-        // what was to be made was not
+        // the member was not made
       }
       tree->topIs("t")->numberIs(static_cast<Fwk::U32>(i));
     }
@@ -732,7 +732,7 @@ TEST_F(ChangeStream, ADrainWithoutMemoryBeginsTheStreamAnew) {
   }
 }
 
-// Ends.
+// Lifetimes.
 
 TEST_F(ChangeStream, AWriterKeepsTheTreeAlive) {
   Fwk::S64 const before = Rack::typeRecord().liveCount->value();

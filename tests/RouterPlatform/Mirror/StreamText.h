@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-/// A change stream as people read it.
+/// A change stream as text.
 namespace StreamText {
 
 using Fwk::OctetBuffer;
@@ -35,10 +35,10 @@ inline char const* kindName(U8 kind) {
 struct Record {
   RecordKind kind;
   std::span<U8 const> body;
-  std::size_t end;  ///< behind it, in the stream
+  std::size_t end;  ///< offset behind it in the stream
 };
 
-/// The records of octets that begin and end with one.
+/// The records of octets that begin and end with a record.
 inline std::vector<Record> records(std::span<U8 const> octets) {
   std::vector<Record> result;
   OctetSource in(octets);
@@ -59,7 +59,7 @@ inline std::vector<std::string> lines(std::span<U8 const> octets) {
   return result;
 }
 
-/// How many records of a kind there are.
+/// Number of records of a kind.
 inline std::size_t count(std::span<U8 const> octets, RecordKind kind) {
   std::size_t result = 0;
   for (Record const& record : records(octets)) result += record.kind == kind;

@@ -16,7 +16,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A server of two mirrors, of which none may be silent at all when another one waits.
+/// A server with places for two mirrors. When another one waits, none may leave octets unread for any time.
 struct MirrorServerTest : testing::Test {
   ToolTest::TemporaryFolder folder;
   std::string const path = folder / "socket";
@@ -41,7 +41,7 @@ struct MirrorServerTest : testing::Test {
     while (!readable(connection) && std::chrono::steady_clock::now() < deadline) context.run_one_for(100ms);
     return readable(connection);
   }
-  /// Reads what has come; false: the connection has ended.
+  /// Reads the octets that have arrived; false if the connection has ended.
   static bool readAll(FileDescriptor const& connection) {
     std::array<char, 65536> octets;
     ssize_t size = 0;

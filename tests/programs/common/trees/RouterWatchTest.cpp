@@ -21,7 +21,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// What is told, a line a call.
+/// The reports, one line per call.
 struct Log final : RouterWatch::Observer {
   void onRouter(Ip6Addr const& router) override { lines.push_back(router.toString() + " heard"); }
   void onRouterGone(Ip6Addr const& router) override { lines.push_back(router.toString() + " gone"); }
@@ -32,7 +32,7 @@ struct Log final : RouterWatch::Observer {
     if (!isFirst)
       for (RecordChange const& change : changes) lines.push_back(change.path);
   }
-  /// Those since the last time.
+  /// The reports since the last call.
   std::vector<std::string> take() { return std::exchange(lines, {}); }
 
   std::vector<std::string> lines;
