@@ -236,7 +236,7 @@ def check_refusals(folder):
     check_failure("no socket", run("serve", file, "--socket", other), "there is something that is no socket")
     with open(other, encoding="ascii") as opened:
         checks.equal("what is no socket", opened.read(), "precious")
-    check_failure("no directory", run("serve", file, "--socket", nowhere + "/x"), "its directory cannot be opened")
+    check_failure("no directory", run("serve", file, "--socket", nowhere + "/x"), "x.lock cannot be opened: No such file")
     check_failure("a path that is too long", run("serve", file, "--socket", "x" * 200), "a path of 1 to 107 octets")
     check_failure("standard input", run("serve", "-", "--socket", nowhere), "not standard input", status=2)
     check_failure("no --socket", run("serve", file), "--socket is required", status=2)
