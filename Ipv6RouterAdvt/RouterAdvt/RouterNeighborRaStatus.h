@@ -82,7 +82,8 @@ class ROUTER_ADVT_EXPORT RouterNeighborRaStatus final : public Fwk::Entity {
 
   /// Looks whether other processes still find the table, which somebody may have removed; for a timer of the agent,
   /// once a second or less often. If they do not, the mount status becomes `failed`, which is traced, and the reason is
-  /// returned; the rows stay in the process. To mount the table anew, take the entity out of its tree and put it back.
+  /// returned; the rows stay in the process. To mount the table anew, take the entity out of its tree and put it back,
+  /// or call `handleParent(nullptr)` and then `handleParent(parent())`.
   SharedTable::Error verifyMount();
 
   /// Why the table could not be mounted, or how its name was lost, when its mount status is `failed`.
