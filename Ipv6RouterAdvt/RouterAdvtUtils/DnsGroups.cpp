@@ -53,17 +53,20 @@ void encodeDNSSuffix(AdvertDraft& draft, String const& suffix) {
 
 constexpr U64 roundedUpTo8(U64 size) { return (size + 7) / 8 * 8; }
 
-/// The size of the option by the estimate: its head, and a suffix's octets and one more. 0: the group is empty.
-U64 estimatedSize(AdvertDraft const& draft, SuffixGroup const& group) {
-  U64 total = sizeof(Net::Icmp6HdrDnsslOption);
-  bool any = false;
+/// What is known of a group before it is written.
+struct SuffixEstimate {
+  U64 size = sizeof(Net::Icmp6HdrDnsslOption);  ///< of the option: its head, and a suffix's octets and one more
+  U64 count = 0;
+};
+SuffixEstimate estimateOf(AdvertDraft const& draft, SuffixGroup const& group) {
+  SuffixEstimate estimate;
   for (DNSSuffixConfigEntry const& entry : group.intfConfig.dnsSuffixes().frozen()) {
     if (!group.contains(entry)) continue;
-    any = true;
-    total += entry.suffix().size() + 1;
-    DRAFT_TRACE(draft, 8, "Computing Length DNS Suffix: ", entry.suffix(), " length: ", total);
+    ++estimate.count;
+    estimate.size += entry.suffix().size() + 1;
+    DRAFT_TRACE(draft, 8, "Computing Length DNS Suffix: ", entry.suffix(), " length: ", estimate.size);
   }
-  return any ? total : 0;
+  return estimate;
 }
 
 void writeSearchList(AdvertDraft& draft, SuffixGroup const& group) {
@@ -76,17 +79,14 @@ void writeSearchList(AdvertDraft& draft, SuffixGroup const& group) {
   closeDnssl(draft.out, start);
 }
 
-/// What the frame would have with the group, by the estimate, when that does not fit; 0: it is written, or empty.
-U64 writeUnlessTooLarge(AdvertDraft& draft, SuffixGroup const& group, LifeTimeHashMap& visited) {
-  U64 const total = estimatedSize(draft, group);
-  if (total == 0) return 0;
+/// Writes a group that is not empty. 0, or the size by the estimate of the frame with it when that does not fit.
+U64 writeUnlessTooLarge(AdvertDraft& draft, SuffixGroup const& group, U64 total) {
   DRAFT_TRACE(draft, 8, "Total Length of DNS Suffixes: ", total);
   U64 const padded = roundedUpTo8(total);
   DRAFT_TRACE(draft, 8, "Total Length of DNS Suffixes after padding: ", padded);
   DRAFT_TRACE(draft, 8, "PktBufSize: ", draft.out.frameLimit());
   if (!draft.out.fits(padded)) return draft.msgLen() + padded;
   writeSearchList(draft, group);
-  visited.visitedIs(group.lifetime, true);
   return 0;
 }
 
@@ -95,7 +95,6 @@ U64 writeUnlessTooLarge(AdvertDraft& draft, SuffixGroup const& group, LifeTimeHa
 void copyDNSServersToRaMsgBuf(AdvertDraft& draft, IntfConfig const& intfConfig) {
   U32 const intfLifetime = intfConfig.validDnsServersLifetime();
   LifeTimeHashMap visited;
-  U64 serversWritten = 0;
   for (DNSServerConfigEntry const& server : intfConfig.dnsServers().frozen()) {
     ServerGroup const group{intfConfig, intfLifetime, server.validLifetime(intfLifetime)};
     if (visited.visited(group.lifetime)) continue;
@@ -106,8 +105,7 @@ void copyDNSServersToRaMsgBuf(AdvertDraft& draft, IntfConfig const& intfConfig) 
     }
     for (DNSServerConfigEntry const& member : intfConfig.dnsServers().frozen())
       if (group.contains(member)) putServer(draft.out, member.ipAddr());
-    serversWritten += serverCount;
-    if (serversWritten == intfConfig.dnsServers().size()) return;
+    if (serverCount == intfConfig.dnsServers().size()) return;  // that was all of them
     visited.visitedIs(group.lifetime, true);
   }
 }
@@ -128,7 +126,13 @@ void copyDNSSuffixesToRaMsgBuf(AdvertDraft& draft, IntfConfig const& intfConfig)
     bool const done = visited.visited(group.lifetime);
     DRAFT_TRACE(draft, 8, "dnsSuffixLifetime: ", group.lifetime, "visited: ", done);
     if (done) continue;
-    if (U64 const frameSize = writeUnlessTooLarge(draft, group, visited)) draft.leaveOut(entry.suffix(), frameSize);
+    SuffixEstimate const estimate = estimateOf(draft, group);
+    if (U64 const frameSize = writeUnlessTooLarge(draft, group, estimate.size)) {
+      draft.leaveOut(entry.suffix(), frameSize);
+      continue;
+    }
+    if (estimate.count == intfConfig.dnsSuffixes().size() && !draft.traced()) return;  // the rest would be messages
+    visited.visitedIs(group.lifetime, true);
   }
 }
 
@@ -136,10 +140,15 @@ int copyDNSSuffixesWithSameLifeTimeToRaMsgBuf(U8* buf, U64& msgLen, U64 pktBufSi
                                               Ptr<IntfConfig const> const& intfConfig, LifeTimeHashMap& visited) {
   AdvertDraft draft = draftOver(buf, msgLen, pktBufSize, searchListSlack);
   SuffixGroup const group{*intfConfig, intfConfig->validDnsSuffixesLifetime(), lifetime};
-  U64 const frameSize = writeUnlessTooLarge(draft, group, visited);
-  if (frameSize > 0) draft.suffixesEnd(frameSize);
+  SuffixEstimate const estimate = estimateOf(draft, group);
+  if (estimate.count == 0) return 1;
+  if (U64 const frameSize = writeUnlessTooLarge(draft, group, estimate.size)) {
+    draft.suffixesEnd(frameSize);
+    return 0;
+  }
+  visited.visitedIs(lifetime, true);
   msgLen = draft.msgLen();
-  return frameSize > 0 ? 0 : 1;
+  return 1;
 }
 
 }  // namespace RouterAdvt

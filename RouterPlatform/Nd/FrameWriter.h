@@ -33,6 +33,8 @@ class FrameWriter {
     if (!fits(sizeof(Header))) return nullptr;
     return reinterpret_cast<Header*>(taken(sizeof(Header)));
   }
+  /// The next `size` octets, which fit, for the caller to write.
+  std::span<U8> reserve(U64 size) noexcept { return {taken(size), size}; }
   /// False: they do not fit.
   bool append(std::span<U8 const> octets) noexcept { return append(octets.data(), octets.size()); }
   bool append(std::string_view text) noexcept { return append(text.data(), text.size()); }
@@ -60,7 +62,7 @@ class FrameWriter {
 
   std::span<U8> octets_;
   U64 offset_;
-  U64 const frameLimit_;
+  U64 frameLimit_;
 };
 
 }  // namespace Net

@@ -6,6 +6,7 @@
 #include <bit>
 #include <concepts>
 #include <cstring>
+#include <span>
 #include <type_traits>
 
 namespace Net {
@@ -51,6 +52,11 @@ inline U64 wordFirstOctetLowest(void const* octets) noexcept {
   std::memcpy(&word, octets, sizeof word);
   if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
   return word;
+}
+
+inline void storeWordFirstOctetLowest(std::span<U8, 8> octets, U64 word) noexcept {
+  if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
+  std::memcpy(octets.data(), &word, sizeof word);
 }
 
 using NetU8 = NetInt<U8>;

@@ -18,6 +18,27 @@ void Pkt::onZeroReferences() noexcept {
   if (releaseLastReference()) manager_.recycle(this);
 }
 
+/// The data may have been written: it is soiled once it is data no more.
+void Pkt::noteSoiled() noexcept {
+  if (size_ == 0) return;
+  U64 const end = start_ + size_;
+  bool const none = soiledBegin_ >= soiledEnd_;
+  soiledBegin_ = none ? start_ : std::min(soiledBegin_, start_);
+  soiledEnd_ = none ? end : std::max(soiledEnd_, end);
+}
+
+/// Zeroes what is soiled between `begin` and `end`.
+inline void Pkt::clear(U64 begin, U64 end) noexcept {
+  if (soiledEnd_ <= begin) return;
+  U64 const from = std::max(begin, soiledBegin_), to = std::min(end, soiledEnd_);
+  if (from >= to) return;
+  std::memset(buffer_.get() + from, 0, to - from);
+  if (to == soiledEnd_)
+    soiledEnd_ = from;
+  else if (from == soiledBegin_)
+    soiledBegin_ = to;
+}
+
 /// Empty, all room at the head: that is where it is needed first.
 void Pkt::reset() noexcept {
   noteSoiled();
@@ -26,25 +47,6 @@ void Pkt::reset() noexcept {
   ip6Offset_ = icmp6Offset_ = icmp6Length_ = 0;
   ip6Located_ = false;
   clear(start_, capacity_);
-}
-
-/// The data may have been written: it is soiled once it is data no more.
-void Pkt::noteSoiled() noexcept {
-  if (size_ == 0) return;
-  bool const any = soiledBegin_ < soiledEnd_;
-  soiledBegin_ = any ? std::min(soiledBegin_, start_) : start_;
-  soiledEnd_ = any ? std::max(soiledEnd_, start_ + size_) : start_ + size_;
-}
-
-/// Zeroes what is soiled between `begin` and `end`.
-void Pkt::clear(U64 begin, U64 end) noexcept {
-  U64 const from = std::max(begin, soiledBegin_), to = std::min(end, soiledEnd_);
-  if (from >= to) return;
-  std::memset(buffer_.get() + from, 0, to - from);
-  if (to == soiledEnd_)
-    soiledEnd_ = from;
-  else if (from == soiledBegin_)
-    soiledBegin_ = to;
 }
 
 void Pkt::growFor(U64 headData) {
