@@ -6,6 +6,7 @@
 #include <RouterPlatform/Nd/RaHeader.h>
 
 #include <algorithm>
+#include <array>
 
 namespace RouterAdvt {
 
@@ -28,16 +29,14 @@ Octets headerOctetsOf(Pkt& pkt) {
   return {message, pkt.data() + pkt.size()};
 }
 
-/// The header of data that ends before it does: what it lacks is 0.
-RaHeader paddedHeader(Octets octets) {
-  std::array<U8, RaHeader::size> padded{};
-  std::ranges::copy(octets, padded.begin());
-  return *Net::takeRaHeader(padded, 0);
-}
-
 void readHeader(Octets octets, RaPacket& packet) {
-  auto const whole = Net::takeRaHeader(octets, 0);
-  RaHeader const header = whole ? *whole : paddedHeader(octets);
+  std::array<U8, RaHeader::size> padded;
+  if (octets.size() < padded.size()) {  // what the data lacks is 0
+    padded.fill(0);
+    std::ranges::copy(octets, padded.begin());
+    octets = padded;
+  }
+  RaHeader const header = *Net::takeRaHeader(octets, 0);
   packet.curHopLimitIs(header.curHopLimit);
   packet.managedConfigFlagIs(header.managedConfig);
   packet.otherConfigFlagIs(header.otherConfig);
@@ -52,15 +51,16 @@ void recordMtu(Net::Mtu const& mtu, RaPacket& packet) {
 }
 
 void recordPrefix(Net::PrefixInfo const& option, RaPacket& packet) {
-  RaPacketPrefixInfo const* const known = packet.prefixInfo().find(option.prefix);
+  Ip6AddrWithMask const prefix = option.prefix;  // a copy: fields that nobody asks for need no memory then
+  RaPacketPrefixInfo const* const known = packet.prefixInfo().find(prefix);
   // An entry that equals the default one does not count as known: one of ::/0 without flags and lifetimes.
   if (known && *known != RaPacketPrefixInfo()) return;
-  RaPacketPrefixInfo info(option.prefix);
+  RaPacketPrefixInfo info(prefix);
   info.onLinkFlagIs(option.onLink);
   info.autoConfigFlagIs(option.autonomous);
   info.validLifetimeIs(option.validLifetime.count());
   info.preferredLifetimeIs(option.preferredLifetime.count());
-  packet.prefixInfoIs(option.prefix, info);
+  packet.prefixInfoIs(prefix, info);
 }
 
 /// False: there is an option of length 0, and what was read is worth nothing.
