@@ -46,9 +46,9 @@ struct AdvertRequest {
 /// whose data is exactly the frame; the octets behind it are zero.
 ///
 /// An option that does not fit is left out, traced at level 3, and noted in `leftOut` unless that is null; the frame
-/// always comes. To ask for what the request rules out is a programming error and stops the process; so does the lack
-/// of a packet, after a trace at level 2. In steady state nothing is allocated, but for what `leftOut` notes. Keeps no
-/// state: several threads may build at once as long as what they read does not change.
+/// always comes. A request that breaks the conditions of its members is a programming error and stops the process. The
+/// lack of a packet does too, after a trace at level 2. In steady state nothing is allocated, except for the entries of
+/// `leftOut`. Keeps no state: several threads may build at once as long as what they read does not change.
 ROUTER_ADVT_EXPORT Ptr<Pkt> build(AdvertRequest const& request, LeftOut* leftOut = nullptr);
 
 }  // namespace RouterAdvt

@@ -21,7 +21,7 @@ struct EthernetHdr {
 };
 static_assert(sizeof(EthernetHdr) == 14 && alignof(EthernetHdr) == 1);
 
-/// What follows an EtherType that names a tag, IEEE 802.1Q.
+/// The tag that follows an EtherType that names one, IEEE 802.1Q.
 struct EthernetTagHdr {
   NetU16 tagControl;  ///< priority, drop eligible, VLAN identifier
   NetU16 etherType;   ///< of the payload, or of the next tag

@@ -8,7 +8,7 @@
 
 namespace Net {
 
-/// What an upper-layer checksum covers of the packet besides the message, RFC 8200 8.1.
+/// The IPv6 pseudo-header, which an upper-layer checksum covers besides the message, RFC 8200 8.1.
 struct Icmp6PseudoHdr {
   std::array<U8, 16> sourceAddress;
   std::array<U8, 16> destinationAddress;

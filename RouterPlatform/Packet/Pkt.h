@@ -109,7 +109,7 @@ class ROUTER_PLATFORM_EXPORT Pkt final : public Fwk::PtrInterface<Pkt> {
   U64 icmp6Offset_ = 0;
   U64 icmp6Length_ = 0;  // 0: not located, and the offset is 0
   bool ip6Located_ = false;
-  // What is neither data nor in [soiledBegin_, soiledEnd_) of the buffer is zero.
+  // Octets of the buffer outside the data and outside [soiledBegin_, soiledEnd_) are zero.
   U64 soiledBegin_ = 0;
   U64 soiledEnd_;
   Pkt* nextFree_ = nullptr;

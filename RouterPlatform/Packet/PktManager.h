@@ -29,7 +29,7 @@ class ROUTER_PLATFORM_EXPORT PktManager {
   /// An empty packet; null when as many as the limit are in use, or when there is no memory.
   Fwk::Ptr<Pkt> newPkt() noexcept;
 
-  /// Greatest number of packets in use at one time. A lower limit than there are in use ends none of them.
+  /// Greatest number of packets in use at one time. A limit below the number in use ends no packet.
   U64 pktLimit() const;
   void pktLimitIs(U64 limit);
 

@@ -29,7 +29,7 @@ class CaptureReader {
   /// read.
   std::optional<CapturedPacket> next();
 
-  /// What a packet of this file is, by its link type.
+  /// How the packets of this file begin, by its link type.
   Net::Ip6PktInfo::Result receive(CapturedPacket const& packet) const;
   FrameDescription describe(CapturedPacket const& packet) const;
 

@@ -11,7 +11,7 @@ namespace Tool {
 struct DnsName {
   std::size_t at;                     ///< offset of its first octet within the option's names
   std::string text;                   ///< labels with dots between; what is no printable octet as \DDD, a dot as \.
-  std::vector<std::string> oddities;  ///< what is wrong with its encoding
+  std::vector<std::string> oddities;  ///< errors of its encoding
 };
 
 struct DnsNames {

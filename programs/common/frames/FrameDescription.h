@@ -19,16 +19,16 @@ struct FrameBlock {
   std::size_t offset;  ///< in the whole
   std::size_t size;    ///< octets that are there
   std::vector<FrameField> fields;
-  /// What is not as it should be, a sentence each.
+  /// Departures from the RFCs, one sentence per departure.
   std::vector<std::string> oddities;
 };
 
-/// What octets say, block by block in their order.
+/// The meaning of octets, block by block in their order.
 struct FrameDescription {
   std::vector<FrameBlock> blocks;
 };
 
-/// For people: a line a field, with its offset, a block apart from the next by an empty line; oddities behind `!`.
+/// For people: one line per field, with its offset; an empty line between blocks; oddities behind `!`.
 std::string toText(FrameDescription const& description);
 
 }  // namespace Tool
