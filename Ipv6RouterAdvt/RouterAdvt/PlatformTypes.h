@@ -4,7 +4,6 @@
 #include <RouterPlatform/Base/Name.h>
 #include <RouterPlatform/Base/Ptr.h>
 #include <RouterPlatform/Fwk/AttrId.h>
-#include <RouterPlatform/Net/EthAddr.h>
 #include <RouterPlatform/Net/Icmp6RouterAdvtRouterPreferenceType.h>
 #include <RouterPlatform/Net/IntfId.h>
 #include <RouterPlatform/Net/Ip6Addr.h>
@@ -21,6 +20,7 @@ class IntfStatus;
 class VirtualRouterStatusV6;
 }  // namespace Ip6
 namespace Net {
+class EthAddr;
 class Pkt;
 }  // namespace Net
 

@@ -1,6 +1,7 @@
 #include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaStatus.h>
 #include <RouterPlatform/Base/Steps.h>
 #include <RouterPlatform/Fwk/Attributes.h>
+#include <RouterPlatform/Stats/Counter.h>
 
 #include <optional>
 

@@ -6,12 +6,15 @@
 #include <RouterPlatform/Fwk/Entity.h>
 #include <RouterPlatform/SharedTable/CollectionControl.h>
 #include <RouterPlatform/SharedTable/Writer.h>
-#include <RouterPlatform/Stats/Counter.h>
 
 #include <cstddef>
 #include <iterator>
 #include <utility>
 #include <vector>
+
+namespace Stats {
+class Counter;
+}  // namespace Stats
 
 namespace RouterAdvt::Table {
 

@@ -3,6 +3,7 @@
 #include <RouterPlatform/Fwk/Attributes.h>
 #include <RouterPlatform/Fwk/Observe.h>
 #include <RouterPlatform/Fwk/Reflection.h>
+#include <RouterPlatform/Stats/Counter.h>
 #include <tests/RouterPlatform/Support/AllocationCount.h>
 #include <tests/RouterPlatform/Trace/TraceCapture.h>
 
