@@ -6,6 +6,7 @@
 #include <Ipv6RouterAdvt/RouterAdvtUtils/LeftOut.h>
 #include <RouterPlatform/Ip6/IntfStatus.h>
 #include <RouterPlatform/Ip6/VirtualRouterStatusV6.h>
+#include <RouterPlatform/Net/EthAddr.h>
 #include <RouterPlatform/Packet/Pkt.h>
 
 namespace RouterAdvt {
