@@ -7,7 +7,8 @@
 #include <programs/common/text/NearestName.h>
 
 #include <yaml-cpp/depthguard.h>
-#include <yaml-cpp/eventhandler.h>
+#include <yaml-cpp/exceptions.h>
+#include <yaml-cpp/parser.h>
 
 #include <algorithm>
 #include <array>
@@ -44,96 +45,26 @@ std::string tabHint(std::string_view text, int lastLine) {
   return {};
 }
 
-Place placeOfMark(YAML::Mark const& mark) {
-  return mark.is_null() ? startOfFile : Place{mark.line + 1, mark.column + 1};
-}
-
-/// Nodes of a document: values, keys, lists and mappings. Each takes some 500 octets of memory.
-constexpr std::size_t nodesMax = 1'000'000;
-/// Nodes that aliases add to a document: each alias adds the nodes of its anchor. A few lines could add billions.
-constexpr std::size_t repeatedNodesMax = 200'000;
-
-/// Why a document is refused although it is YAML.
-struct Refusal {
-  Place place;
-  std::string text;
-};
-
-/// Where a document begins, and its uppermost node, which may stand behind "---". Throws `Refusal` for a document that
-/// is too large.
-class DocumentScan final : public YAML::EventHandler {
- public:
-  Place begin, root;
-
-  void OnDocumentStart(YAML::Mark const& mark) override { begin = placeOfMark(mark); }
-  void OnDocumentEnd() override {}
-  void OnNull(YAML::Mark const& mark, YAML::anchor_t anchor) override {
-    open(mark, anchor);
-    close();
-  }
-  void OnAlias(YAML::Mark const& mark, YAML::anchor_t anchor) override {
-    std::size_t const count = sizes_.at(anchor);
-    if (count == 0) throw Refusal{placeOfMark(mark), "an alias stands within its own anchor"};
-    repeated_ += count;
-    if (repeated_ > repeatedNodesMax)
-      throw Refusal{placeOfMark(mark), "aliases repeat more than " + std::to_string(repeatedNodesMax) + " values"};
-  }
-  void OnScalar(YAML::Mark const& mark, std::string const&, YAML::anchor_t anchor, std::string const&) override {
-    open(mark, anchor);
-    close();
-  }
-  void OnSequenceStart(YAML::Mark const& mark, std::string const&, YAML::anchor_t anchor,
-                       YAML::EmitterStyle::value) override {
-    open(mark, anchor);
-  }
-  void OnSequenceEnd() override { close(); }
-  void OnMapStart(YAML::Mark const& mark, std::string const&, YAML::anchor_t anchor,
-                  YAML::EmitterStyle::value) override {
-    open(mark, anchor);
-  }
-  void OnMapEnd() override { close(); }
-
- private:
-  struct Open {
-    YAML::anchor_t anchor;
-    std::size_t before;  ///< nodes before it
-  };
-
-  void open(YAML::Mark const& mark, YAML::anchor_t anchor) {
-    if (nodes_ == 0) root = placeOfMark(mark);
-    if (nodes_ == nodesMax)
-      throw Refusal{placeOfMark(mark), "the file has more than " + std::to_string(nodesMax) + " values"};
-    open_.push_back({anchor, nodes_ + repeated_});
-    ++nodes_;
-    if (anchor >= sizes_.size()) sizes_.resize(anchor + 1);
-  }
-  void close() {
-    auto const [anchor, before] = open_.back();
-    open_.pop_back();
-    sizes_[anchor] = nodes_ + repeated_ - before;
-  }
-
-  std::size_t nodes_ = 0;     ///< written in the document
-  std::size_t repeated_ = 0;  ///< added by aliases
-  std::vector<Open> open_;
-  std::vector<std::size_t> sizes_;  ///< nodes per anchor, 0 until its end; the first is for nodes without an anchor
-};
-
 /// Places of unexpected text behind the first document.
 struct BehindTheDocument {
   std::optional<Place> document;
   std::optional<Place> comma;
 };
 
-BehindTheDocument findBehindTheDocument(std::string const& text) {
+/// Reads the first document. A text without one is read as an empty document.
+BehindTheDocument readDocument(std::string const& text, YamlTree& first) {
   std::istringstream octets(text);
   YAML::Parser parser(octets);
-  DocumentScan first, second, third;
-  if (!parser.HandleNextDocument(first) || !parser.HandleNextDocument(second)) return {};
+  if (!parser.HandleNextDocument(first)) {
+    first.OnNull({}, 0);
+    return {};
+  }
+  YamlTree second, third;
+  if (!parser.HandleNextDocument(second)) return {};
   // The parser turns a comma into an empty document and does not advance, so documents would never end there.
-  if (second.begin == first.begin || (parser.HandleNextDocument(third) && third.begin == second.begin))
-    return {{}, second.begin};
-  return {second.root, {}};
+  if (second.begin() == first.begin() || (parser.HandleNextDocument(third) && third.begin() == second.begin()))
+    return {{}, second.begin()};
+  return {second.root().place(), {}};
 }
 
 class FileReader {
@@ -142,26 +73,25 @@ class FileReader {
 
   void read(std::string const& text) {
     if (!isText(text)) return reader_.error({}, {}, "is not a text file");
-    YAML::Node document;
+    YamlTree document;
     BehindTheDocument behind;
     try {
-      behind = findBehindTheDocument(text);
-      document = YAML::Load(text);
-    } catch (Refusal const& refusal) {
+      behind = readDocument(text, document);
+    } catch (YamlTree::Refusal const& refusal) {
       return reader_.error(refusal.place, {}, refusal.text);
     } catch (YAML::DeepRecursion const&) {
       return reader_.error(startOfFile, {}, "nested too deeply");
     } catch (YAML::Exception const& e) {
-      Place const place = placeOfMark(e.mark);
+      Place const place = placeOf(e.mark);
       return reader_.error(place, {}, "not YAML: " + e.msg + tabHint(text, place.line));
     }
     if (behind.comma)
       reader_.error(*behind.comma, {}, "unexpected comma");
-    else if (document.IsNull())
+    else if (document.root().kind() == YamlNode::Kind::nothing)
       return reader_.error(startOfFile, {}, "the file holds no values; expected a section config");
     else if (behind.document)
       reader_.error(*behind.document, {}, "a second document begins; expected one");
-    readSections({document, {}, placeOf(document, startOfFile)});
+    readSections({document.root(), {}, document.root().place()});
     if (file_.errors.size() >= YamlReader::errorsMax)
       reader_.error(
           file_.errors.back().place, {},

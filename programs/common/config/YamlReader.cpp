@@ -8,36 +8,29 @@ namespace Tool {
 
 namespace {
 
-char const* kindOf(YAML::Node const& node) {
-  switch (node.Type()) {
-    case YAML::NodeType::Null:
+char const* kindOf(YamlNode node) {
+  switch (node.kind()) {
+    case YamlNode::Kind::nothing:
       return "nothing";
-    case YAML::NodeType::Scalar:
+    case YamlNode::Kind::text:
       return "a single value";
-    case YAML::NodeType::Sequence:
+    case YamlNode::Kind::list:
       return "a list";
-    case YAML::NodeType::Map:
-      return "a mapping";
-    case YAML::NodeType::Undefined:
+    case YamlNode::Kind::mapping:
       break;
   }
-  return "something undefined";
+  return "a mapping";
 }
 
-std::string wrongKind(YAML::Node const& node, std::string const& expected) {
+std::string wrongKind(YamlNode node, std::string const& expected) {
   return "expected " + expected + ", found " + kindOf(node);
 }
 
 }  // namespace
 
-Place placeOf(YAML::Node const& node, Place otherwise) {
-  YAML::Mark const mark = node.Mark();
-  return mark.is_null() || mark.line < 0 ? otherwise : Place{mark.line + 1, mark.column + 1};
-}
-
 // For an empty value the parser notes the place of the next token.
 YamlValue YamlEntry::value(std::string path) const {
-  return {node, std::move(path), node.IsNull() ? keyPlace : placeOf(node, keyPlace)};
+  return {node, std::move(path), node.kind() == YamlNode::Kind::nothing ? keyPlace : node.place()};
 }
 
 void YamlReader::error(Place place, std::string path, std::string text) {
@@ -49,26 +42,29 @@ void YamlReader::warning(Place place, std::string path, std::string text) {
 }
 
 std::optional<std::string> YamlReader::scalar(YamlValue const& value, std::string const& expected) {
-  if (value.node.IsScalar()) return value.node.Scalar();
+  if (value.node.kind() == YamlNode::Kind::text) return std::string(value.node.text());
   error(value.place, value.path, wrongKind(value.node, expected));
   return std::nullopt;
 }
 
-std::optional<std::string> YamlReader::keyOf(YAML::Node const& node, Place place, std::string const& path) {
-  if (node.IsScalar()) return node.Scalar();
+std::optional<std::string> YamlReader::keyOf(YamlNode node, Place place, std::string const& path) {
+  if (node.kind() == YamlNode::Kind::text) return std::string(node.text());
   error(place, path, std::string("expected a text as key, found ") + kindOf(node));
   return std::nullopt;
 }
 
 void YamlReader::forEachEntry(YamlValue const& value, std::string const& expected,
                               Fwk::FunctionRef<void(YamlEntry const&)> visit) {
-  if (value.node.IsNull()) return;
-  if (!value.node.IsMap()) return error(value.place, value.path, wrongKind(value.node, expected));
+  if (value.node.kind() == YamlNode::Kind::nothing) return;
+  if (value.node.kind() != YamlNode::Kind::mapping)
+    return error(value.place, value.path, wrongKind(value.node, expected));
   std::map<std::string, Place> seen;
-  for (auto const& pair : value.node) {
+  for (auto child = value.node.begin(); child != value.node.end();) {
     if (file_.errors.size() >= errorsMax) return;
-    Place const place = placeOf(pair.first, value.place);
-    auto key = keyOf(pair.first, place, value.path);
+    YamlNode const keyNode = *child++;
+    YamlNode const valueNode = *child++;
+    Place const place = keyNode.place();
+    auto key = keyOf(keyNode, place, value.path);
     if (!key) continue;
     if (*key == "<<") {
       error(place, value.path, "merge keys (<<) are not supported; write the keys of the other mapping here");
@@ -76,7 +72,7 @@ void YamlReader::forEachEntry(YamlValue const& value, std::string const& expecte
     }
     auto const [first, isNew] = seen.emplace(*key, place);
     if (isNew)
-      visit({std::move(*key), place, pair.second});
+      visit({std::move(*key), place, valueNode});
     else
       error(place, value.path,
             "duplicate key " + inQuotes(*key) + "; the first is in line " + std::to_string(first->second.line));
@@ -85,12 +81,12 @@ void YamlReader::forEachEntry(YamlValue const& value, std::string const& expecte
 
 void YamlReader::forEachElement(YamlValue const& value, std::string const& expected,
                                 Fwk::FunctionRef<void(YamlValue const&)> visit) {
-  if (value.node.IsNull()) return;
-  if (!value.node.IsSequence()) return error(value.place, value.path, wrongKind(value.node, expected));
+  if (value.node.kind() == YamlNode::Kind::nothing) return;
+  if (value.node.kind() != YamlNode::Kind::list) return error(value.place, value.path, wrongKind(value.node, expected));
   std::size_t number = 0;
-  for (YAML::Node const& node : value.node) {
+  for (YamlNode const node : value.node) {
     if (file_.errors.size() >= errorsMax) return;
-    visit({node, value.path + '[' + std::to_string(number) + ']', placeOf(node, value.place)});
+    visit({node, value.path + '[' + std::to_string(number) + ']', node.place()});
     ++number;
   }
 }

@@ -2,8 +2,7 @@
 
 #include <RouterPlatform/Base/FunctionRef.h>
 #include <programs/common/config/ConfigFile.h>
-
-#include <yaml-cpp/yaml.h>
+#include <programs/common/config/YamlTree.h>
 
 #include <cstddef>
 #include <optional>
@@ -14,7 +13,7 @@ namespace Tool {
 
 /// A value in a file. Errors point to `place`.
 struct YamlValue {
-  YAML::Node node;
+  YamlNode node;
   std::string path;
   Place place;
 };
@@ -23,7 +22,7 @@ struct YamlValue {
 struct YamlEntry {
   std::string key;
   Place keyPlace;
-  YAML::Node node;
+  YamlNode node;
 
   /// The entry's value. `path`: of the attribute or member that the key names.
   YamlValue value(std::string path) const;
@@ -56,12 +55,9 @@ class YamlReader {
                       Fwk::FunctionRef<void(YamlValue const&)> visit);
 
  private:
-  std::optional<std::string> keyOf(YAML::Node const& node, Place place, std::string const& path);
+  std::optional<std::string> keyOf(YamlNode node, Place place, std::string const& path);
 
   ConfigFile& file_;
 };
-
-/// The place of a node; `otherwise` when the parser noted none.
-Place placeOf(YAML::Node const& node, Place otherwise);
 
 }  // namespace Tool
