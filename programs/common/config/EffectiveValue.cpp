@@ -45,9 +45,18 @@ std::optional<std::string> effectiveValue(Fwk::Entity const& entity, AttributeRe
 }
 
 bool isEffectiveValue(Fwk::TypeRecord const& type, AttributeRecord const& attr) {
-  for (AttributeRecord const& other : type.attributes)
-    if (effectiveAttribute(type, other) == &attr) return true;
-  return false;
+  // From the name back to that of the configured value: to try every attribute took most of the time of `show`.
+  if (attr.kind != AttributeKind::computed) return false;
+  std::string_view const name = attr.name;
+  std::string configured;
+  if (name.starts_with("valid")) {
+    configured = name.substr(5);
+    if (!configured.empty()) configured[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(configured[0])));
+  } else if (name.ends_with("Value")) {
+    configured = name.substr(0, name.size() - 5);
+  }
+  AttributeRecord const* const found = type.attribute(configured);
+  return found && effectiveAttribute(type, *found) == &attr;
 }
 
 }  // namespace Tool

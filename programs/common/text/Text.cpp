@@ -1,6 +1,7 @@
 #include <RouterPlatform/Base/Printable.h>
 #include <programs/common/text/Text.h>
 
+#include <algorithm>
 #include <clocale>
 #include <cwchar>
 
@@ -21,6 +22,7 @@ std::string inQuotes(std::string_view text) {
 }
 
 std::size_t displayWidth(std::string_view text) {
+  if (std::ranges::all_of(text, [](char c) { return c >= ' ' && c <= '~'; })) return text.size();
   // mbrtowc(3) and wcwidth(3) go by the locale of the thread; the text is UTF-8 in any locale.
   static locale_t const utf8 = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
   locale_t const former = uselocale(utf8);
