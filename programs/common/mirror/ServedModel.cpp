@@ -48,8 +48,14 @@ ServedModel::Reload ServedModel::reload(std::ostream& err) {
   }
   tell(err, file);
   if (!file) return Reload::refused;
-  Fwk::assignTree(file.config, config_);
-  applyInterfaces();
+  try {
+    Fwk::assignTree(file.config, config_);
+    applyInterfaces();
+  } catch (std::exception const& e) {
+    err << printable(fileName_ + ": cannot be applied: " + e.what()) << std::endl;
+    read_ = {{}, "was not applied"};  // differs from every reading
+    return Reload::interrupted;
+  }
   return Reload::applied;
 }
 

@@ -24,13 +24,15 @@ class ServedModel {
   Fwk::Ptr<RouterAdvt::Status> const& status() const { return status_; }
 
   enum class Reload {
-    unchanged,  ///< the file has the same octets as before
-    applied,    ///< the trees equal the file
-    refused     ///< the trees stay as they were
+    unchanged,   ///< the file has the same octets as before
+    applied,     ///< the trees equal the file
+    refused,     ///< the trees stay as they were
+    interrupted  ///< the trees equal the file in part; the next call applies it again
   };
   /// Reads the file again if it has changed, and applies the differences. Warnings, and the errors of a
   /// file that is refused, go to `err`, once for each state of the file. A file that takes more memory than there is
-  /// is refused, too.
+  /// is refused, too. Memory that runs out while differences are applied, or a value that `assignTree` refuses,
+  /// interrupts the call, and the reason goes to `err`.
   Reload reload(std::ostream& err);
 
   /// Captures the files of the next few interfaces, so that no call takes long. True: this call ended a round.

@@ -76,6 +76,10 @@ class Service {
         return capture();
       case ServedModel::Reload::refused:
         console_.err << printable(fileName_) << ": what is served stays as it was" << std::endl;
+        return;
+      case ServedModel::Reload::interrupted:
+        console_.err << printable(fileName_) << ": what is served is partly old and partly new until it is read again"
+                     << std::endl;
     }
   }
 

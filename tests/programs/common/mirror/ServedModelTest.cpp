@@ -106,6 +106,17 @@ TEST_F(ServedModelTest, AFileThatIsGoneIsRefusedAndOneThatIsBackIsTaken) {
   EXPECT_EQ(reload("config: {intf: {E1: {raLifetime: 600}, E2: {}}}"), Reload::applied);
 }
 
+TEST_F(ServedModelTest, AFileThatCannotBeAppliedIsToldAndAppliedAgain) {
+  std::string const tooLargeForARecord(17'000'000, 'x');
+  std::string const text = "config: {intf: {E1: {raLifetime: 700, networkBootFileUrl: '" + tooLargeForARecord + "'}}}";
+  EXPECT_EQ(reload(text), Reload::interrupted);
+  EXPECT_THAT(err.str(), testing::HasSubstr("ra.yaml: cannot be applied: a record is too large\n"));
+  EXPECT_EQ(reload(text), Reload::interrupted);
+  EXPECT_EQ(reload("config: {intf: {E1: {raLifetime: 800}}}"), Reload::applied);
+  EXPECT_EQ(model.config()->intf("E1")->raLifetime(), 800u);
+  EXPECT_THAT(interfaces(), testing::ElementsAre("E1"));
+}
+
 TEST_F(ServedModelTest, WarningsAreTold) {
   EXPECT_EQ(reload("config: {intf: {E1: {}}}\nlinks: {E2: {}}"), Reload::applied);
   EXPECT_THAT(err.str(), testing::HasSubstr("warning: links[E2]: "));
