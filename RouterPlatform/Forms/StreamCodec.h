@@ -83,7 +83,7 @@ class ROUTER_PLATFORM_EXPORT OctetSource {
   bool block(OctetSource& content) noexcept {
     U64 size = 0;
     Octets octets;
-    if (!number(size) || size > rest_.size() || !this->octets(static_cast<std::size_t>(size), octets)) return false;
+    if (!number(size) || size > rest_.size() || !this->octets(size, octets)) return false;
     content = OctetSource(octets);
     return true;
   }

@@ -202,7 +202,7 @@ struct Geometry {
 
   /// Half of the buckets of an index are for rows.
   static constexpr U32 indexBitsFor(U32 rows) noexcept {
-    return static_cast<U32>(std::bit_width(std::bit_ceil(rows < 4 ? U32{4} : rows)));
+    return 32 - static_cast<U32>(std::countl_zero(std::bit_ceil(rows < 4 ? U32{4} : rows)));
   }
   static constexpr U64 pageCeil(U64 size) noexcept { return (size + 4095) & ~U64{4095}; }
 
