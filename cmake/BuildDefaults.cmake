@@ -10,6 +10,11 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/lib)
 
+# Shared libraries, unless a static one is asked for (BUILD_SHARED_LIBS=OFF). A project that includes ours keeps its own choice.
+if(NOT DEFINED BUILD_SHARED_LIBS)
+  set(BUILD_SHARED_LIBS ON)
+endif()
+
 # Installed programs and libraries find ours beside them, wherever the tree is put.
 file(RELATIVE_PATH bin_to_lib "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
 set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/${bin_to_lib}")
@@ -62,6 +67,15 @@ endif()
 function(find_layer_sources variable)
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   set(${variable} ${sources} PARENT_SCOPE)
+endfunction()
+
+# Limits the exports of a shared library to those of exports.map, under a version that names the interface.
+function(use_exports_map library)
+  set(INTERFACE_VERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+  set(map ${CMAKE_CURRENT_BINARY_DIR}/${library}.map)
+  configure_file(${CMAKE_CURRENT_SOURCE_DIR}/exports.map ${map} @ONLY)
+  target_link_options(${library} PRIVATE -Wl,--version-script=${map})
+  set_property(TARGET ${library} APPEND PROPERTY LINK_DEPENDS ${map})
 endfunction()
 
 # The headers below the current folder that are installed: all but those that internal-headers.txt names, which only sources

@@ -12,6 +12,7 @@ foreach(library IN ITEMS RouterPlatform Ipv6RouterAdvt)
     TARGETS ${library}
     EXPORT ${component}Targets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Runtime NAMELINK_COMPONENT Development
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Development
     FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT Development)
   install(
     EXPORT ${component}Targets
@@ -23,16 +24,19 @@ endforeach()
 configure_package_config_file(
   ${PROJECT_SOURCE_DIR}/cmake/Ipv6RouterAdvtConfig.cmake.in ${PROJECT_BINARY_DIR}/cmake/Ipv6RouterAdvtConfig.cmake
   INSTALL_DESTINATION ${package_dir})
-# Before 1.0 a minor version may change the interface.
-write_basic_package_version_file(
-  ${PROJECT_BINARY_DIR}/cmake/Ipv6RouterAdvtConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+configure_file(
+  ${PROJECT_SOURCE_DIR}/cmake/Ipv6RouterAdvtConfigVersion.cmake.in
+  ${PROJECT_BINARY_DIR}/cmake/Ipv6RouterAdvtConfigVersion.cmake @ONLY)
 install(
   FILES ${PROJECT_BINARY_DIR}/cmake/Ipv6RouterAdvtConfig.cmake
         ${PROJECT_BINARY_DIR}/cmake/Ipv6RouterAdvtConfigVersion.cmake
   DESTINATION ${package_dir}
   COMPONENT Development)
 
-# The prefix is told from the place of the .pc file, so that the tree may be moved.
+# The .pc files give the prefix relative to their own place, so that the tree may be moved.
+if(NOT BUILD_SHARED_LIBS)
+  set(pc_registration "-Wl,--undefined=RouterAdvt_registration ")
+endif()
 file(RELATIVE_PATH pc_to_prefix "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 foreach(module IN ITEMS RouterPlatform Ipv6RouterAdvt)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/${module}.pc.in ${PROJECT_BINARY_DIR}/cmake/${module}.pc @ONLY)
@@ -56,3 +60,8 @@ install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/LICENSE DEST
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT Development
         FILES_MATCHING PATTERN *.md PATTERN man EXCLUDE)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT Development)
+
+# cmake --build BUILD --target uninstall
+if(PROJECT_IS_TOP_LEVEL)
+  add_custom_target(uninstall COMMAND ${CMAKE_COMMAND} -P ${PROJECT_SOURCE_DIR}/cmake/Uninstall.cmake VERBATIM)
+endif()

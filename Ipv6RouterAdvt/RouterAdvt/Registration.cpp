@@ -52,4 +52,7 @@ Registration const registration;
 
 }  // namespace
 
+/// The linker flags of the static library name this function, so that this object leaves the archive.
+extern "C" [[gnu::visibility("hidden")]] void RouterAdvt_registration() {}
+
 }  // namespace RouterAdvt

@@ -1,5 +1,5 @@
-// What an agent does with the installed libraries, in small: configures an interface, hears of the change, builds an
-// advertisement and reads it back. Exit status 0: all of it came out as it should.
+// A small agent on the installed libraries: configures an interface, observes the change, builds an advertisement and
+// reads it back. Exit status 0: every check held.
 
 #include <Ipv6RouterAdvt/RouterAdvt.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils.h>

@@ -1,5 +1,4 @@
-// Uses the platform alone: observes an entity, and copies a packet's octets. Exit status 0: all of it came out as it
-// should.
+// Uses the platform alone: observes an entity, and copies a packet's octets. Exit status 0: every check held.
 
 #include <RouterPlatform/Fwk/Observe.h>
 #include <RouterPlatform/Ip6/IntfStatus.h>

@@ -19,7 +19,7 @@ _routeradvt() {
       mapfile -t COMPREPLY < <(compgen -W "$options" -- "$cur")
       ;;
     :* | help:*)
-      mapfile -t COMPREPLY < <(compgen -W "$("$1" --help | sed -n '/^Commands:/,/^$/s/^  \([a-z]*\) .*/\1/p')" -- "$cur")
+      mapfile -t COMPREPLY < <(compgen -W "$("$1" --help | sed -n '/^Commands:/,/^$/s/^  \([a-z][a-z]*\) .*/\1/p')" -- "$cur")
       ;;
     *) mapfile -t COMPREPLY < <(compgen -f -- "$cur") ;;
   esac
