@@ -26,10 +26,12 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 # Until the interface's version changes, a program needs the libraries that it was built with, or later ones.
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
-# The trigger does what CPack would add two scripts for. It adds none that it is told of, and warns that these two are not
-# there to be taken.
+# The trigger does the work of two scripts that CPack would add. CPack adds neither when their files are listed, and warns that
+# the files do not exist.
 set(debian_dir ${PROJECT_SOURCE_DIR}/cmake/debian)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${debian_dir}/triggers ${debian_dir}/none/postinst ${debian_dir}/none/postrm)
+set(CPACK_RUNTIME_SYMBOLS ${PROJECT_BINARY_DIR}/debian/symbols)  # finish.cmake makes it
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${debian_dir}/triggers ${CPACK_RUNTIME_SYMBOLS} ${debian_dir}/none/postinst
+                                               ${debian_dir}/none/postrm)
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION
     "IPv6 router advertisements: shared libraries
 The model of what a router's advertisement agent is configured with and hears,
