@@ -67,6 +67,7 @@ install:
 docs:
 	@scripts/setup docs
 	@mkdir -p build/docs
+	scripts/layers >build/docs/layers.dot
 	{ cat docs/Doxyfile; echo EXCLUDE = $$(cat */internal-headers.txt); } | doxygen -
 	@echo "the reference is build/docs/html/index.html"
 
