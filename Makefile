@@ -27,6 +27,7 @@ help:
 ## make docs           the reference of the public headers, in build/docs/html
 ## make deb            build Debian packages in build/packages: libraries, -dev, command line
 ## make install        install to PREFIX (/usr/local), below DESTDIR if given
+## make uninstall      remove what make install installed, below DESTDIR if given
 ##
 ## make setup          install what check needs (scripts/setup build: what a build needs)
 ## make format         format the sources
@@ -37,7 +38,7 @@ help:
 ## make clean          remove build/
 ##
 
-.PHONY: setup demo test bench install docs deb
+.PHONY: setup demo test bench install uninstall docs deb
 setup:
 	@scripts/setup check
 
@@ -64,6 +65,9 @@ install:
 	$(call build,release,RouterPlatform Ipv6RouterAdvt routeradvt)
 	cmake --install build/release --prefix $(PREFIX)
 
+uninstall:
+	cmake --build build/release --target uninstall
+
 docs:
 	@scripts/setup docs
 	@mkdir -p build/docs
@@ -86,7 +90,8 @@ deb:
 ## check-format        every source is formatted
 ## check-docs          the reference of the public headers is made without a warning, and what documents name is there
 ## check-install       what is installed can be built against, by CMake and by pkg-config
-## check-deb           the Debian packages, looked at, installed and used in a clean root
+## check-abi           the binary interface of the libraries is that of the last release
+## check-deb           the Debian packages, inspected, built twice and compared, installed and used in a clean root
 ## check-bench         the benchmarks run
 ## check-clang         the tests, built by clang
 ## check-lint          clang-tidy, and every public header on its own
@@ -94,7 +99,7 @@ deb:
 ## check-tsan          the tests under ThreadSanitizer
 ## check-fuzz          replay of the corpus, and every fuzz target for FUZZ_SECONDS
 ##
-.PHONY: check check-format check-docs check-install check-deb check-bench check-clang check-lint check-asan check-tsan check-fuzz
+.PHONY: check check-format check-docs check-install check-abi check-deb check-bench check-clang check-lint check-asan check-tsan check-fuzz
 check:
 	+@MAKE='$(MAKE)' .ci/run
 
@@ -106,6 +111,10 @@ check-install:
 	@scripts/setup check
 	$(call build,release)
 	scripts/check-install build/release
+
+check-abi:
+	@scripts/setup check
+	scripts/check-abi
 
 check-deb:
 	@scripts/setup check
