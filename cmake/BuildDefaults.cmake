@@ -1,4 +1,4 @@
-# How everything here is compiled. Nothing of this reaches a project that includes ours.
+# How everything here is compiled. A project that includes this one is not affected.
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -32,8 +32,8 @@ if(ROUTERADVT_WERROR)
   add_compile_options(-Werror)
 endif()
 
-# Messages name a source from here, wherever the tree stands, and what is built is the same in every place. Where the
-# compiler runs a cache may have made the paths relative to.
+# Messages name a source relative to this folder, so that the result does not depend on the place of the tree. A compiler cache
+# may make paths relative to the build folder.
 set(source_dirs ${PROJECT_SOURCE_DIR}/)
 if(NOT PROJECT_SOURCE_DIR STREQUAL CMAKE_BINARY_DIR)
   file(RELATIVE_PATH from_build ${CMAKE_BINARY_DIR} ${PROJECT_SOURCE_DIR}/)
@@ -43,8 +43,8 @@ foreach(source_dir IN LISTS source_dirs)
   add_compile_options(-fmacro-prefix-map=${source_dir}=)
 endforeach()
 
-# The compiler's cache, where there is one that works: it may have no place to write to. A precompiled header is good for
-# it too, once it is told that the header's time of making says nothing.
+# The compiler's cache, if it works: its folder may not be writable. It also caches sources with a precompiled header when told
+# to ignore the header's time.
 find_program(CCACHE ccache)
 mark_as_advanced(CCACHE)
 if(CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)

@@ -1,5 +1,5 @@
-# Debian packages by CPack, of a build with the preset deb: the libraries, what one needs to build against them, and the
-# command line. `make deb`
+# Debian packages by CPack, of a build with the preset deb: the libraries, their development files, and the command line.
+# `make deb`
 set(CPACK_GENERATOR DEB)
 set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_PACKAGE_NAME ipv6routeradvt)
