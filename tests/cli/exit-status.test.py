@@ -59,7 +59,7 @@ with tempfile.TemporaryDirectory() as folder:
     check("capture and hex on standard output", run("build", EXAMPLE, "Ethernet1", "--write", "-", "--hex"), 2, out="",
           err="both mean standard output")
     check("send's capture on standard output", run("send", EXAMPLE, "Ethernet1", "--via", "lo", "--write", "-"), 2, out="",
-          err="--write: a file is meant")
+          err="--write: expected a file")
 
     # A stream that is closed is not the next file that is opened.
     closed = run("build", EXAMPLE, "Ethernet1", "--hex", "--write", capture, preexec_fn=lambda: os.close(1))

@@ -53,7 +53,7 @@ class SendCommand final : public Command {
   }
 
   void run(Console& console) override {
-    if (options_.write == "-") throw UsageError("--write: a file is meant; standard output tells what is sent");
+    if (options_.write == "-") throw UsageError("--write: expected a file; standard output reports what is sent");
     ConfigFile const file = loadConfigFileOrFail(options_.file);
     findIntf(file, options_.intf);
     NetworkInterface const device = lookUpEthernetInterface(device_);

@@ -136,7 +136,7 @@ class ServeCommand final : public Command {
   }
 
   void run(Console& console) override {
-    if (fileName_ == "-") throw UsageError("a file is meant that can be read again, not standard input");
+    if (fileName_ == "-") throw UsageError("expected a file that can be read again, not standard input");
     ServedModel model(fileName_, console.err);
     asio::io_context context(1);
     SocketPath path(socketPath_);
