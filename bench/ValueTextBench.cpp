@@ -1,7 +1,7 @@
 // Values to their text forms and back.
 
-#include <Ipv6RouterAdvt/RouterAdvt/RaPacket.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRa.h>
+#include <Ipv6RouterAdvt/Heard/RaPacket.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighborRa.h>
 
 #include <benchmark/benchmark.h>
 

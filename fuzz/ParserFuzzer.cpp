@@ -3,7 +3,7 @@
 // octet gives: the same one each time, and the empty one exactly when that reading comes to an option of length 0. The
 // checksum is right or wrong as summing octet by octet says.
 
-#include <Ipv6RouterAdvt/RouterAdvt/RaPacket.h>
+#include <Ipv6RouterAdvt/Heard/RaPacket.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils.h>
 #include <RouterPlatform/Packet/PktManager.h>
 #include <fuzz/Fuzzer.h>

@@ -2,10 +2,10 @@
 // text for a value. What does not read says an offset within the text. Whatever is in a value, it prints to a text that
 // reads back as it.
 
+#include <Ipv6RouterAdvt/Heard/RaPacketPrefixInfo.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighbor.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighborRa.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PrefixDefault.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RaPacketPrefixInfo.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighbor.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRa.h>
 #include <fuzz/Fuzzer.h>
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <Ipv6RouterAdvt/Export.h>
+#include <Ipv6RouterAdvt/PlatformTypes.h>
 #include <Ipv6RouterAdvt/RouterAdvt/IntfConfig.h>
-#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PrefixProfileEntry.h>
 #include <RouterPlatform/Fwk/Collections.h>
 

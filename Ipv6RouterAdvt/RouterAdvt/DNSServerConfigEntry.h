@@ -1,7 +1,7 @@
 #pragma once
 
 #include <Ipv6RouterAdvt/Export.h>
-#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
+#include <Ipv6RouterAdvt/PlatformTypes.h>
 #include <RouterPlatform/Fwk/Entity.h>
 
 namespace RouterAdvt {

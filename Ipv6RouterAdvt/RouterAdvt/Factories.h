@@ -1,13 +1,13 @@
 #pragma once
 
 #include <Ipv6RouterAdvt/Export.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighborRaStatus.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighborStatus.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighbors.h>
 #include <Ipv6RouterAdvt/RouterAdvt/Config.h>
 #include <Ipv6RouterAdvt/RouterAdvt/IntfConfig.h>
 #include <Ipv6RouterAdvt/RouterAdvt/IntfStatus.h>
 #include <Ipv6RouterAdvt/RouterAdvt/ProcFileDirDataSet.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaStatus.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborStatus.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighbors.h>
 #include <Ipv6RouterAdvt/RouterAdvt/Status.h>
 
 /// Entities that stand on their own. Each call makes a new one, every attribute at its default, notification active,

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <Ipv6RouterAdvt/Export.h>
+#include <Ipv6RouterAdvt/PlatformTypes.h>
 #include <Ipv6RouterAdvt/RouterAdvt/DNSServerConfigEntry.h>
 #include <Ipv6RouterAdvt/RouterAdvt/DNSSuffixConfigEntry.h>
-#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PrefixConfigEntry.h>
 #include <RouterPlatform/Fwk/Collections.h>
 

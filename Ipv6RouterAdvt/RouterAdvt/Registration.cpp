@@ -1,9 +1,9 @@
+#include <Ipv6RouterAdvt/Heard/RaPacketStatus.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighborRaStatus.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighborStatus.h>
 #include <Ipv6RouterAdvt/RouterAdvt/Config.h>
 #include <Ipv6RouterAdvt/RouterAdvt/LifeTimeHashMap.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PrefixDefault.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RaPacketStatus.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaStatus.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborStatus.h>
 #include <Ipv6RouterAdvt/RouterAdvt/Status.h>
 #include <RouterPlatform/Fwk/TypeRegistry.h>
 

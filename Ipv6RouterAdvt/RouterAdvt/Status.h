@@ -1,8 +1,8 @@
 #pragma once
 
 #include <Ipv6RouterAdvt/Export.h>
+#include <Ipv6RouterAdvt/PlatformTypes.h>
 #include <Ipv6RouterAdvt/RouterAdvt/IntfStatus.h>
-#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
 #include <RouterPlatform/Fwk/Collections.h>
 
 namespace RouterAdvt {

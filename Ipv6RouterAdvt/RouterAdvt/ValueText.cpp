@@ -1,11 +1,11 @@
+#include <Ipv6RouterAdvt/Heard/RaPacket.h>
+#include <Ipv6RouterAdvt/Heard/RaPacketPrefixInfo.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighbor.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighborRa.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighborRaKey.h>
 #include <Ipv6RouterAdvt/RouterAdvt/LifeTimeHashMap.h>
 #include <Ipv6RouterAdvt/RouterAdvt/ModelAssert.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PrefixDefault.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RaPacket.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RaPacketPrefixInfo.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighbor.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRa.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaKey.h>
 #include <RouterPlatform/Forms/TextForm.h>
 
 #include <ostream>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <Ipv6RouterAdvt/Export.h>
+#include <Ipv6RouterAdvt/PlatformTypes.h>
 #include <Ipv6RouterAdvt/RouterAdvt/IntfConfig.h>
-#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils/LeftOut.h>
 #include <RouterPlatform/Ip6/IntfStatus.h>
 #include <RouterPlatform/Ip6/VirtualRouterStatusV6.h>
@@ -12,7 +12,7 @@
 namespace RouterAdvt {
 
 /// One Router Advertisement (RFC 4861 4.2) to be built, by name: what to advertise, from where, and to whom. At least
-/// `srcAddr`, `srcMac`, `intfStatus` and `intfConfig` have to be set. docs/adr/0015.
+/// `srcAddr`, `srcMac`, `intfStatus` and `intfConfig` have to be set. docs/adr/0012.
 struct AdvertRequest {
   /// All nodes on the link, RFC 4291 2.7.1, and their Ethernet address, RFC 2464 7.
   static constexpr Ip6Addr allNodes =

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <Ipv6RouterAdvt/PlatformTypes.h>
 #include <Ipv6RouterAdvt/RouterAdvt/IntfConfig.h>
-#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils/AdvertDraft.h>
 
 /// Which prefixes an advertisement has, and with which parameters. The first one that does not fit ends the list.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
+#include <Ipv6RouterAdvt/PlatformTypes.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils/AdvertDraft.h>
 
 namespace RouterAdvt {

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <Ipv6RouterAdvt/PlatformTypes.h>
 #include <Ipv6RouterAdvt/RouterAdvt/IntfConfig.h>
 #include <Ipv6RouterAdvt/RouterAdvt/LifeTimeHashMap.h>
-#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils/AdvertDraft.h>
 
 /// DNS servers and suffixes, grouped by effective lifetime: one option per lifetime, in the order in which the

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
+#include <Ipv6RouterAdvt/PlatformTypes.h>
 
 #include <optional>
 #include <vector>
@@ -8,7 +8,7 @@
 namespace RouterAdvt {
 
 /// What an advertisement lacks because it did not fit, each list in the order in which it would have been sent.
-/// docs/adr/0015.
+/// docs/adr/0012.
 struct LeftOut {
   /// A DNS suffix that is not sent, or not wholly.
   struct Suffix {

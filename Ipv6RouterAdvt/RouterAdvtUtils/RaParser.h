@@ -1,8 +1,8 @@
 #pragma once
 
 #include <Ipv6RouterAdvt/Export.h>
-#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RaPacket.h>
+#include <Ipv6RouterAdvt/Heard/RaPacket.h>
+#include <Ipv6RouterAdvt/PlatformTypes.h>
 #include <RouterPlatform/Packet/Ip6PktInfo.h>
 
 namespace RouterAdvt {

@@ -37,7 +37,7 @@ class Hub;
 /// Entity trees that are streamed. Observes every entity in them, once for all subscribers; keeps the roots alive.
 ///
 /// Two kinds of change are not seen: those while an entity's notification is inactive, and those of which an earlier
-/// observer threw. `Writer::restart` makes up for them. docs/adr/0010
+/// observer threw. `Writer::restart` makes up for them. docs/adr/0008
 class ROUTER_PLATFORM_EXPORT Source {
  public:
   /// At most 64 trees, none of them within another. Throws std::length_error, and std::bad_alloc.

@@ -12,7 +12,7 @@ namespace Fwk::ChangeStream::detail {
 class Node;
 
 /// Changes by place, in the order of the latest change of each. An entry says where to look, not the value: a place
-/// that changes often is held once. Allocates only while it grows; bounded. docs/adr/0010
+/// that changes often is held once. Allocates only while it grows; bounded. docs/adr/0008
 class ChangeLog {
  public:
   static constexpr U32 none = ~U32{0};

@@ -7,7 +7,7 @@
 namespace Fwk {
 
 void assignTree(Ptr<Entity> const& from, Ptr<Entity> const& to) {
-  // A snapshot that meets an existing mirror sets only differences. Here both are in one process. docs/adr/0011
+  // A snapshot that meets an existing mirror sets only differences. Here both are in one process. docs/adr/0009
   constexpr std::size_t chunkSize = 65536;
   if (&from->fwkType() != &to->fwkType()) throw std::invalid_argument("trees of two types");
   ChangeStream::Writer writer(from);

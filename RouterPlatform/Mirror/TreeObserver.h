@@ -24,7 +24,7 @@ namespace Fwk {
 /// else. A member that was removed and added again looks like a new one: compare its address where that matters.
 ///
 /// Covers the attributes that type records call streamed. Observes every entity of the tree, also those that come
-/// later, and keeps the root alive. Thread rule: that of the tree. docs/adr/0016
+/// later, and keeps the root alive. Thread rule: that of the tree. docs/adr/0013
 class ROUTER_PLATFORM_EXPORT TreeObserver {
  public:
   /// An attribute, or a member of a collection, that has changed. The tree holds its present state.

@@ -25,7 +25,7 @@ inline constexpr U64 hugePageSize = U64{2} << 20;
 
 /// The secret of one table file, random, which places the hashes of its keys. A key's own hash has seed 0, so anybody
 /// can compute it; without the secret nobody can tell which keys meet in one bucket.
-/// docs/adr/0014-a-secret-places-the-hash-of-seed-0.md has the reasons.
+/// docs/adr/0011 has the reasons.
 struct HashSecret {
   std::array<U64, 2> factor;  ///< 128 bits, the low half first
   std::array<U64, 2> addend;  ///< likewise

@@ -1,7 +1,7 @@
 // Prints the neighbouring routers that the router advertisement agent of this machine has heard, and each change, until
 // the agent ends its table.
 
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaReader.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighborRaReader.h>
 
 #include <chrono>
 #include <iostream>

@@ -8,7 +8,7 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 HEADERS = ["Ipv6RouterAdvt/RouterAdvt.h", "Ipv6RouterAdvt/RouterAdvtUtils.h", "Ipv6RouterAdvt/Version.h",
-           "Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaReader.h", "RouterPlatform/Fwk/Entity.h",
+           "Ipv6RouterAdvt/Heard/RouterNeighborRaReader.h", "RouterPlatform/Fwk/Entity.h",
            "RouterPlatform/Net/Ip6Addr.h", "RouterPlatform/SharedTable/Reader.h"]
 DEMANDS = {
     "-std=c++17": "need C++20",

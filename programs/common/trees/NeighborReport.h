@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaReader.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighborRaReader.h>
 #include <programs/common/trees/ReflectedJson.h>
 
 #include <optional>

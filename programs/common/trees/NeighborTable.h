@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaStatus.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighborRaStatus.h>
 
 #include <string>
 

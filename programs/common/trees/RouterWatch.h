@@ -1,7 +1,7 @@
 #pragma once
 
-#include <Ipv6RouterAdvt/RouterAdvt/RaPacketStatus.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborStatus.h>
+#include <Ipv6RouterAdvt/Heard/RaPacketStatus.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighborStatus.h>
 #include <RouterPlatform/Fwk/Observe.h>
 
 #include <functional>

@@ -1,5 +1,5 @@
+#include <Ipv6RouterAdvt/Heard/RouterNeighborRa.h>
 #include <Ipv6RouterAdvt/RouterAdvt/LifeTimeHashMap.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRa.h>
 #include <RouterPlatform/Fwk/TypeRegistry.h>
 #include <tests/Ipv6RouterAdvt/RouterAdvt/ModelTest.h>
 

@@ -1,4 +1,4 @@
-#include <Ipv6RouterAdvt/RouterAdvt/RaPacket.h>
+#include <Ipv6RouterAdvt/Heard/RaPacket.h>
 #include <RouterPlatform/Fwk/ObjectRef.h>
 #include <programs/common/trees/RecordView.h>
 

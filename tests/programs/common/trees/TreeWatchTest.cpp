@@ -1,5 +1,5 @@
+#include <Ipv6RouterAdvt/Heard/RaPacketStatus.h>
 #include <Ipv6RouterAdvt/RouterAdvt/Factories.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RaPacketStatus.h>
 #include <programs/common/trees/TreeReport.h>
 
 #include <gmock/gmock.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRa.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighborRa.h>
 #include <RouterPlatform/SharedTable/Reader.h>
 
 #include <utility>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <Ipv6RouterAdvt/Export.h>
-#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRa.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighborRa.h>
+#include <Ipv6RouterAdvt/PlatformTypes.h>
 #include <RouterPlatform/Fwk/Entity.h>
 #include <RouterPlatform/SharedTable/CollectionControl.h>
 #include <RouterPlatform/SharedTable/Writer.h>

@@ -1,4 +1,4 @@
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborStatus.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighborStatus.h>
 #include <RouterPlatform/Fwk/Attributes.h>
 
 namespace RouterAdvt {

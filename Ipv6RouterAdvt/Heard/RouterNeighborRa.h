@@ -1,7 +1,7 @@
 #pragma once
 
 #include <Ipv6RouterAdvt/Export.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaKey.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighborRaKey.h>
 #include <Ipv6RouterAdvt/RouterAdvt/ValueTypes.h>
 #include <RouterPlatform/SharedTable/RowType.h>
 

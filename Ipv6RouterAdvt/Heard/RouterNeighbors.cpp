@@ -1,4 +1,4 @@
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighbors.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighbors.h>
 #include <RouterPlatform/Fwk/Attributes.h>
 
 namespace RouterAdvt {

@@ -1,5 +1,5 @@
+#include <Ipv6RouterAdvt/Heard/RouterNeighborRaReader.h>
 #include <Ipv6RouterAdvt/RouterAdvt.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaReader.h>
 #include <RouterPlatform/Fwk/Attributes.h>
 #include <RouterPlatform/Fwk/Observe.h>
 #include <RouterPlatform/Fwk/Reflection.h>

@@ -1,4 +1,4 @@
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRa.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighborRa.h>
 #include <RouterPlatform/Fwk/Reflection.h>
 
 #include <gmock/gmock.h>

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <Ipv6RouterAdvt/Export.h>
-#include <Ipv6RouterAdvt/RouterAdvt/PlatformTypes.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighbor.h>
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighbors.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighbor.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighbors.h>
+#include <Ipv6RouterAdvt/PlatformTypes.h>
 #include <RouterPlatform/Fwk/Collections.h>
 
 namespace RouterAdvt {

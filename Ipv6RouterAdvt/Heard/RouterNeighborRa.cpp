@@ -1,4 +1,4 @@
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRa.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighborRa.h>
 #include <RouterPlatform/Fwk/Attributes.h>
 
 namespace RouterAdvt {

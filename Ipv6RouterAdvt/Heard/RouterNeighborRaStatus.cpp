@@ -1,4 +1,4 @@
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaStatus.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighborRaStatus.h>
 #include <RouterPlatform/Base/Steps.h>
 #include <RouterPlatform/Fwk/Attributes.h>
 #include <RouterPlatform/Stats/Counter.h>

@@ -1,4 +1,4 @@
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighbor.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighbor.h>
 #include <RouterPlatform/Fwk/Attributes.h>
 
 namespace RouterAdvt {

@@ -1,4 +1,4 @@
-#include <Ipv6RouterAdvt/RouterAdvt/RaPacketStatus.h>
+#include <Ipv6RouterAdvt/Heard/RaPacketStatus.h>
 #include <RouterPlatform/Fwk/Attributes.h>
 
 namespace RouterAdvt {

@@ -1,4 +1,4 @@
-#include <Ipv6RouterAdvt/RouterAdvt/RaPacketPrefixInfo.h>
+#include <Ipv6RouterAdvt/Heard/RaPacketPrefixInfo.h>
 #include <RouterPlatform/Fwk/Attributes.h>
 
 namespace RouterAdvt {

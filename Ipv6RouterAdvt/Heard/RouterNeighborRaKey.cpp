@@ -1,4 +1,4 @@
-#include <Ipv6RouterAdvt/RouterAdvt/RouterNeighborRaKey.h>
+#include <Ipv6RouterAdvt/Heard/RouterNeighborRaKey.h>
 #include <RouterPlatform/Base/Text.h>
 #include <RouterPlatform/Fwk/Attributes.h>
 
