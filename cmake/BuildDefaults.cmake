@@ -65,6 +65,7 @@ endif()
 # The sources below the current folder: found, not listed, because a folder is a layer and every .cpp in it belongs to
 # it.
 function(find_layer_sources variable)
+  # docs/adr/0004
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   set(${variable} ${sources} PARENT_SCOPE)
 endfunction()

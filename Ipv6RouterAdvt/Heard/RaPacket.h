@@ -2,7 +2,7 @@
 
 #include <Ipv6RouterAdvt/Export.h>
 #include <Ipv6RouterAdvt/Heard/RaPacketPrefixInfo.h>
-#include <Ipv6RouterAdvt/RouterAdvt/ValueTypes.h>
+#include <Ipv6RouterAdvt/ValueTypes.h>
 #include <RouterPlatform/Base/OrderedMap.h>
 
 namespace RouterAdvt {

@@ -2,7 +2,7 @@
 
 #include <Ipv6RouterAdvt/Export.h>
 #include <Ipv6RouterAdvt/Heard/RouterNeighborRaKey.h>
-#include <Ipv6RouterAdvt/RouterAdvt/ValueTypes.h>
+#include <Ipv6RouterAdvt/ValueTypes.h>
 #include <RouterPlatform/SharedTable/RowType.h>
 
 #include <array>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <Ipv6RouterAdvt/Export.h>
-#include <Ipv6RouterAdvt/RouterAdvt/ValueTypes.h>
+#include <Ipv6RouterAdvt/ValueTypes.h>
 #include <RouterPlatform/Base/OrderedMap.h>
 
 namespace RouterAdvt {

@@ -8,6 +8,7 @@
 namespace RouterAdvt {
 
 /// The profile that applies, or null; `operation` is what the assertion names.
+// docs/adr/0003: why each operation passes its own place.
 Ptr<PrefixProfileEntry const> PrefixConfigEntry::appliedProfile(Trace::Location const& operation) const {
   Ptr<IntfConfig const> const intfConfig = Fwk::ptrCast<IntfConfig const>(parent());
   ASSERT_AT(intfConfig, operation);

@@ -66,6 +66,8 @@ struct OrderedRoom<Slot, 0> {
 /// with the table, which moves it along. A walk sees every element that was there when it began and still is when its
 /// turn comes. The table may change in any way during a walk, and may end.
 ///
+/// docs/adr/0001, docs/adr/0014
+///
 /// Thread rule: one thread at a time; `find`, `contains`, `forEach` and frozen iterators, which enter nothing into the
 /// table, may run on several threads while nothing changes.
 template <class Element, class Policy>

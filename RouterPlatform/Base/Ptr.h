@@ -16,8 +16,8 @@ ROUTER_PLATFORM_EXPORT extern std::atomic<bool> threadSafePtrModeFlag;
 }  // namespace detail
 
 /// Whether reference counts are updated with atomic read-modify-write operations (on) or with plain loads and stores
-/// (off, the start value). Process-wide. Switch before a second thread touches a counted object, never back while one
-/// may.
+/// (off, the start value). Process-wide (docs/adr/0016). Switch before a second thread touches a counted object, never
+/// back while one may.
 ROUTER_PLATFORM_EXPORT void threadSafePtrModeIs(bool on) noexcept;
 inline bool threadSafePtrMode() noexcept { return detail::threadSafePtrModeFlag.load(std::memory_order_relaxed); }
 

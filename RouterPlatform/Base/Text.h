@@ -10,7 +10,7 @@
 /// `appendText(out, value)` appends the plain text form of a value: what trace messages, files and command lines show.
 /// Builtins are served here, and every class with `void appendTo(std::string&) const`. An enum brings an overload of
 /// its own in its namespace. An integer is decimal, a bool `true` or `false`, a double the shortest text that reads
-/// back to it, a `char` the character itself.
+/// back to it, a `char` the character itself. docs/adr/0005
 namespace Trace {
 
 namespace detail {

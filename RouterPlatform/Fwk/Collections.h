@@ -12,6 +12,8 @@ namespace Fwk {
 /// Entities by key, owned by the entity that has the collection. The key is the member's own: `T::key()`. Members are
 /// ended by their last `Ptr`, not by leaving; when the owner ends, those that live on have no parent.
 ///
+/// docs/adr/0002: why there are registered walks and `frozen()` ones.
+///
 /// Members are walked in insertion order as `{key, value}` with `value` a `Ptr`; the collection may change during a
 /// walk in any way. Thread rule: that of the owner; only `frozen()` walks and `find` may run on several threads at
 /// once.

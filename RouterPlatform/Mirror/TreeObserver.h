@@ -40,6 +40,7 @@ class ROUTER_PLATFORM_EXPORT TreeObserver {
       return takeWhole(keyOctets, key) ? std::optional<K>(std::move(key)) : std::nullopt;
     }
   };
+  /// Everything that changed since the last `take`.
   struct Batch {
     /// The changes could not be held: anything in the tree may differ. `changes` is empty then.
     bool everything = false;

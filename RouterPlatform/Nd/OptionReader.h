@@ -23,6 +23,7 @@ class OptionReader {
   explicit OptionReader(std::span<U8 const> message) noexcept : message_(message) {}
 
   /// Goes to the next option; false: there is none. An option of length 0 is followed by itself.
+  /// docs/adr/0007: why an option with too few fields is skipped by its length.
   bool next() noexcept {
     Icmp6HdrOption const* const found = headerAt<Icmp6HdrOption>(message_, nextOffset_);
     if (!found || count_ == optionsMax) return false;

@@ -38,7 +38,7 @@ int Memory::map(U64 size, int protection, int flags) noexcept {
 }
 
 void Memory::joinPages(U64 begin, U64 end) noexcept {
-  constexpr int collapse = 25;  // MADV_COLLAPSE, Linux 6.1; others refuse it
+  constexpr int collapse = 25;  // docs/adr/0010. MADV_COLLAPSE, Linux 6.1; others refuse it
   begin = (begin + hugePageSize - 1) / hugePageSize * hugePageSize;
   end = end / hugePageSize * hugePageSize;
   int const before = errno;

@@ -8,7 +8,7 @@
 namespace SharedTable {
 
 /// The one writer of a table: rows of type `R` (see RowType.h) under their keys. It starts unmounted, with the rows in
-/// this process; every operation works in either state. One thread.
+/// this process; every operation works in either state. One thread. docs/adr/0015
 ///
 ///     SharedTable::Writer<Neighbor> neighbors("neighbor");
 ///     neighbors.mountPathIs("routing6/neighbors");
