@@ -47,16 +47,15 @@ std::optional<std::string> effectiveValue(Fwk::Entity const& entity, AttributeRe
 bool isEffectiveValue(Fwk::TypeRecord const& type, AttributeRecord const& attr) {
   // From the name back to that of the configured value: to try every attribute took most of the time of `show`.
   if (attr.kind != AttributeKind::computed) return false;
-  std::string_view const name = attr.name;
-  std::string configured;
-  if (name.starts_with("valid")) {
-    configured = name.substr(5);
-    if (!configured.empty()) configured[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(configured[0])));
-  } else if (name.ends_with("Value")) {
-    configured = name.substr(0, name.size() - 5);
-  }
-  AttributeRecord const* const found = type.attribute(configured);
-  return found && effectiveAttribute(type, *found) == &attr;
+  auto const isEffectiveOf = [&](std::string_view configured) {
+    AttributeRecord const* const found = type.attribute(configured);
+    return found && effectiveAttribute(type, *found) == &attr;
+  };
+  std::string name = attr.name;
+  if (name.ends_with("Value") && isEffectiveOf(std::string_view(name).substr(0, name.size() - 5))) return true;
+  if (!name.starts_with("valid") || name.size() == 5) return false;
+  name[5] = static_cast<char>(std::tolower(static_cast<unsigned char>(name[5])));
+  return isEffectiveOf(std::string_view(name).substr(5));
 }
 
 }  // namespace Tool
