@@ -146,7 +146,7 @@ def check_a_file_above_the_memory(folder):
         server.end()
         return
     resource.prlimit(server.process.pid, resource.RLIMIT_AS, (taken + (32 << 20),) * 2)
-    write(file, "config: [" + "a, " * 200000 + "]\n")
+    write(file, "config: [" + "a, " * 900000 + "]\n")
     checks.contains("why it is refused", server.until(server.err, "large.yaml"), "cannot be read: std::bad_alloc")
     checks.contains("what becomes of it", server.until(server.err, "stays"), "what is served stays as it was")
     checks.equal("trees under a file above the memory", list(mirrored(path)["config"]["intf"]), ["lo", "Ethernet2"])
