@@ -348,7 +348,7 @@ class OrderedTable {
   U32 liveBefore(U32 position) const noexcept {
     Slot const* const all = slots();
     U32 live = 0;
-    for (U32 i = 0; i < position && i < used_; ++i) live += all[i] ? 1 : 0;
+    for (U32 i = 0; i < position && i < used_; ++i) live += all[i] ? 1U : 0U;
     return live;
   }
 

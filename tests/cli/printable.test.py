@@ -131,7 +131,9 @@ def check_server(odd):
 
 
 def check_contents():
-    """What a configuration file holds, in errors and in what is shown of it."""
+    """Names from a configuration file, in errors and in what is shown."""
+    # The path of an entity escapes a backslash in a key by another one.
+    shown = {"anchor": "", "attribute below a name": YAML_SHOWN.replace("\\\\x\\x0a", "\\\\\\\\x\\x0a")}
     for what, text in {
             "section": "NAME: 1",
             "attribute": "config: {NAME: 1}",
@@ -148,7 +150,7 @@ def check_contents():
             "anchor": "config: *NAME",
     }.items():
         check(f"error about a {what}", "show", "-", input=text.replace("NAME", YAML_NAME).encode(),
-              shown="" if what == "anchor" else YAML_SHOWN)
+              shown=shown.get(what, YAML_SHOWN))
     for what, text in {
             "name of an interface": "config: {intf: {NAME: {}}}",
             "network boot URL": "config: {intf: {E: {networkBootFileUrl: NAME}}}",
