@@ -28,6 +28,8 @@ file(GLOB programs ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/Tools/usr/bin/*)
 execute_process(COMMAND strip --remove-section=.comment ${libraries} ${programs} COMMAND_ERROR_IS_FATAL ANY)
 
 # The symbols that a program of another package may need, and the first version that has them.
+# A file of an earlier run would be taken as a template.
+file(REMOVE ${CPACK_RUNTIME_SYMBOLS})
 list(TRANSFORM libraries PREPEND -e)
 get_filename_component(folder ${CPACK_RUNTIME_SYMBOLS} DIRECTORY)
 file(MAKE_DIRECTORY ${folder})
