@@ -3,6 +3,8 @@
 #include <RouterPlatform/Nd/Rdnss.h>
 
 #include <algorithm>
+#include <limits>
+#include <optional>
 
 namespace RouterAdvt {
 
@@ -17,6 +19,12 @@ AdvertDraft draftOver(U8* buf, U64 msgLen, U64 pktBufSize, U64 slack) {
   return AdvertDraft(Net::FrameWriter({buf, std::max(msgLen, pktBufSize) + slack}, msgLen, pktBufSize));
 }
 
+/// Whether an entry is left out without a count of its group: the group was left out just before, or the option with
+/// the entry alone, of `sizeAlone` octets, does not fit. Never with messages, which tell the size of the whole group.
+bool leftOutUncounted(AdvertDraft const& draft, U32 lifetime, std::optional<U32> leftOutLast, U64 sizeAlone) {
+  return !draft.traced() && (leftOutLast == lifetime || !draft.out.fits(sizeAlone));
+}
+
 /// The servers of one lifetime.
 struct ServerGroup {
   IntfConfig const& intfConfig;
@@ -24,11 +32,17 @@ struct ServerGroup {
   U32 lifetime;
 
   bool contains(DNSServerConfigEntry const& server) const { return server.validLifetime(intfLifetime) == lifetime; }
-  U64 serverCount() const {
-    auto const servers = intfConfig.dnsServers().frozen();
-    return static_cast<U64>(std::count_if(servers.begin(), servers.end(), [this](auto& s) { return contains(s); }));
-  }
 };
+
+/// How many servers the group has. Only messages need the number of a group that does not fit: without them the count
+/// ends with the first server that does not fit.
+U64 serverCountOf(AdvertDraft const& draft, ServerGroup const& group) {
+  U64 const countMax = draft.traced() ? std::numeric_limits<U64>::max() : draft.out.room() / Ip6Addr::size + 1;
+  U64 count = 0;
+  for (DNSServerConfigEntry const& server : group.intfConfig.dnsServers().frozen())
+    if (group.contains(server) && ++count == countMax) break;
+  return count;
+}
 
 /// The suffixes of one lifetime.
 struct SuffixGroup {
@@ -53,18 +67,21 @@ void encodeDNSSuffix(AdvertDraft& draft, String const& suffix) {
 
 constexpr U64 roundedUpTo8(U64 size) { return (size + 7) / 8 * 8; }
 
-/// What is known of a group before it is written.
+/// A group's size before it is written, estimated. Only messages need all of it when the group does not fit: without
+/// them the count ends with the first suffix that does not fit.
 struct SuffixEstimate {
   U64 size = sizeof(Net::Icmp6HdrDnsslOption);  ///< of the option: its head, and a suffix's octets and one more
   U64 count = 0;
 };
 SuffixEstimate estimateOf(AdvertDraft const& draft, SuffixGroup const& group) {
   SuffixEstimate estimate;
+  U64 const sizeMax = draft.traced() ? std::numeric_limits<U64>::max() : draft.out.room();
   for (DNSSuffixConfigEntry const& entry : group.intfConfig.dnsSuffixes().frozen()) {
     if (!group.contains(entry)) continue;
     ++estimate.count;
     estimate.size += entry.suffix().size() + 1;
     DRAFT_TRACE(draft, 8, "Computing Length DNS Suffix: ", entry.suffix(), " length: ", estimate.size);
+    if (estimate.size > sizeMax) break;
   }
   return estimate;
 }
@@ -95,12 +112,18 @@ U64 writeUnlessTooLarge(AdvertDraft& draft, SuffixGroup const& group, U64 total)
 void copyDNSServersToRaMsgBuf(AdvertDraft& draft, IntfConfig const& intfConfig) {
   U32 const intfLifetime = intfConfig.validDnsServersLifetime();
   LifeTimeHashMap visited;
+  std::optional<U32> leftOutLast;
   for (DNSServerConfigEntry const& server : intfConfig.dnsServers().frozen()) {
     ServerGroup const group{intfConfig, intfLifetime, server.validLifetime(intfLifetime)};
     if (visited.visited(group.lifetime)) continue;
-    U64 const serverCount = group.serverCount();
+    if (leftOutUncounted(draft, group.lifetime, leftOutLast, Rdnss::size(1))) {
+      draft.leaveOut(server.ipAddr(), draft.msgLen() + Rdnss::size(1));
+      continue;
+    }
+    U64 const serverCount = serverCountOf(draft, group);
     if (!put(draft.out, Rdnss{.lifetime = Seconds32(group.lifetime), .serverCount = serverCount})) {
       draft.leaveOut(server.ipAddr(), draft.msgLen() + Rdnss::size(serverCount));
+      leftOutLast = group.lifetime;
       continue;
     }
     for (DNSServerConfigEntry const& member : intfConfig.dnsServers().frozen())
@@ -121,14 +144,21 @@ void copyDNSSuffixesToRaMsgBuf(AdvertDraft& draft, IntfConfig const& intfConfig)
   U32 const intfLifetime = intfConfig.validDnsSuffixesLifetime();
   DRAFT_TRACE(draft, 8, "Number of Dns Suffixes: ", intfConfig.dnsSuffixes().size(), "intf lifetime: ", intfLifetime);
   LifeTimeHashMap visited;
+  std::optional<U32> leftOutLast;
   for (DNSSuffixConfigEntry const& entry : intfConfig.dnsSuffixes().frozen()) {
     SuffixGroup const group{intfConfig, intfLifetime, entry.validLifetime(intfLifetime)};
     bool const done = visited.visited(group.lifetime);
     DRAFT_TRACE(draft, 8, "dnsSuffixLifetime: ", group.lifetime, "visited: ", done);
     if (done) continue;
+    U64 const sizeAlone = roundedUpTo8(SuffixEstimate{}.size + entry.suffix().size() + 1);
+    if (leftOutUncounted(draft, group.lifetime, leftOutLast, sizeAlone)) {
+      draft.leaveOut(entry.suffix(), draft.msgLen() + sizeAlone);
+      continue;
+    }
     SuffixEstimate const estimate = estimateOf(draft, group);
     if (U64 const frameSize = writeUnlessTooLarge(draft, group, estimate.size)) {
       draft.leaveOut(entry.suffix(), frameSize);
+      leftOutLast = group.lifetime;
       continue;
     }
     if (estimate.count == intfConfig.dnsSuffixes().size() && !draft.traced()) return;  // the rest would be messages

@@ -95,6 +95,30 @@ TEST(LeftOut, HasTheSuffixesOfGroupsThatDoNotFit) {
   EXPECT_THAT(suffixTexts(leftOutOf(advert)), ElementsAre("example.com 0"));
 }
 
+/// What is left out of an advertisement for `mtu`, with messages at every level and without any.
+void checkSameWithMessages(Advert& advert, S32 mtu) {
+  advert.mtu = mtu;
+  LeftOut const quiet = leftOutOf(advert);
+  auto const frame = advert.frame();
+  Trace::Capture const capture("RouterAdvtUtils");
+  LeftOut const traced = leftOutOf(advert);
+  EXPECT_EQ(quiet.servers, traced.servers) << mtu;
+  EXPECT_EQ(suffixTexts(quiet), suffixTexts(traced)) << mtu;
+  EXPECT_EQ(frame, advert.frame()) << mtu;
+}
+
+TEST(LeftOut, HasTheSameServersWithMessagesThatTellTheSizeOfEachGroup) {
+  Advert advert;
+  for (U32 i = 1; i <= 40; ++i) advert.server("2001:db8::" + std::to_string(i), 1 + i * i % 7);
+  for (S32 mtu = 86; mtu <= 1000; mtu += 2) checkSameWithMessages(advert, mtu);
+}
+
+TEST(LeftOut, HasTheSameSuffixesWithMessagesThatTellTheSizeOfEachGroup) {
+  Advert advert;
+  for (U32 i = 1; i <= 40; ++i) advert.suffix(std::string(1 + i % 9, 'a') + std::to_string(i), 1 + i * i % 7);
+  for (S32 mtu = 86; mtu <= 600; mtu += 2) checkSameWithMessages(advert, mtu);
+}
+
 TEST(LeftOut, SaysWhereASuffixIsCut) {
   Advert advert;
   advert.mtu = 86 + 8 + 24;  // eight suffixes are estimated 8 octets too short
