@@ -16,7 +16,6 @@ namespace Fwk {
 struct TypeRecord;
 }  // namespace Fwk
 namespace Ip6 {
-class IntfStatus;
 class VirtualRouterStatusV6;
 }  // namespace Ip6
 namespace Net {

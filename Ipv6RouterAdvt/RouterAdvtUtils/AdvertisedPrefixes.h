@@ -4,6 +4,10 @@
 #include <Ipv6RouterAdvt/RouterAdvt/IntfConfig.h>
 #include <Ipv6RouterAdvt/RouterAdvtUtils/AdvertDraft.h>
 
+namespace Ip6 {
+class IntfStatus;
+}  // namespace Ip6
+
 /// Which prefixes an advertisement has, and with which parameters. The first one that does not fit ends the list.
 namespace RouterAdvt {
 
