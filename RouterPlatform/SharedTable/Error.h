@@ -1,12 +1,16 @@
 #pragma once
 
+#include <RouterPlatform/Base/BaseTypes.h>
 #include <RouterPlatform/Export.h>
-#include <RouterPlatform/SharedTable/Format.h>
 
 #include <string>
 #include <string_view>
 
+/// How an operation of a shared table ended, and what it found damaged.
 namespace SharedTable {
+
+using Fwk::U64;
+using Fwk::U8;
 
 /// Why a table could not be mounted or attached.
 enum class Errc : U8 {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <RouterPlatform/Base/BaseTypes.h>
+#include <RouterPlatform/SharedTable/Capacity.h>
 
 #include <array>
 #include <atomic>
@@ -180,14 +181,6 @@ struct CheckedNumber {
 /// size holds the keys in the same order; its lowest bits are the tag.
 constexpr U64 homeBucket(U64 hash, U32 indexBits) noexcept { return hash >> (64 - indexBits); }
 constexpr U8 tagOf(U64 hash) noexcept { return static_cast<U8>(hash); }
-
-/// How large a table starts and how large it may become.
-struct Capacity {
-  static constexpr U32 largestMaxRows = 0xfffff0;
-
-  U32 initialRows = 4096;
-  U32 maxRows = 1048576;
-};
 
 /// Where the parts of a table stand. Everything follows from the sizes of row and key and from the capacity.
 struct Geometry {

@@ -1,16 +1,19 @@
 #pragma once
 
+#include <RouterPlatform/Base/BaseTypes.h>
 #include <RouterPlatform/Base/Hash.h>
 #include <RouterPlatform/Base/Text.h>
-#include <RouterPlatform/SharedTable/Format.h>
 #include <RouterPlatform/Trace/Assert.h>
 
 #include <array>
 #include <concepts>
+#include <cstddef>
+#include <cstring>
 #include <new>
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 /// What a row type tells the table about itself. A row has a key, `key()`, at its start, and lists its fields in the
 /// order in which they stand:
@@ -34,6 +37,10 @@
 /// A row type may have `bool isSound() const noexcept`: false for octets that no operation of the type makes. The
 /// octets of a row may come from another user's program, so a reader takes a row that is not sound for a damaged one.
 namespace SharedTable {
+
+using Fwk::U32;
+using Fwk::U64;
+using Fwk::U8;
 
 /// What the octets of a field are.
 enum class FieldKind : U8 {

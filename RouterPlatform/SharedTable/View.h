@@ -4,9 +4,9 @@
 #include <RouterPlatform/SharedTable/Error.h>
 #include <RouterPlatform/SharedTable/Format.h>
 #include <RouterPlatform/SharedTable/RowType.h>
+#include <RouterPlatform/SharedTable/Walk.h>
 
 #include <cstddef>
-#include <functional>
 #include <optional>
 #include <vector>
 
@@ -21,24 +21,11 @@ enum class LookupStatus : U8 {
   notAttached  ///< there is no table to look in
 };
 
-/// How a walk over all rows went.
-struct WalkResult {
-  U64 rows = 0;          ///< handed to the visitor
-  bool exact = false;    ///< the rows are those of one moment: nothing changed during the walk
-  bool stopped = false;  ///< the visitor ended the walk
-  bool attached = true;  ///< false: there was no table to walk
-  bool retired = false;  ///< a reader's table: its writer has left this file, see `Lookup::retired`
-  U64 busy = 0;          ///< rows left out because they changed faster than they could be copied
-  U64 corrupt = 0;       ///< places left out because they are damaged
-  Corruption firstCorruption;
-};
-
 /// A table in memory, for reading: loads only, from any number of threads and processes beside one writer. Blocks
 /// nobody and is blocked by nobody, a stopped or dead writer included.
 class ROUTER_PLATFORM_EXPORT View {
  public:
-  /// Gets a row's octets; false ends the walk.
-  using Visitor = std::function<bool(void const* row)>;
+  using Visitor = RowVisitor;
 
   View() = default;
   /// `base` is 8-octet aligned and outlives the view; `header` has been checked.

@@ -483,7 +483,7 @@ bool WriterBase::stage(void const* key, void* row) {
   return status == LookupStatus::found;
 }
 
-WalkResult WriterBase::walk(View::Visitor const& visit) const {
+WalkResult WriterBase::walk(RowVisitor const& visit) const {
   std::shared_ptr<WriterCore const> const walked = core_;  // the visitor may mount or unmount
   WalkResult const result = walked->view().walk(visit);
   if (result.corrupt > 0) reportCorruption(result.firstCorruption, "walking", nullptr);

@@ -1,9 +1,10 @@
 #pragma once
 
 #include <RouterPlatform/Export.h>
+#include <RouterPlatform/SharedTable/Capacity.h>
 #include <RouterPlatform/SharedTable/Error.h>
 #include <RouterPlatform/SharedTable/RowType.h>
-#include <RouterPlatform/SharedTable/View.h>
+#include <RouterPlatform/SharedTable/Walk.h>
 
 #include <sys/types.h>
 
@@ -119,7 +120,7 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
   bool lookup(void const* key, void* row) const;
   bool stage(void const* key, void* row);
   WriteStatus commit(void const* row);
-  WalkResult walk(View::Visitor const& visit) const;
+  WalkResult walk(RowVisitor const& visit) const;
 
  private:
   class Telling;
