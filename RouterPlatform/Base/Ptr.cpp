@@ -4,6 +4,9 @@ namespace Fwk {
 
 std::atomic<bool> detail::threadSafePtrModeFlag{false};
 
-void threadSafePtrModeIs(bool on) noexcept { detail::threadSafePtrModeFlag.store(on, std::memory_order_relaxed); }
+void threadSafePtrModeIs(bool on) noexcept {
+  // Relaxed and without a partner: the caller has one thread.
+  detail::threadSafePtrModeFlag.store(on, std::memory_order_relaxed);
+}
 
 }  // namespace Fwk

@@ -19,7 +19,10 @@ ROUTER_PLATFORM_EXPORT extern std::atomic<bool> threadSafePtrModeFlag;
 /// (off, the start value). Process-wide (docs/adr/0016). Switch before a second thread touches a counted object, never
 /// back while one may.
 ROUTER_PLATFORM_EXPORT void threadSafePtrModeIs(bool on) noexcept;
-inline bool threadSafePtrMode() noexcept { return detail::threadSafePtrModeFlag.load(std::memory_order_relaxed); }
+inline bool threadSafePtrMode() noexcept {
+  // Relaxed and without a partner: set before a second thread starts.
+  return detail::threadSafePtrModeFlag.load(std::memory_order_relaxed);
+}
 
 /// Intrusive reference count of `T`, which derives from `PtrInterface<T>` and has `void onZeroReferences() noexcept`.
 ///
@@ -46,7 +49,7 @@ class PtrInterface {
   }
 
   /// Number of references now; for tests and diagnostics.
-  U32 references() const noexcept { return references_.load(std::memory_order_relaxed); }
+  U32 references() const noexcept { return references_.load(std::memory_order_relaxed); }  // a number: no partner
 
  protected:
   ~PtrInterface() = default;
@@ -54,7 +57,7 @@ class PtrInterface {
   /// Gives up the reference under which `onZeroReferences` ran. True: it was still the last one, and the object must
   /// end.
   bool releaseLastReference() const noexcept {
-    if (!threadSafePtrMode()) {
+    if (!threadSafePtrMode()) {  // one thread has the object: no partner
       U32 const left = references_.load(std::memory_order_relaxed) - 1;
       references_.store(left, std::memory_order_relaxed);
       return left == 0;
@@ -66,8 +69,8 @@ class PtrInterface {
  private:
   /// Takes one off the count unless it is the last one. Exactly one thread gets false for one end of life.
   bool dropUnlessLast() const noexcept {
-    U32 count = references_.load(std::memory_order_relaxed);
-    if (!threadSafePtrMode()) {
+    U32 count = references_.load(std::memory_order_relaxed);  // no partner: the exchange looks again
+    if (!threadSafePtrMode()) {                               // one thread has the object: no partner
       if (count == 1) return false;
       references_.store(count - 1, std::memory_order_relaxed);
       return true;

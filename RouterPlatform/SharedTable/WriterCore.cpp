@@ -83,7 +83,7 @@ void WriterCore::fillSpare(void const* row) noexcept {
   SlotWords::fenceBeforeFill();
   SlotWords::fill(slot(spare_), row, words, RowCheck(checkSeedOf(header_), spare_));
   if (log_) [[unlikely]]
-    for (std::size_t i = 0; i <= words; ++i)
+    for (std::size_t i = 0; i <= words; ++i)  // relaxed: the writer's own store, no partner
       log_->stored(geometry_.slotOffset(spare_) + 8 * i, slot(spare_)[i].load(std::memory_order_relaxed), 8);
 }
 
@@ -292,6 +292,7 @@ WriteStatus WriterCore::rebuild(U32 indexBits, Corruption& corruption) {
   U64 const mask = (U64{1} << indexBits) - 1;
   if (int const error = memory_.reserve(geometry_.bucketOffset(other, 0), 8 * (mask + 1))) return statusOf(error);
   memory_.joinPages(geometry_.bucketOffset(other, 0), geometry_.bucketOffset(other, mask + 1));
+  // Relaxed load: the writer's own store, no partner.
   for (U64 i = 0; i < usedBuckets_[other]; ++i)
     if (bucket(other, i).load(std::memory_order_relaxed) != 0) put(bucket(other, i), U64{0}, std::memory_order_release);
   usedBuckets_[other] = mask + 1;
@@ -305,6 +306,7 @@ WriteStatus WriterCore::rebuild(U32 indexBits, Corruption& corruption) {
     if (word.empty() || word.tombstone()) continue;
     if (++placed > rows_) break;
     U64 number = slotHash_[word.slot()] >> (32 - indexBits);
+    // Relaxed: the writer's own stores, no partner.
     while (bucket(other, number).load(std::memory_order_relaxed) != 0) number = (number + 1) & mask;
     put(bucket(other, number), word.bits, std::memory_order_release);
   }

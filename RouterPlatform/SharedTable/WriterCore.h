@@ -97,7 +97,9 @@ class WriterCore {
   }
   U64 buckets() const noexcept { return U64{1} << indexBits_; }
   U32 half() const noexcept { return static_cast<U32>(epoch_ & 1); }
-  BucketWord wordOf(U64 number) noexcept { return {bucket(half(), number).load(std::memory_order_relaxed)}; }
+  BucketWord wordOf(U64 number) noexcept {
+    return {bucket(half(), number).load(std::memory_order_relaxed)};  // relaxed: the writer's own store, no partner
+  }
 
   bool isDamaged(BucketWord word) const noexcept {
     return !word.isIntact() || (word.slot() > slotsTaken_ && !word.tombstone());
