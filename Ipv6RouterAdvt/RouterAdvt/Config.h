@@ -43,8 +43,7 @@ class ROUTER_ADVT_EXPORT Config final : public Fwk::Entity {
   /// System-wide hop limit. Not advertised: each interface has its own.
   U32 hopLimit() const { return hopLimit_; }
   void hopLimitIs(U32 v) { attrIs(hopLimit_, v, hopLimitAttr); }
-  /// The recommended default of the assigned numbers (RFC 1700), to which RFC 4861 6.2.1 AdvCurHopLimit refers.
-  static constexpr U32 hopLimitDefault() { return 64; }
+  static constexpr U32 hopLimitDefault() { return IntfConfig::hopLimitDefault(); }
 
   /// Whether the agent checks advertisements of other routers against its own. RFC 4861 6.2.7.
   bool raConsistency() const { return raConsistency_; }

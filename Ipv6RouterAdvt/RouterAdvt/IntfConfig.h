@@ -164,7 +164,7 @@ class ROUTER_ADVT_EXPORT IntfConfig final : public Fwk::Entity {
   /// `dnsServersLifetimeConfigured`.
   U32 dnsServersLifetime() const { return dnsServersLifetime_; }
   void dnsServersLifetimeIs(U32 v) { attrIs(dnsServersLifetime_, v, dnsServersLifetimeAttr); }
-  static constexpr U32 dnsServersLifetimeDefault() { return 300; }
+  static constexpr U32 dnsServersLifetimeDefault() { return DNSServerConfigEntry::lifetimeDefault(); }
 
   /// The lifetime for DNS servers that have none of their own, seconds: the configured one as it is stored, 0 included;
   /// else one and a half times the longest interval in whole seconds, rounded down. RFC 8106 5.1.
@@ -189,7 +189,7 @@ class ROUTER_ADVT_EXPORT IntfConfig final : public Fwk::Entity {
   /// `dnsSuffixesLifetimeConfigured`.
   U32 dnsSuffixesLifetime() const { return dnsSuffixesLifetime_; }
   void dnsSuffixesLifetimeIs(U32 v) { attrIs(dnsSuffixesLifetime_, v, dnsSuffixesLifetimeAttr); }
-  static constexpr U32 dnsSuffixesLifetimeDefault() { return 300; }
+  static constexpr U32 dnsSuffixesLifetimeDefault() { return DNSSuffixConfigEntry::lifetimeDefault(); }
 
   /// The lifetime for DNS search suffixes that have none of their own, seconds: the configured one as it is stored, 0
   /// included; else one and a half times the longest interval in whole seconds, rounded down. RFC 8106 5.2.
@@ -212,6 +212,7 @@ class ROUTER_ADVT_EXPORT IntfConfig final : public Fwk::Entity {
   /// AdvCurHopLimit.
   U32 hopLimit() const { return hopLimit_; }
   void hopLimitIs(U32 v) { attrIs(hopLimit_, v, hopLimitAttr); }
+  /// The recommended default of the assigned numbers (RFC 1700), to which RFC 4861 6.2.1 AdvCurHopLimit refers.
   static constexpr U32 hopLimitDefault() { return 64; }
   /// Cur Hop Limit has 8 bits. RFC 4861 4.2.
   static constexpr U32 hopLimitMax() { return 255; }

@@ -6,6 +6,7 @@
 namespace Fwk {
 
 OrderedIndex::OrderedIndex(U32 members) : seed_(processHashSeed()) {
+  // At most three quarters full, so that probing stays short.
   U64 const cells = std::max<U64>(16, std::bit_ceil(U64{members} * 4 / 3 + 1));
   mask_ = static_cast<U32>(cells - 1);
   cells_ = std::make_unique_for_overwrite<Cell[]>(cells);

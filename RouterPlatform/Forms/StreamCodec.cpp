@@ -11,13 +11,13 @@ void OctetSink::closeBlock(std::size_t sizeAt) {
     to_[sizeAt] = static_cast<U8>(size);
     return;
   }
-  std::array<U8, 10> encoded;
-  std::size_t length = 0;
-  for (; size >= 0x80; size >>= 7) encoded[length++] = static_cast<U8>(size | 0x80);
-  encoded[length++] = static_cast<U8>(size);
+  std::array<U8, numberSizeMax> encoded;
+  std::size_t count = 0;
+  for (; size >= 0x80; size >>= 7) encoded[count++] = static_cast<U8>(size | 0x80);
+  encoded[count++] = static_cast<U8>(size);
   to_[sizeAt] = encoded[0];
   auto const behind = to_.begin() + static_cast<std::ptrdiff_t>(sizeAt) + 1;
-  to_.insert(behind, encoded.begin() + 1, encoded.begin() + static_cast<std::ptrdiff_t>(length));
+  to_.insert(behind, encoded.begin() + 1, encoded.begin() + static_cast<std::ptrdiff_t>(count));
 }
 
 bool OctetSource::number(U64& value) noexcept {

@@ -18,6 +18,9 @@ namespace Fwk {
 
 using OctetBuffer = std::vector<U8>;
 
+/// Octets of the longest number in a stream: 64 bits, seven per octet.
+inline constexpr std::size_t numberSizeMax = 10;
+
 /// Appends to a vector of octets.
 class ROUTER_PLATFORM_EXPORT OctetSink {
  public:

@@ -26,8 +26,8 @@ enum class RecordKind : U8 {
 
 inline constexpr std::string_view magic = "RtrStrm\n";
 inline constexpr U64 version = 1;
-inline constexpr std::size_t maxRoots = 64;
-inline constexpr std::size_t maxDepth = 64;
+inline constexpr std::size_t maxRoots = 64;  ///< an agent has a few; bounds what a malformed stream can ask for
+inline constexpr std::size_t maxDepth = 64;  ///< far deeper than the model; bounds what a malformed stream can ask for
 
 /// Appends a record whose body `fill` appends.
 template <class Fill>

@@ -141,12 +141,12 @@ class Reader::Impl {
     U8 kind = 0;
     if (!in.octet(kind)) return 0;
     U64 size = 0;
-    OctetSource sizeIn(in.rest().first(std::min<std::size_t>(in.rest().size(), 10)));
+    Octets const sizeOctets = in.rest().first(std::min(in.rest().size(), numberSizeMax));
+    OctetSource sizeIn(sizeOctets);
     if (!sizeIn.number(size)) {
-      // Any number fits in ten octets. One that ends before and cannot be read is malformed, too.
-      bool const complete = std::ranges::any_of(in.rest().first(std::min<std::size_t>(in.rest().size(), 10)),
-                                                [](U8 octet) { return octet < 0x80; });
-      require(!complete && in.rest().size() < 10, "a record's size is no number");
+      // A number of the greatest size, or one that ends before, is malformed when it cannot be read.
+      bool const complete = std::ranges::any_of(sizeOctets, [](U8 octet) { return octet < 0x80; });
+      require(!complete && sizeOctets.size() < numberSizeMax, "a record's size is no number");
       return 0;
     }
     if (size > options_.maxRecordSize) throw Failure{ReadErrorKind::tooLarge, "a record is too large"};

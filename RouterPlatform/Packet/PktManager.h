@@ -13,11 +13,12 @@ namespace Net {
 /// pointer mode is on; one mutex guards it then, and no atomic is used. It outlives its packets.
 class ROUTER_PLATFORM_EXPORT PktManager {
  public:
-  /// Size of a new packet's buffer, octets: a full Ethernet frame and room.
+  /// Size of a new packet's buffer, octets: a full Ethernet frame (1514) and room, half a page.
   static constexpr U64 newPktCapacity = 2048;
-  /// Greatest buffer that is kept for the next packet, octets: jumbo frames recycle, giants are freed.
+  /// Greatest buffer that is kept for the next packet, octets: jumbo frames (about 9000) recycle, larger
+  /// ones are freed.
   static constexpr U64 keptCapacityMax = 16384;
-  /// Greatest number of packets kept for later.
+  /// Greatest number of packets kept for later: at most 4 MiB at `keptCapacityMax`.
   static constexpr U64 keptPktsMax = 256;
   static constexpr U64 pktLimitDefault() { return 16384; }
 

@@ -65,8 +65,11 @@ U64 nanoseconds(struct timespec const& time) noexcept {
   return static_cast<U64>(time.tv_sec) * 1000000000U + static_cast<U64>(time.tv_nsec);
 }
 
+/// Room for a boot id (36 characters) and for the first 22 fields of /proc/PID/stat.
+using SmallFile = std::array<char, 1024>;
+
 /// The text, which stands in `buffer` with a zero octet behind it: no memory is needed.
-std::string_view readSmallFile(char const* path, std::array<char, 1024>& buffer) noexcept {
+std::string_view readSmallFile(char const* path, SmallFile& buffer) noexcept {
   Fd const file(open(path, O_RDONLY | O_CLOEXEC));
   ssize_t const size = file ? read(file.get(), buffer.data(), buffer.size() - 1) : -1;
   std::size_t const octets = size > 0 ? static_cast<std::size_t>(size) : 0;
@@ -93,8 +96,9 @@ std::string tableDirectory(std::string const& chosen) {
 }
 
 bool namesAreSound(std::string_view mountPath, std::string_view collection) noexcept {
+  constexpr std::size_t nameSizeMax = 200;  // a file name has at most 255 octets (NAME_MAX); the suffix has room
   auto const nameIsSound = [](std::string_view name) {
-    return !name.empty() && name.front() != '.' && name.size() <= 200 &&
+    return !name.empty() && name.front() != '.' && name.size() <= nameSizeMax &&
            name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
   };
   while (true) {
@@ -201,7 +205,7 @@ U64 forkCount() {
 std::array<U8, 16> bootId() noexcept {
   std::array<U8, 16> id{};
   std::size_t digits = 0;
-  std::array<char, 1024> buffer;
+  SmallFile buffer;
   for (char const c : readSmallFile("/proc/sys/kernel/random/boot_id", buffer)) {
     int const digit = c >= '0' && c <= '9' ? c - '0' : c >= 'a' && c <= 'f' ? c - 'a' + 10 : -1;
     if (digit < 0 || digits == 32) continue;
@@ -212,11 +216,12 @@ std::array<U8, 16> bootId() noexcept {
 }
 
 U64 processStartTime() noexcept {
-  std::array<char, 1024> buffer;
+  SmallFile buffer;
   std::string_view const status = readSmallFile("/proc/self/stat", buffer);
   std::size_t at = status.rfind(')');  // the name in parentheses may hold anything
   if (at == std::string_view::npos) return 0;
-  for (int field = 2; field < 22 && at != std::string_view::npos; ++field) at = status.find(' ', at + 1);
+  constexpr int startTimeField = 22;  // proc_pid_stat(5); the name is field 2
+  for (int field = 2; field < startTimeField && at != std::string_view::npos; ++field) at = status.find(' ', at + 1);
   return at == std::string_view::npos ? 0 : std::strtoull(status.data() + at, nullptr, 10);
 }
 
@@ -227,7 +232,7 @@ void fillRandom(void* out, std::size_t size) noexcept {
   if (getrandom(out, size, 0) == static_cast<ssize_t>(size)) return;
   // Up to 256 octets it does not fail once the kernel has its seed; the time is better than nothing before that.
   auto* octets = static_cast<U8*>(out);
-  U64 state = realtime();
+  U64 state = realtime();  // of a linear congruential generator, with the multiplier of Knuth's MMIX
   for (std::size_t i = 0; i < size; ++i) octets[i] = static_cast<U8>((state = state * 6364136223846793005U + 1) >> 56);
 }
 

@@ -71,11 +71,11 @@ int Memory::reserve(U64 offset, U64 size) noexcept {
   // In pieces: a signal makes tmpfs give back what the interrupted call had allocated.
   constexpr U64 piece = U64{1} << 20;
   for (U64 const end = offset + size; offset < end;) {
-    U64 const length = std::min(piece, end - offset);
-    int const error = posix_fallocate(fd_.get(), static_cast<off_t>(offset), static_cast<off_t>(length));
+    U64 const count = std::min(piece, end - offset);
+    int const error = posix_fallocate(fd_.get(), static_cast<off_t>(offset), static_cast<off_t>(count));
     if (error == EINTR) continue;
     if (error != 0) return error;
-    offset += length;
+    offset += count;
   }
   return 0;
 }

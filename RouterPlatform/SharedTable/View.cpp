@@ -16,6 +16,7 @@ constexpr U32 damageConfirmations = 3;
 /// Each needs an index to be rebuilt meanwhile.
 constexpr U32 maxRestarts = 1000;
 
+/// Gives the processor away now and then: a change takes less than 64 pauses, unless its writer was stopped in it.
 void pauseBeforeRetry(U32 attempt) noexcept {
   if (attempt % 64 == 63)
     sched_yield();

@@ -16,7 +16,7 @@ namespace {
 
 using Net::Ip6Addr;
 
-constexpr std::size_t messageSizeMax = 65536;
+constexpr std::size_t messageSizeMax = 65536;  // an IPv6 payload has at most 65535 octets, RFC 8200 3
 
 Ip6Addr addressOf(in6_addr const& address) { return Ip6Addr::fromBytes(address.s6_addr); }
 
@@ -93,6 +93,7 @@ void readControl(msghdr& header, Envelope& envelope) {
 ssize_t receiveMessage(int socket, std::span<Fwk::U8> buffer, Envelope& envelope) {
   sockaddr_in6 from{};
   iovec octets{buffer.data(), buffer.size()};
+  // Hop limit and packet information, RFC 3542 4, with room to spare.
   alignas(cmsghdr) std::array<char, 2 * CMSG_SPACE(sizeof(int)) + CMSG_SPACE(sizeof(in6_pktinfo)) + 64> control;
   msghdr header{};
   header.msg_name = &from;

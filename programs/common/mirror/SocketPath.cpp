@@ -36,8 +36,9 @@ FileDescriptor newSocket() { return FileDescriptor(socket(AF_UNIX, SOCK_STREAM |
 class PathLock {
  public:
   explicit PathLock(std::string const& path) : path_(path), name_(path + ".lock") {
+    constexpr int triesMax = 100;  // 2 seconds: the lock is held for a few system calls
     for (int tries = 0; !take(); ++tries) {
-      if (tries == 100) fail(path_, "another process has locked " + name_ + " for 2 seconds");
+      if (tries == triesMax) fail(path_, "another process has locked " + name_ + " for 2 seconds");
       std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
   }

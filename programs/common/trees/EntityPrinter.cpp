@@ -14,6 +14,7 @@ using Fwk::AttributeRecord;
 using Fwk::Entity;
 using Fwk::Ptr;
 
+// Where value and remark begin, unless the text in front of them is longer.
 constexpr std::size_t valueColumn = 46;
 constexpr std::size_t remarkColumn = 64;
 

@@ -91,7 +91,8 @@ class ListenCommand final : public Command {
 
   /// Takes what has come, up to a limit: a flood does not keep it from ending.
   void takeSome(RaSocket& socket, RouterWatch& watch, ListenReport& report, NeighborTable& table) {
-    for (int left = 64; left > 0 && !isEnough(); --left) {
+    constexpr int messagesPerTurn = 64;
+    for (int left = messagesPerTurn; left > 0 && !isEnough(); --left) {
       auto const received = socket.receive();
       if (!received) return;
       take(*received, watch, report, table);
