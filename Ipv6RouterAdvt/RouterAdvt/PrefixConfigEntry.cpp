@@ -1,6 +1,6 @@
+#include <Ipv6RouterAdvt/ModelAssert.h>
 #include <Ipv6RouterAdvt/RouterAdvt/Config.h>
 #include <Ipv6RouterAdvt/RouterAdvt/IntfConfig.h>
-#include <Ipv6RouterAdvt/RouterAdvt/ModelAssert.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PrefixConfigEntry.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PrefixProfileEntry.h>
 #include <RouterPlatform/Fwk/Attributes.h>

@@ -1,16 +1,10 @@
-#include <Ipv6RouterAdvt/Heard/RaPacket.h>
-#include <Ipv6RouterAdvt/Heard/RaPacketPrefixInfo.h>
-#include <Ipv6RouterAdvt/Heard/RouterNeighbor.h>
-#include <Ipv6RouterAdvt/Heard/RouterNeighborRa.h>
-#include <Ipv6RouterAdvt/Heard/RouterNeighborRaKey.h>
+#include <Ipv6RouterAdvt/ModelAssert.h>
 #include <Ipv6RouterAdvt/RouterAdvt/LifeTimeHashMap.h>
-#include <Ipv6RouterAdvt/RouterAdvt/ModelAssert.h>
 #include <Ipv6RouterAdvt/RouterAdvt/PrefixDefault.h>
-#include <RouterPlatform/Forms/TextForm.h>
 
 #include <ostream>
 
-/// The text forms of the value types: printing, and reading back where the type holds no collection.
+/// The text forms of the configuration's value types.
 namespace RouterAdvt {
 
 namespace {
@@ -25,21 +19,9 @@ std::ostream& write(std::ostream& out, String const& text) {
 
 String valueToStrep(PrefixDefault const&) { return String(); }
 String valueToStrep(LifeTimeHashMap const&) { return "None"; }
-String valueToStrep(RaPacket const& value) { return Fwk::recordToStrep(value); }
-String valueToStrep(RaPacketPrefixInfo const& value) { return Fwk::recordToStrep(value); }
-String valueToStrep(RouterNeighbor const& value) { return Fwk::recordToStrep(value); }
-String valueToStrep(RouterNeighborRaKey const& value) { return Fwk::recordToStrep(value); }
-String valueToStrep(RouterNeighborRa const& value) { return Fwk::recordToStrep(value); }
 
 std::ostream& operator<<(std::ostream& out, PrefixDefault const& value) { return write(out, valueToStrep(value)); }
 std::ostream& operator<<(std::ostream& out, LifeTimeHashMap const& value) { return write(out, valueToStrep(value)); }
-std::ostream& operator<<(std::ostream& out, RaPacket const& value) { return write(out, valueToStrep(value)); }
-std::ostream& operator<<(std::ostream& out, RaPacketPrefixInfo const& value) { return write(out, valueToStrep(value)); }
-std::ostream& operator<<(std::ostream& out, RouterNeighbor const& value) { return write(out, valueToStrep(value)); }
-std::ostream& operator<<(std::ostream& out, RouterNeighborRaKey const& value) {
-  return write(out, valueToStrep(value));
-}
-std::ostream& operator<<(std::ostream& out, RouterNeighborRa const& value) { return write(out, valueToStrep(value)); }
 
 PrefixDefault::PrefixDefault(String::IteratorConst&, String::IteratorConst const&) {}
 
@@ -49,29 +31,6 @@ LifeTimeHashMap::LifeTimeHashMap(String::IteratorConst&, String::IteratorConst c
                              "RouterAdvt::LifeTimeHashMap::LifeTimeHashMap(String::IteratorConst&, "
                              "String::IteratorConst const&)"),
                  R"(!"No String constructor for LifeTimeHashMap - has collection")");
-}
-
-RaPacket::RaPacket(String::IteratorConst&, String::IteratorConst const&) {
-  ASSERT_AT_TEXT(false,
-                 operationAt(ModelLine::raPacketFromText,
-                             "RouterAdvt::RaPacket::RaPacket(String::IteratorConst&, String::IteratorConst const&)"),
-                 R"(!"No String constructor for RaPacket - has collection")");
-}
-
-RaPacketPrefixInfo::RaPacketPrefixInfo(String::IteratorConst& pos, String::IteratorConst const& end) {
-  Fwk::recordFromStrep(pos, end, *this);
-}
-
-RouterNeighbor::RouterNeighbor(String::IteratorConst& pos, String::IteratorConst const& end) {
-  Fwk::recordFromStrep(pos, end, *this);
-}
-
-RouterNeighborRaKey::RouterNeighborRaKey(String::IteratorConst& pos, String::IteratorConst const& end) {
-  Fwk::recordFromStrep(pos, end, *this);
-}
-
-RouterNeighborRa::RouterNeighborRa(String::IteratorConst& pos, String::IteratorConst const& end) {
-  Fwk::recordFromStrep(pos, end, *this);
 }
 
 }  // namespace RouterAdvt
