@@ -14,7 +14,7 @@ template <class Class, class Type>
 StoredAttribute(char const*, Type Class::*) -> StoredAttribute<Class, Type>;
 
 /// A value type that lists what it stores: `static constexpr auto storedAttributes()` gives a tuple of
-/// `StoredAttribute`, in declaration order; `fwkTypeName` is its qualified name.
+/// `StoredAttribute`, in declaration order; `fwkTypeName` is its qualified name. docs/adr/0017
 template <class T>
 concept StoredRecord = requires {
   T::storedAttributes();
