@@ -1,9 +1,6 @@
 #pragma once
 
 #include <RouterPlatform/Base/BaseTypes.h>
-#include <RouterPlatform/Base/Ptr.h>
-
-#include <mutex>
 
 namespace Net {
 
@@ -42,10 +39,5 @@ class FreeList {
   Fwk::U64 size_ = 0;
   Fwk::U64 const bound_;
 };
-
-/// Locks `mutex` when counted pointers may be shared by threads; otherwise one thread uses them, and no lock is taken.
-inline std::unique_lock<std::mutex> lockIfThreaded(std::mutex& mutex) {
-  return Fwk::threadSafePtrMode() ? std::unique_lock(mutex) : std::unique_lock(mutex, std::defer_lock);
-}
 
 }  // namespace Net

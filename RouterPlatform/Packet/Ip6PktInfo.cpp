@@ -3,6 +3,7 @@
 #include <RouterPlatform/Packet/EthernetHdr.h>
 #include <RouterPlatform/Packet/FreeList.h>
 #include <RouterPlatform/Packet/HeaderAt.h>
+#include <RouterPlatform/Packet/LockIfThreaded.h>
 
 #include <mutex>
 

@@ -1,5 +1,6 @@
 #include <RouterPlatform/Packet/PktManager.h>
 
+#include <RouterPlatform/Packet/LockIfThreaded.h>
 #include <RouterPlatform/Trace/Assert.h>
 
 #include <new>
