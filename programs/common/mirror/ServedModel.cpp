@@ -37,23 +37,29 @@ ServedModel::ServedModel(std::string fileName, std::ostream& err, ProcFiles proc
 
 ServedModel::Reload ServedModel::reload(std::ostream& err) {
   ConfigFile file;
+  bool isTold = readAgain_;
   try {
     FileText read = readRegularFileText(fileName_);
-    if (read.text == read_.text && read.error == read_.error) return Reload::unchanged;
+    bool const isSame = read.text == read_.text && read.error == read_.error;
+    if (isSame && !readAgain_) return Reload::unchanged;
+    isTold = isTold && isSame;
     read_ = std::move(read);
     file = readConfigText(fileName_, read_);
-  } catch (std::exception const& e) {  // memory ran out
+    tell(err, file);
+    readAgain_ = false;
+  } catch (std::exception const& e) {  // memory ran out, perhaps for a moment
+    readAgain_ = true;
+    if (isTold) return Reload::unchanged;
     err << printable(fileName_ + ": cannot be read: " + e.what()) << std::endl;
     return Reload::refused;
   }
-  tell(err, file);
   if (!file) return Reload::refused;
   try {
     Fwk::assignTree(file.config, config_);
     applyInterfaces();
   } catch (std::exception const& e) {
-    err << printable(fileName_ + ": cannot be applied: " + e.what()) << std::endl;
     read_ = {{}, "was not applied"};  // differs from every reading
+    err << printable(fileName_ + ": cannot be applied: " + e.what()) << std::endl;
     return Reload::interrupted;
   }
   return Reload::applied;

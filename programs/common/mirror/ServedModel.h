@@ -24,15 +24,16 @@ class ServedModel {
   Fwk::Ptr<RouterAdvt::Status> const& status() const { return status_; }
 
   enum class Reload {
-    unchanged,   ///< the file has the same octets as before
+    unchanged,   ///< the file has the same octets as before, and all there is to tell of it is told
     applied,     ///< the trees equal the file
     refused,     ///< the trees stay as they were
     interrupted  ///< the trees equal the file in part; the next call applies it again
   };
   /// Reads the file again if it has changed, and applies the differences. Warnings, and the errors of a
   /// file that is refused, go to `err`, once for each state of the file. A file that takes more memory than there is
-  /// is refused, too. Memory that runs out while differences are applied, or a value that `assignTree` refuses,
-  /// interrupts the call, and the reason goes to `err`.
+  /// is refused, too, and the next call reads it again. Memory that runs out while differences are applied, or a value
+  /// that `assignTree` refuses, interrupts the call, and the reason goes to `err`. Throws `std::bad_alloc` when there
+  /// is no memory for a message; the next call reads the file again.
   Reload reload(std::ostream& err);
 
   /// Captures the files of the next few interfaces, so that no call takes long. True: this call ended a round.
@@ -42,7 +43,8 @@ class ServedModel {
   void applyInterfaces();
 
   std::string fileName_;
-  FileText read_;  ///< result of the last reading
+  FileText read_;           ///< result of the last reading
+  bool readAgain_ = false;  ///< memory ran out while the file was read
   ProcFiles procFiles_;
   Fwk::Ptr<RouterAdvt::Config> config_;
   Fwk::Ptr<RouterAdvt::Status> status_;

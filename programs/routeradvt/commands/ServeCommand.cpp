@@ -13,6 +13,7 @@
 #include <csignal>
 
 #include <chrono>
+#include <exception>
 #include <filesystem>
 #include <optional>
 #include <ostream>
@@ -68,19 +69,31 @@ class Service {
   }
 
   void reload() {
+    bool isApplied = false;
+    try {
+      isApplied = applyChanges();
+    } catch (std::exception const&) {  // there was no memory for a message
+      console_.err << "the file is not read now: memory ran out" << std::endl;
+    }
+    if (isApplied) capture();
+  }
+
+  /// Whether there were changes and all of them are applied.
+  bool applyChanges() {
     switch (model_.reload(console_.err)) {
       case ServedModel::Reload::unchanged:
-        return;
+        return false;
       case ServedModel::Reload::applied:
         console_.out << "reloaded " << printable(fileName_) << std::endl;
-        return capture();
+        return true;
       case ServedModel::Reload::refused:
         console_.err << printable(fileName_) << ": what is served stays as it was" << std::endl;
-        return;
+        return false;
       case ServedModel::Reload::interrupted:
         console_.err << printable(fileName_) << ": what is served is partly old and partly new until it is read again"
                      << std::endl;
     }
+    return false;
   }
 
   void capture() {

@@ -1,10 +1,12 @@
 #include <RouterPlatform/Fwk/Observe.h>
 #include <programs/common/mirror/ServedModel.h>
 #include <programs/common/text/Failure.h>
+#include <tests/RouterPlatform/Support/AllocationCount.h>
 #include <tests/programs/Support/TemporaryFolder.h>
 
 #include <sys/stat.h>
 
+#include <new>
 #include <sstream>
 
 #include <gmock/gmock.h>
@@ -115,6 +117,55 @@ TEST_F(ServedModelTest, AFileThatCannotBeAppliedIsToldAndAppliedAgain) {
   EXPECT_EQ(reload("config: {intf: {E1: {raLifetime: 800}}}"), Reload::applied);
   EXPECT_EQ(model.config()->intf("E1")->raLifetime(), 800u);
   EXPECT_THAT(interfaces(), testing::ElementsAre("E1"));
+}
+
+TEST_F(ServedModelTest, AFileIsAppliedAfterMemoryRanOutForAMomentWhileItWasRead) {
+  Reload first = Reload::refused;
+  int refused = 0;
+  for (std::size_t allowed = 0; first != Reload::applied; ++allowed) {
+    std::size_t const raLifetime = 1000 + allowed;
+    folder.write("ra.yaml", "config: {intf: {E1: {raLifetime: " + std::to_string(raLifetime) + "}}}");
+    {
+      AllocationFailure const failure(allowed, 1);
+      first = model.reload(err);
+    }
+    if (first == Reload::applied) break;
+    if (first == Reload::refused) ++refused;
+    ASSERT_EQ(model.reload(err), Reload::applied) << allowed;
+    ASSERT_EQ(model.config()->intf("E1")->raLifetime(), raLifetime);
+  }
+  EXPECT_GT(refused, 20);
+  EXPECT_THAT(err.str(), testing::HasSubstr("ra.yaml: cannot be read: std::bad_alloc\n"));
+}
+
+TEST_F(ServedModelTest, AFileIsAppliedAfterThereWasNoMemoryForAMessage) {
+  int thrown = 0;
+  for (std::size_t allowed = 0; allowed < 40; ++allowed) {
+    std::size_t const raLifetime = 1000 + allowed;
+    folder.write("ra.yaml", "config: {intf: {E1: {raLifetime: " + std::to_string(raLifetime) + "}}}");
+    try {
+      AllocationFailure const failure(allowed);
+      model.reload(err);
+    } catch (std::bad_alloc const&) {
+      ++thrown;
+    }
+    ASSERT_EQ(model.reload(err), Reload::applied) << allowed;
+    ASSERT_EQ(model.config()->intf("E1")->raLifetime(), raLifetime);
+  }
+  EXPECT_GT(thrown, 20);
+}
+
+TEST_F(ServedModelTest, MemoryThatRunsOutIsToldOncePerText) {
+  auto const reloadWithLittleMemory = [&](std::string const& text) {
+    folder.write("ra.yaml", text);
+    AllocationFailure const failure(20, 1);
+    return model.reload(err);
+  };
+  EXPECT_EQ(reloadWithLittleMemory("config: {intf: {E1: {raLifetime: 700}}}"), Reload::refused);
+  EXPECT_EQ(reloadWithLittleMemory("config: {intf: {E1: {raLifetime: 700}}}"), Reload::unchanged);
+  EXPECT_EQ(err.str(), file + ": cannot be read: std::bad_alloc\n");
+  EXPECT_EQ(reloadWithLittleMemory("config: {intf: {E1: {raLifetime: 800}}}"), Reload::refused);
+  EXPECT_EQ(err.str(), file + ": cannot be read: std::bad_alloc\n" + file + ": cannot be read: std::bad_alloc\n");
 }
 
 TEST_F(ServedModelTest, WarningsAreTold) {
