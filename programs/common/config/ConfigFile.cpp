@@ -34,6 +34,35 @@ bool isText(std::string_view octets) {
   return std::ranges::any_of(marks, [&](std::string_view mark) { return octets.starts_with(mark); });
 }
 
+constexpr char const* nestedTooDeeplyText = "nested too deeply";
+
+/// Brackets that may be open at one place. The parser holds a whole line of them in memory before it refuses them; the
+/// model nests a few deep.
+constexpr std::size_t openBracketsMax = 1000;
+
+Place placeAt(std::string_view text, std::size_t offset) {
+  std::string_view const before = text.substr(0, offset);
+  std::string_view const line = before.substr(before.find_last_of('\n') + 1);  // npos + 1 is 0
+  auto const isFirstOctet = [](char c) { return (static_cast<unsigned char>(c) & 0xc0) != 0x80; };
+  return {static_cast<int>(std::ranges::count(before, '\n')) + 1,
+          static_cast<int>(std::ranges::count_if(line, isFirstOctet)) + 1};
+}
+
+/// The place of the outermost bracket where too many are open. Brackets in comments and texts count, too.
+std::optional<Place> nestedTooDeeply(std::string_view text) {
+  std::size_t open = 0, outermost = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    char const c = text[i];
+    if (c == '[' || c == '{') {
+      if (open == 0) outermost = i;
+      if (++open > openBracketsMax) return placeAt(text, outermost);
+    } else if ((c == ']' || c == '}') && open > 0) {
+      --open;
+    }
+  }
+  return std::nullopt;
+}
+
 /// Names the most frequent cause of a syntax error, which the parser does not: a tab in or before the line.
 std::string tabHint(std::string_view text, int lastLine) {
   for (int line = 1; line <= lastLine && !text.empty(); ++line) {
@@ -73,6 +102,7 @@ class FileReader {
 
   void read(std::string const& text) {
     if (!isText(text)) return reader_.error({}, {}, "is not a text file");
+    if (auto const place = nestedTooDeeply(text)) return reader_.error(*place, {}, nestedTooDeeplyText);
     YamlTree document;
     BehindTheDocument behind;
     try {
@@ -80,7 +110,7 @@ class FileReader {
     } catch (YamlTree::Refusal const& refusal) {
       return reader_.error(refusal.place, {}, refusal.text);
     } catch (YAML::DeepRecursion const&) {
-      return reader_.error(startOfFile, {}, "nested too deeply");
+      return reader_.error(startOfFile, {}, nestedTooDeeplyText);
     } catch (YAML::Exception const& e) {
       Place const place = placeOf(e.mark);
       return reader_.error(place, {}, "not YAML: " + e.msg + tabHint(text, place.line));

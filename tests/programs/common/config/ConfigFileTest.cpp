@@ -236,8 +236,16 @@ ErrorRow const fileErrors[] = {
     {"SyntaxError", "config:\n  intf: {a: {}\n", "f:3:1: not YAML: end of map flow not found"},
     {"UnknownAlias", "config: *a\n", "f:1:9: not YAML: the referenced anchor is not defined"},
     {"NestedTooDeeply", std::string(10000, '['), "f:1:1: nested too deeply"},
+    {"NestedTooDeeplyFurtherOn", "config: {} # \xc3\xa4\nlinks: " + repeated("{ a: ", 1001),
+     "f:2:8: nested too deeply"},
+    {"NestedTooDeeplyInIndentedLines", "config:\n  " + repeated("- ", 1000) + "a\n", "f:1:1: nested too deeply"},
 };
 INSTANTIATE_TEST_SUITE_P(File, ConfigFileError, testing::ValuesIn(fileErrors));
+
+TEST(ConfigFile, BracketsThatAreClosedAgainNestNothing) {
+  EXPECT_THAT(errorsOf("config: {} # " + repeated("[]{}", 1000) + "\n"), testing::IsEmpty());
+  EXPECT_THAT(errorsOf("config: {} # " + repeated("[", 1000) + "\n"), testing::IsEmpty());
+}
 
 TEST(ConfigFile, TellsAllErrorsInTheirOrder) {
   EXPECT_THAT(
