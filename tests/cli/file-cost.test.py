@@ -58,7 +58,7 @@ with tempfile.TemporaryDirectory() as folder:
         with open(path, "w", encoding="ascii") as file:
             file.write(text)
         size = len(text)
-        result = run("build", path, "Ethernet1", preexec_fn=limits(2 + size // MEGA, 64 * MEGA + 50 * size))
+        result = run("build", path, "Ethernet1", preexec_fn=limits(2 + 2 * size // MEGA, 64 * MEGA + 50 * size))
         checks.equal(f"{name}: exit status", result.returncode, status)
         checks.contains(f"{name}: output", (result.stderr if status else result.stdout)[:200000], part)
         checks.true(f"{name}: memory suffices", "bad_alloc" not in result.stderr)
