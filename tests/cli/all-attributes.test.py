@@ -12,7 +12,7 @@ checks = Checks()
 
 
 def attributes_of(type_name):
-    """Of the scalars that can be set: None. Of the collections: the type of their members."""
+    """Maps each scalar that can be set to None, and each collection to the type of its members."""
     lines = run("types", type_name).stdout.splitlines()
     found = dict.fromkeys(line.split()[1] for line in lines if line.endswith(" settable"))
     for line in lines:
@@ -22,8 +22,8 @@ def attributes_of(type_name):
 
 
 def configured(file):
-    """What the section config has: for each attribute its path, without keys of members, and the default that its comment
-    says it has, or None."""
+    """The attributes of the section config: maps each path, without keys of members, to the default that its comment gives, or
+    to None."""
     keys = []
     for line in file:
         if line.startswith("links:"):
@@ -40,7 +40,7 @@ def configured(file):
 
 
 def defaults(members, prefix=()):
-    """What 'show --json' gives for members without attributes: for each attribute its path and its value, as YAML."""
+    """The output of 'show --json' for members without attributes: maps each attribute's path to its value, as YAML."""
     for name, value in members.items():
         yield (*prefix, name), value if value and isinstance(value, str) else json.dumps(value)
         if isinstance(value, dict):

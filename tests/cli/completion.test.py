@@ -1,4 +1,4 @@
-"""Completion in bash: what the program's help offers is what is completed."""
+"""Completion in bash completes exactly the words that the program's help offers."""
 import os
 import subprocess
 
@@ -9,7 +9,7 @@ checks = Checks()
 
 
 def completed(*words):
-    """What the last of `words` is completed to."""
+    """The completions of the last of `words`."""
     script = f'. "{SCRIPT}"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _routeradvt "$1"; printf "%s\\n" "${{COMPREPLY[@]}}"'
     run = subprocess.run(["bash", "-c", script, "bash", PROGRAM, *words], capture_output=True, text=True, timeout=30, check=False,
                          cwd=ROOT)

@@ -1,4 +1,4 @@
-"""The program as a process: exit status, and which stream gets what."""
+"""The program as a process: its exit status, and the texts on each of its streams."""
 import os
 import subprocess
 import tempfile
@@ -9,7 +9,7 @@ checks = Checks()
 
 
 def check(what, result, status, out=None, err=None):
-    """`out`, `err`: a part of the stream; an empty text: nothing is on it."""
+    """`out`, `err`: a part of the stream; if it is empty, the stream has to be empty."""
     checks.equal(what + ": exit status", result.returncode, status)
     for name, text, part in (("stdout", result.stdout, out), ("stderr", result.stderr, err)):
         if part == "":
@@ -61,7 +61,7 @@ with tempfile.TemporaryDirectory() as folder:
     check("send's capture on standard output", run("send", EXAMPLE, "Ethernet1", "--via", "lo", "--write", "-"), 2, out="",
           err="--write: expected a file")
 
-    # A stream that is closed is not the next file that is opened.
+    # The next file that is opened does not take the place of a closed stream.
     closed = run("build", EXAMPLE, "Ethernet1", "--hex", "--write", capture, preexec_fn=lambda: os.close(1))
     check("closed standard output", closed, 1, out="", err="the output could not be written")
     with open(capture, "rb") as file:

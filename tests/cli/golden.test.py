@@ -1,4 +1,4 @@
-"""The frames of the example, octet by octet. tests/interop/decode.test.py has them decoded by others."""
+"""The frames of the example, octet by octet. tests/interop/decode.test.py decodes them with other programs."""
 import os
 
 from support import EXAMPLE, Checks, run

@@ -18,7 +18,7 @@ def width(text):
 
 
 def help_on_terminal(columns, environment):
-    """The help as a terminal of that many columns gets it."""
+    """The help on a terminal of that many columns."""
     ours, theirs = pty.openpty()
     fcntl.ioctl(theirs, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
     with subprocess.Popen([PROGRAM, "serve", "--help"], stdout=theirs, env=environment) as process:
@@ -27,7 +27,7 @@ def help_on_terminal(columns, environment):
         try:
             while octets := os.read(ours, 4096):
                 shown += octets
-        except OSError:  # how a terminal reports that nobody writes any more
+        except OSError:  # a terminal reports the end of its writer by this
             pass
     os.close(ours)
     checks.equal("exit status on a terminal", process.returncode, 0)
@@ -35,12 +35,12 @@ def help_on_terminal(columns, environment):
 
 
 def check_width(what, text, columns):
-    """The text is folded at that width: nothing is longer, and a line comes near it."""
+    """The text is folded at that width: no line is longer, and at least one is nearly as long."""
     checks.true(f"{what}: {width(text)} columns, should be {columns}", columns - 8 <= width(text) <= columns)
 
 
 def help_with(columns):
-    """The help that a pipe gets, with that value of COLUMNS."""
+    """The help on a pipe, with that value of COLUMNS."""
     return run("serve", "--help", env={**WITHOUT_COLUMNS, "COLUMNS": columns}).stdout
 
 

@@ -1,6 +1,6 @@
 """The manual pages: one per command, each with exactly the options and arguments of the command's help.
 
-Where mandoc or groff is installed, it finds nothing to complain of in a page."""
+mandoc and groff, where they are installed, report nothing for any page."""
 import os
 import re
 import shutil
@@ -21,7 +21,7 @@ def text_of(page):
 
 
 def check_page(command, shown, page):
-    """Holds options and arguments of the help against those of the page."""
+    """Compares the options and arguments of the help with those of the page."""
     text = text_of(page)
     arguments = re.search(r"^Usage: .*\[OPTION\.\.\.\] ?(.*)", shown, re.MULTILINE)[1].replace("[", "").replace("]", "")
     synopsis = text.split(".SH SYNOPSIS")[1].split(".SH")[0]

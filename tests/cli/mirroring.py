@@ -1,4 +1,4 @@
-"""What the tests of serve and mirror share: running both, and waiting for what they say."""
+"""Shared by the tests of serve and mirror: running both programs, and waiting for their lines."""
 
 import json
 import os

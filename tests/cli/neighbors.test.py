@@ -47,7 +47,7 @@ class Watcher:
 
 
 class Reader:
-    """The example: a program of somebody else's that prints the table."""
+    """The example program, which stands for another author's reader of the table."""
 
     def __init__(self, env):
         self.process = subprocess.Popen([READER], env=env, text=True, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
@@ -65,7 +65,7 @@ class Reader:
 
 
 class Writer:
-    """A program that keeps the table: it writes a row for each line that it is given."""
+    """A program that keeps the table and writes one row per line of its input."""
 
     def __init__(self, env):
         self.process = subprocess.Popen([WRITER], env=env, text=True, stdin=subprocess.PIPE, stdout=subprocess.PIPE)
@@ -149,7 +149,7 @@ def main():
         third.kill()
         watcher.until(lambda shown: not shown["writer"]["alive"])
 
-        # What follows a writer that is gone: a table of another make, a broken one, none, and a sound one.
+        # After the writer is gone: a table of another format, a damaged one, none, and a sound one.
         replace(table, content[:8] + content[11:7:-1] + content[12:])
         shown = watcher.until(lambda shown: not shown["table"])
         assert "other byte order" in shown["problem"], shown

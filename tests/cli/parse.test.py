@@ -1,4 +1,4 @@
-"""`parse`: capture files of every kind, and what becomes of what is in them."""
+"""`parse`: capture files of every kind, and the result for each packet in them."""
 import json
 import os
 import struct
@@ -55,7 +55,7 @@ def pcap(packets, link=ETHERNET, order="<", magic=0xA1B2C3D4, missing=0):
 
 
 def pcapng(packets, link=ETHERNET, interfaces=1):
-    """With several interfaces, the packets come from one after the other."""
+    """With several interfaces, the packets come from them by turns."""
     def block(kind, body):
         body += b"\0" * (-len(body) % 4)
         return struct.pack("<II", kind, len(body) + 12) + body + struct.pack("<I", len(body) + 12)
@@ -68,7 +68,7 @@ def pcapng(packets, link=ETHERNET, interfaces=1):
 
 
 def parse(octets, *options):
-    """Runs `parse` over a capture file with that content."""
+    """Runs `parse` on a capture file with that content."""
     with tempfile.NamedTemporaryFile(suffix=".pcap") as file:
         file.write(octets)
         file.flush()

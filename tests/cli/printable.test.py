@@ -12,10 +12,10 @@ from support import EXAMPLE, PROGRAM, Checks
 # backslash and a newline; between ordinary letters.
 NAME = b"<\x1b[31m\xc2\x9b1m\xe2\x80\xae\xe2\x80\xa8\xff\\x\n>"
 SHOWN = "<\\x1b[31m\\xc2\\x9b1m\\xe2\\x80\\xae\\xe2\\x80\\xa8\\xff\\\\x\\x0a>"
-# The kernel takes no blanks, and 15 octets at most.
+# The kernel takes names of at most 15 octets without blanks.
 DEVICE = b"g\x1b[1m\xc2\x9b\xff\\"
 DEVICE_SHOWN = "g\\x1b[1m\\xc2\\x9b\\xff\\\\"
-# The same in YAML, which writes characters and not octets.
+# The same characters in YAML, which has no octets.
 YAML_NAME = '"<\\e[31m\\x9b1m\\u202e\\u2028\\\\x\\n>"'
 YAML_SHOWN = SHOWN.replace("\\xff", "")
 
@@ -23,7 +23,7 @@ checks = Checks()
 
 
 def octets_of(*arguments, prefix=(), **options):
-    """Runs the program to its end, and returns its exit status and what it wrote on both streams."""
+    """Runs the program to its end, and returns its exit status and the text of both streams."""
     result = subprocess.run([*prefix, PROGRAM, *arguments], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=30,
                             check=False, **options)
     return result.returncode, result.stdout
@@ -131,7 +131,7 @@ def check_server(odd):
 
 
 def check_contents():
-    """Names from a configuration file, in errors and in what is shown."""
+    """Names from a configuration file, in errors and in output."""
     # The path of an entity escapes a backslash in a key by another one.
     shown = {"anchor": "", "attribute below a name": YAML_SHOWN.replace("\\\\x\\x0a", "\\\\\\\\x\\x0a")}
     for what, text in {

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """A mirror that is stopped while 10,000 interfaces change, and are replaced by others, again and again: the server's memory
-stays bounded, the other mirror gets everything, and the stopped one is right again when it goes on."""
+stays bounded, the other mirror gets everything, and the stopped one has the right trees after it goes on."""
 
 import os
 import re
@@ -10,13 +10,13 @@ import tempfile
 from mirroring import Follower, Server, write
 from support import PROGRAM, Checks
 
-# A sanitizer's bookkeeping is no measure of memory, and takes its time.
+# Under a sanitizer, memory says nothing about the server, and everything is slow.
 with open(PROGRAM, "rb") as program:
     octets = program.read()
 SANITIZED = b"__asan_" in octets or b"__tsan_" in octets
 INTERFACES = 500 if SANITIZED else 10_000
 ROUNDS = 6
-# What may come on top for a mirror that is stopped: what the source may hold for it, a buffer, and some slack for what
+# Memory that a stopped mirror may add: the changes that the source holds for it, a buffer, and some slack for memory that
 # reading the file again leaves in the allocator.
 MOST_MORE = 48 << 20
 
@@ -72,7 +72,7 @@ with tempfile.TemporaryDirectory() as folder:
         server.until(server.out, "reloaded ")
         checks.equal(f"lifetimes {lifetime} in the mirror that goes on", len(lifetimes_until(quick, lifetime)), INTERFACES)
 
-    # Once with both, so that what reading a file leaves behind is counted as what was there before.
+    # One round with both mirrors, so that memory left by reading a file belongs to the memory before the test.
     change(2)
     lifetimes_until(stopped, 2)
     before = memory(server.process)
@@ -87,7 +87,7 @@ with tempfile.TemporaryDirectory() as folder:
     after = lifetimes_until(stopped, 2 + ROUNDS)
     checks.equal("the mirror that was stopped", after, {f"config/intf[E{i}]/raLifetime": 2 + ROUNDS for i in range(INTERFACES)})
 
-    # Each round with interfaces of its own: nothing that is coalesced, more than is held for a mirror that does not read.
+    # Each round has its own interfaces. Nothing is merged, and there is more than is held for a mirror that does not read.
     present = {f"config/intf[E{i}]" for i in range(INTERFACES)}
     quick_present, stopped_present = set(present), set(present)
     stopped.process.send_signal(signal.SIGSTOP)

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""routeradvt serve and mirror: trees across processes, reloads, restarts, and what is refused."""
+"""routeradvt serve and mirror: trees across processes, reloads, restarts, refusals."""
 
 import json
 import os
@@ -113,12 +113,12 @@ def check_reload(folder):
            *({"event": "removed", "path": f"{root}/intf[{intf}]"}
              for root in ("config", "status") for intf in ("Ethernet2", "Ethernet3")))
 
-    # What is only written otherwise is no change, and neither is a file that is wrong.
+    # A comment changes nothing in the trees, and a file with an error changes nothing either.
     write(file, third.replace("    Ethernet2: {}\n", "") + "# a remark\n")
     server.until(server.out, "reloaded ")
     write(file, FIRST.replace("raLifetime", "raLifetme"))
-    checks.contains("what is wrong", server.until(server.err, "raLifetme"), "config/intf[lo]/raLifetme: there is no such attribute")
-    checks.contains("what becomes of it", server.until(server.err, "stays"), "what is served stays as it was")
+    checks.contains("error of the file", server.until(server.err, "raLifetme"), "config/intf[lo]/raLifetme: there is no such attribute")
+    checks.contains("effect", server.until(server.err, "stays"), "what is served stays as it was")
     checks.equal("trees under a wrong file", list(mirrored(path)["config"]["intf"]), ["lo"])
     os.unlink(file)
     server.until(server.err, "cannot be opened")
@@ -148,7 +148,7 @@ def check_a_file_above_the_memory(folder):
     resource.prlimit(server.process.pid, resource.RLIMIT_AS, (taken + (32 << 20),) * 2)
     write(file, "config: [" + "a, " * 900000 + "]\n")
     checks.contains("why it is refused", server.until(server.err, "large.yaml"), "cannot be read: std::bad_alloc")
-    checks.contains("what becomes of it", server.until(server.err, "stays"), "what is served stays as it was")
+    checks.contains("effect", server.until(server.err, "stays"), "what is served stays as it was")
     checks.equal("trees under a file above the memory", list(mirrored(path)["config"]["intf"]), ["lo", "Ethernet2"])
     write(file, FIRST.replace("1800", "600"))
     server.until(server.out, "reloaded ")
@@ -157,7 +157,7 @@ def check_a_file_above_the_memory(folder):
 
 
 def check_link_to_the_file(folder):
-    """As configuration is often put in place: a link to a link that is replaced."""
+    """The file is a link to a link that is replaced, which is a frequent way to install a configuration."""
     for number in ("1", "2"):
         os.mkdir(os.path.join(folder, number))
         write(os.path.join(folder, number, "ra.yaml"), FIRST.replace("1800", "100" + number))
@@ -196,7 +196,7 @@ def check_restart(folder):
 
 
 def served_by(path, behaviour):
-    """What a mirror says of a server that behaves so with its connection."""
+    """The result of a mirror whose server treats its connection in this way."""
     with socket.socket(socket.AF_UNIX) as listener:
         listener.bind(path)
         listener.listen()
@@ -235,7 +235,7 @@ def check_refusals(folder):
     write(other, "precious")
     check_failure("no socket", run("serve", file, "--socket", other), "there is something that is no socket")
     with open(other, encoding="ascii") as opened:
-        checks.equal("what is no socket", opened.read(), "precious")
+        checks.equal("the file that is no socket", opened.read(), "precious")
     check_failure("no directory", run("serve", file, "--socket", nowhere + "/x"), "x.lock cannot be opened: No such file")
     check_failure("a path that is too long", run("serve", file, "--socket", "x" * 200), "a path of 1 to 107 octets")
     check_failure("standard input", run("serve", "-", "--socket", nowhere), "not standard input", status=2)
@@ -245,7 +245,7 @@ def check_refusals(folder):
 
 
 def check_output_that_ends(folder):
-    """A mirror whose output nobody reads any more ends by itself."""
+    """A mirror ends by itself when the reader of its output has gone."""
     file, path = os.path.join(folder, "pipe.yaml"), os.path.join(folder, "pipe.sock")
     write(file, FIRST)
     server = Server(file, path)
@@ -261,7 +261,7 @@ def check_output_that_ends(folder):
 
 
 def check_server_whose_output_ends(folder):
-    """A server goes on when whoever read what it says has gone."""
+    """A server goes on when the reader of its output has gone."""
     file, path = os.path.join(folder, "deaf.yaml"), os.path.join(folder, "deaf.sock")
     write(file, FIRST)
     with subprocess.Popen([PROGRAM, "serve", file, "--socket", path], stdout=subprocess.PIPE,
@@ -280,7 +280,7 @@ def check_server_whose_output_ends(folder):
 
 
 def check_time_to_come(folder):
-    """A file that is written and not closed, which nothing tells of, is read again though its time is yet to come."""
+    """A file that is written and not closed gives no event. It is read again although its time is in the future."""
     file, path = os.path.join(folder, "future.yaml"), os.path.join(folder, "future.sock")
     write(file, FIRST)
     server = Server(file, path, "--poll", "0.05")
@@ -316,8 +316,8 @@ def check_few_descriptors(folder):
     server.end()
 
 
-def check_whoever_talks(folder):
-    """Who sends something is no mirror, and is let go."""
+def check_a_peer_that_sends(folder):
+    """A peer that sends octets is no mirror; its connection is closed."""
     file, path = os.path.join(folder, "talk.yaml"), os.path.join(folder, "talk.sock")
     write(file, FIRST)
     server = Server(file, path)
@@ -334,13 +334,13 @@ def check_whoever_talks(folder):
             ended = True
         except TimeoutError:
             ended = False
-        checks.true("it is let go", ended)
+        checks.true("its connection is closed", ended)
     checks.equal("the next mirror", mirrored(path)["config"], shown(file))
     server.end()
 
 
 def check_hangup(folder):
-    """Hanging up ends a server, unless it was started to ignore that, as nohup(1) does."""
+    """SIGHUP ends a server, unless it was started with SIGHUP ignored, as by nohup(1)."""
     file, path = os.path.join(folder, "hangup.yaml"), os.path.join(folder, "hangup.sock")
     write(file, FIRST)
     checks.equal("hanging up", Server(file, path).end(signal.SIGHUP), 0)
@@ -357,7 +357,7 @@ def check_hangup(folder):
 
 
 def stream_of(path):
-    """What a server sends at first."""
+    """The first octets of a server: a complete snapshot."""
     with socket.socket(socket.AF_UNIX) as connection:
         connection.settimeout(PATIENCE)
         connection.connect(path)
@@ -368,7 +368,7 @@ def stream_of(path):
 
 
 def check_streams(folder):
-    """Streams that a server would send only if something went wrong, or if it were another program's."""
+    """Streams of a faulty server, and of a server of another program."""
     file, path, other = (os.path.join(folder, name) for name in ("stream.yaml", "stream.sock", "other.sock"))
     write(file, FIRST)
     server = Server(file, path, "--poll", "1000")
@@ -393,6 +393,6 @@ def check_streams(folder):
 with tempfile.TemporaryDirectory() as temporary:
     for check in (check_trees, check_captured_files, check_reload, check_a_file_above_the_memory, check_link_to_the_file, check_restart,
                   check_refusals, check_output_that_ends, check_server_whose_output_ends, check_time_to_come, check_few_descriptors,
-                  check_whoever_talks, check_hangup, check_streams):
+                  check_a_peer_that_sends, check_hangup, check_streams):
         check(temporary)
 checks.exit()

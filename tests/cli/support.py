@@ -1,4 +1,4 @@
-"""What the tests of the command line share: running it, and saying what is not as it should be."""
+"""Shared by the tests of the command line: running the program, and reporting failed checks."""
 import os
 import subprocess
 import sys
@@ -16,7 +16,7 @@ def run(*arguments, stdin=None, **options):
 
 
 class Checks:
-    """Counts what was checked and what failed; a test that checked nothing fails too."""
+    """Counts checks and failures; a test without checks fails, too."""
 
     def __init__(self):
         self.done = 0

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Text forms are Python: what is printed is evaluated with a function Value, and compared with what the type records say
-of the same values."""
+"""Text forms are Python: a printed form is evaluated with a function Value. The result is compared with the same value
+printed by its type record."""
 
 import json
 import math
@@ -14,12 +14,12 @@ NAMES = {"__builtins__": {}, "inf": math.inf, "nan": math.nan}
 
 
 def value(type_name, **attributes):
-    """What a text form calls: the type, and the attributes in their order."""
+    """The function that a text form calls, with the type and the attributes in their order."""
     return type_name, list(attributes.items())
 
 
 def expected(attribute):
-    """A value as the text form should evaluate to, from the JSON of the printer."""
+    """The value that the text form should evaluate to, from the JSON of the printer."""
     if not isinstance(attribute, dict):
         return attribute
     if "text" in attribute:

@@ -1,4 +1,4 @@
-"""What `parse` makes of captured advertisements is, field by field, what tshark and scapy read from the same files."""
+"""`parse` reads from captured advertisements the same fields as tshark and scapy."""
 import json
 import os
 import shutil
@@ -35,7 +35,7 @@ TSHARK_FIELDS = [
 
 
 def tshark_prefixes(types, addresses, lengths, on_link, autonomous, valid, preferred):
-    """Route Information options have a prefix and a length too, and nothing of the rest."""
+    """Route Information options have a prefix and a length, and none of the other fields."""
     with_prefix = [t for t in types if t in (PREFIX_INFORMATION, ROUTE_INFORMATION)]
     prefixes = [f"{a}/{n}" for t, a, n in zip(with_prefix, addresses, lengths) if t == PREFIX_INFORMATION]
     return [

@@ -19,7 +19,7 @@ checks = Checks()
 RA = "icmpv6.nd.ra."
 PREFIX = "icmpv6.opt.prefix."
 
-# What the configuration says, in the words of tshark: values of several options with commas between.
+# The values of the configuration, by the field names of tshark; values of several options have commas between.
 EXPECTED = {
     "Ethernet1": {
         "eth.dst": "33:33:00:00:00:01",
@@ -81,7 +81,7 @@ BEHIND = {"Vlan30": b"\xfd\x06\0\x01\0\0\0\0" b"tftp://[2001:db8:3::1]/boot/grub
 
 
 def joined(captures, name):
-    """One capture file with the frames of all: to start tshark takes longer than to read them."""
+    """One capture file with the frames of all captures, because starting tshark takes longer than reading them."""
     with open(name, "wb") as out:
         for number, capture in enumerate(captures):
             with open(capture, "rb") as file:
@@ -91,11 +91,11 @@ def joined(captures, name):
 
 
 def seen_by_tshark(capture, fields):
-    """A line of values for every frame."""
+    """One line of values per frame."""
     command = ["tshark", "-n", "-r", capture, "-T", "fields", "-E", "separator=|", "-E", "aggregator=,"]
     for field in ("_ws.malformed", *fields):
         command += ["-e", field]
-    # A home of its own keeps it from settings of this machine.
+    # With a home directory of its own, tshark does not read the settings of this machine.
     result = subprocess.run(command, capture_output=True, text=True, timeout=100, check=False,
                             env={**os.environ, "HOME": os.path.dirname(capture), "LC_ALL": "C"})
     checks.equal("tshark: exit status", (result.returncode, result.stderr if result.returncode else ""), (0, ""))
@@ -103,7 +103,7 @@ def seen_by_tshark(capture, fields):
 
 
 def check_by_tshark(captures):
-    """`captures`: by the name of what is expected, in the same order."""
+    """`captures`: by the name of the expected values, in the same order."""
     fields = sorted({field for expected in EXPECTED.values() for field in expected})
     lines = seen_by_tshark(joined(captures.values(), next(iter(captures.values())) + ".all"), fields)
     checks.equal("tshark: frames", len(lines), len(captures))
@@ -130,7 +130,7 @@ def check_by_scapy(name, capture, size):
     advert = frame[inet6.ICMPv6ND_RA]
     checks.equal(f"{name}: scapy: payload length", frame[inet6.IPv6].plen, size - 54)
     checks.equal(f"{name}: scapy: lifetime", str(advert.routerlifetime), expected.get(RA + "router_lifetime", "1800"))
-    # Scapy computes a checksum that is missing: the same again.
+    # Scapy computes a checksum that is missing; it equals the one in the frame.
     told = advert.cksum
     again = frame.copy()
     del again[inet6.ICMPv6ND_RA].cksum
@@ -140,7 +140,7 @@ def check_by_scapy(name, capture, size):
     while hasattr(option, "type"):
         options.append(option)
         option = option.payload
-    # The option of an experimental type is none that it knows.
+    # Scapy does not know the option of an experimental type.
     checks.equal(f"{name}: scapy: octets behind the options", bytes(option), BEHIND.get(name, b""))
     if "icmpv6.opt.type" in expected:
         checks.equal(f"{name}: scapy: options", ",".join(str(o.type) for o in options),

@@ -1,4 +1,4 @@
-"""The Linux kernel believes what `send` sends: address, default route, their lifetimes; the final advertisement."""
+"""The Linux kernel takes over the advertisements of `send`: address, default route, lifetimes, final advertisement."""
 import os
 import tempfile
 
@@ -26,7 +26,7 @@ def dynamic_addresses(host):
     found = {}
     for interface in host.ip("addr", "show", "dev", "host", "scope", "global"):
         for address in interface.get("addr_info", []):
-            if "local" in address:  # ip prints {} for those that it leaves out
+            if "local" in address:  # ip prints {} for an address that it leaves out
                 found[address["local"]] = address
     return found
 

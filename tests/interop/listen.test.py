@@ -1,5 +1,5 @@
 """`listen`, with radvd on the other side of the link: routers, prefixes, changes, the final advertisement; then messages
-that RFC 4861 6.1.2 has it drop, and how it ends."""
+that RFC 4861 6.1.2 makes invalid, and how `listen` ends."""
 import json
 import os
 import shutil
@@ -25,7 +25,7 @@ for _ in range(int(sys.argv[2])):
         s.send(bytes.fromhex(frame))
 """
 
-# An advertisement to itself, through an interface that need not be Ethernet.
+# An advertisement from this host to itself, through an interface that need not be Ethernet.
 SEND_MESSAGE = """
 import socket, sys
 device, message = sys.argv[1], bytes.fromhex(sys.argv[2])
@@ -36,7 +36,7 @@ s.bind(own)
 s.sendto(message, own)
 """
 
-# Advertisements and echo requests to itself, without an end.
+# Advertisements and echo requests from this host to itself, without an end.
 CHATTER = """
 import socket
 send = socket.socket(socket.AF_INET6, socket.SOCK_RAW, socket.IPPROTO_ICMPV6).sendto
@@ -60,11 +60,11 @@ class Listener:
         return [e for e in (json.loads(line) for line in list(self.lines)) if e["event"] == name]
 
     def first(self, name, condition=lambda event: True, seconds=25):
-        """The first such event, once there is one; otherwise nothing."""
+        """The first event of that name, once it has come; None if it does not come."""
         return eventually(lambda: next((e for e in self.events(name) if condition(e)), None), seconds)
 
     def stop(self, number=signal.SIGINT):
-        """Sends the signal and waits for the end: the exit status."""
+        """Sends the signal, waits for the end, and returns the exit status."""
         self.process.send_signal(number)
         return self.wait()
 
@@ -75,7 +75,7 @@ class Listener:
 
 
 def is_listening(node, device="host"):
-    """Whether somebody in the namespace has joined the group of all routers on the link, which comes last."""
+    """Whether a process in the namespace has joined the group of all routers on the link, the last one that `listen` joins."""
     group = "ff02" + 26 * "0" + "02"
     return any(line.split()[1:3] == [device, group] for line in node.run("cat", "/proc/net/igmp6").stdout.splitlines())
 
@@ -147,7 +147,7 @@ def check_first(listener, address):
             {"prefix": "2001:db8:2::/48", "onLinkFlag": False, "autoConfigFlag": True, "validLifetime": 9000,
              "preferredLifetime": 4000}],
         "isDeathPacket": False}
-    record["prefixInfo"] = sorted(record.get("prefixInfo", []), key=lambda p: p["prefix"])  # radvd's order is its own
+    record["prefixInfo"] = sorted(record.get("prefixInfo", []), key=lambda p: p["prefix"])  # radvd chooses their order
     checks.equal("radvd: record", record, expected)
     checks.equal("radvd: everything is new", change["changes"].get("routerLifeTime"), [None, 1800])
 
@@ -170,10 +170,10 @@ def check_radvd(pair, folder):
 
     configure(2400)
     radvd.send_signal(signal.SIGHUP)
-    # radvd may say farewell with the old configuration first.
+    # radvd may first send a final advertisement with the old configuration.
     change = listener.first("change", lambda e: e["record"]["routerLifeTime"] == 2400) or {"changes": {}}
     checks.true(f"radvd: changed lifetime: {change['changes']}", change["changes"].get("routerLifeTime", [])[1:] == [2400])
-    checks.true("radvd: what has not changed is not shown", "curHopLimit" not in change["changes"])
+    checks.true("radvd: an unchanged value is not shown", "curHopLimit" not in change["changes"])
 
     seen = len(listener.lines)
     radvd.terminate()
@@ -217,7 +217,7 @@ def check_drops(pair):
 
 
 def check_table(pair):
-    """While it listens, another process reads the routers from the table that it keeps; with its end the table goes."""
+    """While `listen` runs, another process reads the routers from its table. The table ends with it."""
     def shown():
         result = pair.host.run(PROGRAM, "neighbors", "--json", check=False)
         return json.loads(result.stdout) if result.returncode == 0 else {}
@@ -229,15 +229,15 @@ def check_table(pair):
     expected = {("host", "fe80::e1"), ("host", "fe80::e2")}
     heard = eventually(lambda: {(row["interface"], row["router"]) for row in shown()["neighbors"]} == expected)
     table = shown()
-    checks.true(f"table: who was heard, and nobody else: {table}", heard)
-    checks.equal("table: the writer is the one that listens", table["writer"],
+    checks.true(f"table: has exactly the routers that were heard: {table}", heard)
+    checks.equal("table: the writer is `listen`", table["writer"],
                  {"alive": True, "pid": listener.process.pid})
     ages = [row["age"] for row in table["neighbors"]]
     checks.true(f"table: heard just now: {ages}", all(0 <= age < 30 for age in ages))
     checks.equal("table: exit status", listener.stop(), 0)
     after = pair.host.run(PROGRAM, "neighbors", check=False)
     checks.equal("table: gone with its writer", after.returncode, 1)
-    checks.contains("table: said so", after.stderr, "there is no table")
+    checks.contains("table: error", after.stderr, "there is no table")
 
 
 def check_fragments(pair):
@@ -247,12 +247,12 @@ def check_fragments(pair):
          frame(ADVERT, "fe80::d3"))
     checks.equal("fragments: exit status", listener.wait(), 0)
     dropped = [(event["source"], event["reason"]) for event in listener.events("dropped")]
-    checks.equal("fragments: dropped, one that is alone too", dropped, [("fe80::d1", "fragment"), ("fe80::d2", "fragment")])
+    checks.equal("fragments: dropped, a single one as well", dropped, [("fe80::d1", "fragment"), ("fe80::d2", "fragment")])
     checks.equal("fragments: the next one is heard", [e["router"] for e in listener.events("router")], ["fe80::d3"])
 
 
 def check_flood(pair):
-    """More comes than there is room for: what is lost is counted. It ends when it is to, however much comes."""
+    """More messages arrive than there is room for: those that are lost are counted. `listen` ends at its time nevertheless."""
     listener = Listener(pair.host, "--json")
     checks.true("listen has joined the group", eventually(lambda: is_listening(pair.host)))
     listener.process.send_signal(signal.SIGSTOP)
@@ -271,7 +271,7 @@ def check_flood(pair):
 
 
 def check_start(pair):
-    """What is on its way when it starts is not taken for an advertisement, nor for one of this interface."""
+    """A packet that is on its way when `listen` starts is not read as an advertisement of this interface."""
     chatter = pair.host.start(sys.executable, "-c", CHATTER)
     for _ in range(20):
         result = pair.host.run(PROGRAM, "listen", "host", "--for", "0.02", "--json", check=False)
@@ -295,7 +295,7 @@ def check_other_interfaces(pair):
     for device in (name, "odd-peer"):
         pair.host.run("ip", "link", "set", device, "up")
     odd = Listener(pair.host, "--json", "--count", "1", device=name)
-    # The kernel's list of groups would not be UTF-8 either: sent again and again until one is heard.
+    # The kernel's list of groups would not be UTF-8 either, so messages are sent until one is heard.
     checks.true("name that is not UTF-8: ends", eventually(
         lambda: send(pair.host, frame(ADVERT), device="odd-peer") or odd.process.poll() is not None))
     checks.equal("name that is not UTF-8: exit status", odd.wait(), 0)
@@ -313,7 +313,7 @@ def check_gone(pair):
     pair.host.run("ip", "link", "set", "gone", "down")
     pair.host.run("ip", "link", "set", "gone", "up")
     ended = eventually(lambda: listener.process.poll() is not None, 0.3)
-    checks.true("gone: an interface that goes down and up is not", not ended)
+    checks.true("gone: an interface that goes down and up is not gone", not ended)
     pair.host.run("ip", "link", "del", "gone")
     checks.equal("gone: exit status", listener.wait(), 1)
     text = "".join(listener.lines)
@@ -326,7 +326,7 @@ def check_words(pair):
     checks.true("listen has joined the group", eventually(lambda: is_listening(pair.host)))
     changed = ADVERT[:6] + struct.pack(">H", 600) + ADVERT[8:]
     send(pair.router, frame(ADVERT), frame(ADVERT), frame(changed), frame(ADVERT, hop_limit=1), frame(FINAL))
-    checks.true("the end is told", eventually(lambda: any("has withdrawn" in line for line in listener.lines)))
+    checks.true("the end is reported", eventually(lambda: any("has withdrawn" in line for line in listener.lines)))
     checks.equal("exit status on SIGTERM", listener.stop(signal.SIGTERM), 0)
     text = "".join(listener.lines)
     places = [text.find(part) for part in (

@@ -1,7 +1,7 @@
-"""What the tests against other programs share: network namespaces of their own, and skipping where there are none.
+"""Shared by the tests against other programs: network namespaces, and skipping where they cannot be made.
 
-A test makes the namespaces it needs, under names that nobody else has, bounds every wait, and takes away all it made,
-whatever happens; processes are ended by their own handle only.
+A test makes the namespaces that it needs, under names of its own, bounds every wait, and removes everything that it made,
+whatever happens. It ends processes only by their handles.
 """
 import atexit
 import json
@@ -19,7 +19,7 @@ from support import EXAMPLE, PROGRAM, Checks  # noqa: E402,F401  # pylint: disab
 
 SKIPPED = 77
 
-# Tables of neighbouring routers are kept apart from those of the machine.
+# The tables of neighbouring routers are in a folder of the test, apart from those of the machine.
 os.environ["SHARED_TABLE_DIR"] = tempfile.mkdtemp(prefix="tables-")
 atexit.register(shutil.rmtree, os.environ["SHARED_TABLE_DIR"], ignore_errors=True)
 
@@ -30,7 +30,7 @@ def skip(reason):
 
 
 def need(*programs):
-    """Skips the test unless these are there and namespaces can be made."""
+    """Skips the test unless these programs are there and namespaces can be made."""
     for program in ("ip", *programs):
         if not shutil.which(program, path=os.environ.get("PATH", "") + ":/usr/sbin:/sbin"):
             skip(f"{program} is not installed")
@@ -39,7 +39,7 @@ def need(*programs):
     probe = "ra-probe-" + secrets.token_hex(4)
     made = attempt("netns", "add", probe)
     if made.returncode == 0:
-        # In a chroot, or a container, one can be made that cannot be entered, or has no such links.
+        # In a chroot or a container, a namespace may be made that cannot be entered or that cannot have such links.
         made = attempt("netns", "exec", probe, "ip", "link", "add", "probe0", "type", "veth", "peer", "name", "probe1")
         attempt("netns", "del", probe)
     if made.returncode != 0:
@@ -71,7 +71,7 @@ class Node:
         return process
 
     def end_processes(self):
-        """Ends what this test started, with the children of it that are still in the namespace."""
+        """Ends the processes that this test started, and their children in the namespace."""
         for process in self.processes:
             if process.poll() is None:
                 process.terminate()
@@ -90,7 +90,7 @@ class Node:
             process.stdout.close()
 
     def ip(self, *arguments):
-        """What `ip -6 -j` prints, read."""
+        """The output of `ip -6 -j`, parsed."""
         return json.loads(self.run("ip", "-6", "-j", *arguments).stdout or "[]")
 
     def sysctl(self, **values):
@@ -111,7 +111,7 @@ class Pair:
     HOST_MAC = "02:00:00:00:0a:02"
 
     def __enter__(self):
-        # So that an end from outside takes the namespaces away too.
+        # When another process ends the test, the namespaces are removed as well.
         signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
         name = f"ra-{os.getpid()}-{secrets.token_hex(3)}"
         self.nodes = []

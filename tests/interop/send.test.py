@@ -1,4 +1,4 @@
-"""`send` on a real interface: what it sends and how often, Ctrl-C, and what keeps it from sending."""
+"""`send` on a real interface: contents and number of advertisements, Ctrl-C, and the reasons for not sending."""
 import os
 import re
 import signal
@@ -13,7 +13,7 @@ CONFIG = "config: {intf: {lan: {raLifetime: 900, prefixes: {2001:db8:77::/64: }}
 
 
 def received(host):
-    """How many advertisements the host's kernel has counted."""
+    """The number of advertisements that the host's kernel has counted."""
     text = host.run("cat", "/proc/net/snmp6").stdout
     return int(re.search(r"^Icmp6InRouterAdvertisements\s+(\d+)", text, re.MULTILINE).group(1))
 

@@ -10,8 +10,8 @@ namespace Tool {
 /// The interface's configuration. Throws `Failure`, with the nearest name, when the file has none.
 Fwk::Ptr<RouterAdvt::IntfConfig> findIntf(ConfigFile const& file, std::string const& name);
 
-/// From what the command line says, else the file, else `device` (which may be null), else the defaults. Throws
-/// `Failure` when something cannot be known.
+/// Takes each input from the command line, else the file, else `device` (which may be null), else the defaults. Throws
+/// `Failure` when an input without a default is missing.
 RouterAdvt::AdvertRequest makeAdvertRequest(ConfigFile const& file, AdvertOptions const& options,
                                             NetworkInterface const* device = nullptr);
 

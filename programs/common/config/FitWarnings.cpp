@@ -28,11 +28,13 @@ std::string suffixText(LeftOut::Suffix const& suffix) {
   return text + " (cut to " + printable(std::string_view(suffix.suffix).substr(0, suffix.cutAt - 1)) + ')';
 }
 
-/// Where the prefixes come from, as paths of the file.
+/// Path in the file; empty for no member.
 template <class Entity>
 std::string pathOf(Entity const& member) {
   return member ? member->fullName() : std::string();
 }
+
+/// Path of the section that the prefixes come from.
 std::string prefixesPath(AdvertRequest const& request, LeftOut const& leftOut) {
   std::string const link = linkPath(request.intfConfig->intfId());
   if (request.useVirtualRouter) return link + "/virtualRouter";
