@@ -10,8 +10,8 @@
 
 namespace RouterAdvt {
 
+using Fwk::Octets;
 using Net::RaHeader;
-using Octets = std::span<U8 const>;
 
 namespace {
 
@@ -21,13 +21,8 @@ constexpr int lengthZeroLine = 588;
 
 constexpr Trace::Location at(int line) { return {utilsSource, line, "makeRaPacketType"}; }
 
-Octets messageOf(Pkt& pkt) { return {reinterpret_cast<U8 const*>(pkt.icmp6Hdr()), pkt.icmp6MsgLen()}; }
-
 /// From the message's first octet to the end of the data: the header is read whatever the message's length.
-Octets headerOctetsOf(Pkt& pkt) {
-  U8 const* const message = messageOf(pkt).data();
-  return {message, pkt.data() + pkt.size()};
-}
+Octets headerOctetsOf(Pkt const& pkt) { return pkt.octets().subspan(pkt.icmp6Offset()); }
 
 void readHeader(Octets octets, RaPacket& packet) {
   std::array<U8, RaHeader::size> padded;
@@ -81,11 +76,11 @@ bool readOptions(Octets message, RaPacket& packet) {
 RaPacket makeRaPacketType(IntfId intfId, Ptr<Ip6PktInfo> const& pktInfo) {
   TRACE_AT(utilsTrace, 8, at(entryLine),
            "RouterAdvt::RaPacket RouterAdvt::makeRaPacketType(IntfId, const Ptr<Ip6PktInfo>&)", " for ", intfId);
-  Pkt& pkt = *pktInfo->packet();
+  Pkt const& pkt = *pktInfo->packet();
   RaPacket packet(intfId);
   packet.srcIp6AddrIs(pktInfo->sourceAddr());
   readHeader(headerOctetsOf(pkt), packet);
-  if (!readOptions(messageOf(pkt), packet)) {
+  if (!readOptions(pkt.icmp6Octets(), packet)) {
     TRACE_AT(utilsTrace, 3, at(lengthZeroLine), "Router Advertisement msg. has option with length 0 ");
     packet = RaPacket(IntfId());
   }

@@ -44,7 +44,7 @@ void Pkt::reset() noexcept {
   noteSoiled();
   start_ = capacity_ - minTailRoom;
   size_ = 0;
-  ip6Offset_ = icmp6Offset_ = icmp6Length_ = 0;
+  ip6Offset_ = icmp6Offset_ = icmp6Size_ = 0;
   ip6Located_ = false;
   clear(start_, capacity_);
 }
@@ -67,7 +67,7 @@ U8* Pkt::reserveHeadDataUninitialized(U64 count) {
   start_ -= count;
   size_ += count;
   if (ip6Located_) ip6Offset_ += count;
-  if (icmp6Length_ > 0) icmp6Offset_ += count;
+  if (icmp6Size_ > 0) icmp6Offset_ += count;
   clear(start_ + size_, start_ + size_ + minTailRoom);
   return data();
 }
@@ -105,11 +105,11 @@ void Pkt::dataIs(std::span<U8 const> octets) {
 
 void Pkt::forgetHeadersOutside() noexcept {
   if (ip6Offset_ + sizeof(Ip6Hdr) > size_) ip6Located_ = false;
-  if (icmp6Offset_ + icmp6Length_ <= size_) return;
+  if (icmp6Offset_ + icmp6Size_ <= size_) return;
   if (icmp6Offset_ + sizeof(Icmp6Hdr) <= size_)
-    icmp6Length_ = size_ - icmp6Offset_;
+    icmp6Size_ = size_ - icmp6Offset_;
   else
-    icmp6Offset_ = icmp6Length_ = 0;
+    icmp6Offset_ = icmp6Size_ = 0;
 }
 
 }  // namespace Net

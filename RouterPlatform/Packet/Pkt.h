@@ -70,17 +70,21 @@ class ROUTER_PLATFORM_EXPORT Pkt final : public Fwk::PtrInterface<Pkt> {
   Ip6Hdr* ip6Hdr() noexcept { return ip6Located_ ? reinterpret_cast<Ip6Hdr*>(data() + ip6Offset_) : nullptr; }
 
   /// Where the ICMPv6 message lies. All of it must lie inside the data, and it has a header at least.
-  void icmp6MsgIs(U64 offset, U64 length) {
-    ASSERT_AT(length >= sizeof(Icmp6Hdr), Trace::Location::here());
-    checkInside(offset, length);
+  void icmp6MsgIs(U64 offset, U64 size) {
+    ASSERT_AT(size >= sizeof(Icmp6Hdr), Trace::Location::here());
+    checkInside(offset, size);
     icmp6Offset_ = offset;
-    icmp6Length_ = length;
+    icmp6Size_ = size;
   }
   /// The ICMPv6 message from its Type octet on. Never null: when none is located this is the start of the data, and the
   /// octets of a header are there, whatever they hold.
   Icmp6Hdr* icmp6Hdr() noexcept { return reinterpret_cast<Icmp6Hdr*>(data() + icmp6Offset_); }
+  /// Octets of the data before the ICMPv6 message; 0 when none is located.
+  U64 icmp6Offset() const noexcept { return icmp6Offset_; }
+  /// The octets of the ICMPv6 message that are in the data; none when no message is located.
+  std::span<U8 const> icmp6Octets() const noexcept { return octets().subspan(icmp6Offset_, icmp6Size_); }
   /// Octets of the ICMPv6 message that are in the data; 0 when none is located.
-  U64 icmp6MsgLen() const noexcept { return icmp6Length_; }
+  U64 icmp6MsgLen() const noexcept { return icmp6Size_; }
 
  private:
   friend class Fwk::PtrInterface<Pkt>;
@@ -92,8 +96,8 @@ class ROUTER_PLATFORM_EXPORT Pkt final : public Fwk::PtrInterface<Pkt> {
   void onZeroReferences() noexcept;
   void reset() noexcept;
   [[gnu::cold]] void growFor(U64 headData);
-  void checkInside(U64 offset, U64 length) const noexcept {
-    ASSERT_AT(offset <= size_ && length <= size_ - offset, Trace::Location::here());
+  void checkInside(U64 offset, U64 size) const noexcept {
+    ASSERT_AT(offset <= size_ && size <= size_ - offset, Trace::Location::here());
   }
   void forgetHeadersOutside() noexcept;
   void noteSoiled() noexcept;
@@ -107,7 +111,7 @@ class ROUTER_PLATFORM_EXPORT Pkt final : public Fwk::PtrInterface<Pkt> {
   U64 size_ = 0;
   U64 ip6Offset_ = 0;  // offsets count from the start of the data
   U64 icmp6Offset_ = 0;
-  U64 icmp6Length_ = 0;  // 0: not located, and the offset is 0
+  U64 icmp6Size_ = 0;  // 0: not located, and the offset is 0
   bool ip6Located_ = false;
   // Octets of the buffer outside the data and outside [soiledBegin_, soiledEnd_) are zero.
   U64 soiledBegin_ = 0;

@@ -70,9 +70,8 @@ std::string wordsOf(CaptureReader const& reader, CapturedPacket const& packet, R
   text += reading.rejected ? std::string("rejected: ") + rejectedText : "Router Advertisement";
   text += std::string(", checksum ") + (reading.checksumValid ? "good" : "bad") + '\n';
   if (!reading.rejected) text += recordText(Fwk::objectRef(reading.record));
-  Net::Pkt& pkt = *reading.info->packet();
-  auto const messageAt = reinterpret_cast<Fwk::U8 const*>(pkt.icmp6Hdr()) - pkt.data();
-  return text + optionsText(reader.describe(packet), static_cast<std::size_t>(messageAt) + Net::RaHeader::size);
+  Fwk::U64 const messageAt = reading.info->packet()->icmp6Offset();
+  return text + optionsText(reader.describe(packet), messageAt + Net::RaHeader::size);
 }
 
 class ParseCommand final : public Command {

@@ -155,6 +155,20 @@ TEST_F(PktTest, LocatesItsHeaders) {
   EXPECT_EQ(pkt->headerAt<Icmp6Hdr>(54).code, 77);
 }
 
+TEST_F(PktTest, GivesTheOctetsOfTheMessage) {
+  auto const pkt = filled(100);
+  pkt->icmp6MsgIs(54, 40);
+  EXPECT_EQ(pkt->icmp6Offset(), 54U);
+  EXPECT_EQ(pkt->icmp6Octets().data(), pkt->data() + 54);
+  EXPECT_EQ(pkt->icmp6Octets().size(), 40U);
+}
+
+TEST_F(PktTest, WithoutALocatedMessageThereAreNoOctetsOfOne) {
+  auto const pkt = filled(100);
+  EXPECT_EQ(pkt->icmp6Offset(), 0U);
+  EXPECT_TRUE(pkt->icmp6Octets().empty());
+}
+
 TEST_F(PktTest, HeadersMoveWithTheData) {
   auto const pkt = filled(100);
   pkt->ip6HdrOffsetIs(14);
