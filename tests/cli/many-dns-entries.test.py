@@ -33,7 +33,7 @@ def lifetime(seconds):
 check("suffixes of one lifetime", "dnsSuffixes", (f"        s{i}.example: {{}}\n" for i in range(COUNT)))
 check("servers of one lifetime", "dnsServers", (f"        2001:db8::{i:x}: {{}}\n" for i in range(COUNT)))
 check("suffixes, each of its own lifetime", "dnsSuffixes",
-      (f"        s{i}.example: {lifetime(1 + i)}\n" for i in range(COUNT // 3)))
+      (f"        s{i}.example: {lifetime(1 + i)}\n" for i in range(COUNT)))
 check("servers, each of its own lifetime", "dnsServers",
-      (f"        2001:db8::{i:x}: {lifetime(1 + i)}\n" for i in range(COUNT // 3)))
+      (f"        2001:db8::{i:x}: {lifetime(1 + i)}\n" for i in range(COUNT)))
 checks.exit()
