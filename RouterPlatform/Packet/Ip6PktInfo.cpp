@@ -10,7 +10,7 @@
 namespace Net {
 
 using Reason = Ip6PktInfo::Reason;
-using Octets = std::span<U8 const>;
+using Fwk::Octets;
 
 namespace {
 

@@ -22,7 +22,7 @@ template <std::unsigned_integral T>
 class NetInt {
  public:
   constexpr NetInt() noexcept = default;
-  constexpr NetInt(T value) noexcept : octets_(std::bit_cast<Octets>(swapped(value))) {}
+  constexpr NetInt(T value) noexcept : octets_(std::bit_cast<WireOctets>(swapped(value))) {}
 
   constexpr operator T() const noexcept { return swapped(std::bit_cast<T>(octets_)); }
 
@@ -30,7 +30,7 @@ class NetInt {
   constexpr NetInt& operator&=(T bits) noexcept { return *this = static_cast<T>(*this & bits); }
 
  private:
-  using Octets = std::array<U8, sizeof(T)>;
+  using WireOctets = std::array<U8, sizeof(T)>;
 
   /// From the machine's order to network order, and back.
   static constexpr T swapped(T value) noexcept {
@@ -43,7 +43,7 @@ class NetInt {
       return __builtin_bswap32(value);
   }
 
-  Octets octets_{};
+  WireOctets octets_{};
 };
 
 /// 8 octets as a number whose lowest octet is the first of them, for work on all of them at once.

@@ -7,7 +7,7 @@
 
 namespace Tool {
 
-BlockWriter::BlockWriter(FrameDescription& description, std::string title, Octets octets)
+BlockWriter::BlockWriter(FrameDescription& description, std::string title, PlacedOctets octets)
     : block_(description.blocks.emplace_back()), octets_(octets) {
   block_.title = std::move(title);
   block_.offset = octets.offset();
@@ -20,7 +20,7 @@ void BlockWriter::field(std::size_t at, std::string name, std::string value) {
 
 void BlockWriter::hexField(std::size_t at, std::string const& name, std::size_t count) {
   constexpr std::size_t rowSize = 16;
-  Octets const shown = octets_.from(at, count);
+  PlacedOctets const shown = octets_.from(at, count);
   for (std::size_t row = 0; row < shown.size(); row += rowSize)
     field(at + row, row == 0 ? name : std::string(), toHex(shown.from(row, rowSize).span()));
 }

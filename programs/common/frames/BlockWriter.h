@@ -1,7 +1,7 @@
 #pragma once
 
 #include <programs/common/frames/FrameDescription.h>
-#include <programs/common/frames/Octets.h>
+#include <programs/common/frames/PlacedOctets.h>
 
 #include <string>
 #include <string_view>
@@ -12,7 +12,7 @@ namespace Tool {
 class BlockWriter {
  public:
   /// Adds the block to `description`, in which nothing else is added while this lives.
-  BlockWriter(FrameDescription& description, std::string title, Octets octets);
+  BlockWriter(FrameDescription& description, std::string title, PlacedOctets octets);
 
   void field(std::size_t at, std::string name, std::string value);
   /// The octets from `at` on, at most `count`, in rows of 16. No octets, no field.
@@ -21,11 +21,11 @@ class BlockWriter {
   /// Notes a field that has to be zero and is not.
   void mustBeZero(std::string_view name, Fwk::U64 value);
 
-  Octets const& octets() const { return octets_; }
+  PlacedOctets const& octets() const { return octets_; }
 
  private:
   FrameBlock& block_;
-  Octets octets_;
+  PlacedOctets octets_;
 };
 
 /// A lifetime in seconds, as on the wire: `1800 s (30 min)`, `infinity`.

@@ -11,7 +11,7 @@ constexpr std::size_t longestLabel = 63;
 constexpr std::size_t longestName = 255;
 
 /// RFC 4343 2.1: the escapes of master files.
-void appendLabel(std::string& out, Octets label) {
+void appendLabel(std::string& out, PlacedOctets label) {
   for (Fwk::U8 const octet : label.span()) {
     if (octet > 0x20 && octet < 0x7f) {
       if (octet == '.' || octet == '\\') out += '\\';
@@ -24,11 +24,11 @@ void appendLabel(std::string& out, Octets label) {
 }
 
 /// Reads the name at `at`, which begins with a label, and moves behind it.
-DnsName decodeName(Octets octets, std::size_t& at) {
+DnsName decodeName(PlacedOctets octets, std::size_t& at) {
   DnsName name{at, {}, {}};
   while (at < octets.size() && octets[at] != 0) {
     std::size_t const length = octets[at];
-    Octets const label = octets.from(at + 1, length);
+    PlacedOctets const label = octets.from(at + 1, length);
     if (!name.text.empty()) name.text += '.';
     appendLabel(name.text, label);
     if (length > longestLabel)
@@ -47,7 +47,7 @@ DnsName decodeName(Octets octets, std::size_t& at) {
 
 }  // namespace
 
-DnsNames decodeDnsNames(Octets octets) {
+DnsNames decodeDnsNames(PlacedOctets octets) {
   DnsNames result;
   std::size_t at = 0;
   while (at < octets.size()) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <programs/common/frames/Octets.h>
+#include <programs/common/frames/PlacedOctets.h>
 
 #include <string>
 #include <vector>
@@ -20,6 +20,6 @@ struct DnsNames {
 };
 
 /// The names in an option, its padding left out.
-DnsNames decodeDnsNames(Octets octets);
+DnsNames decodeDnsNames(PlacedOctets octets);
 
 }  // namespace Tool

@@ -24,7 +24,7 @@ struct Ip6Envelope {
   bool complete = true;  ///< all octets that the header speaks of are there
 };
 
-void describeHex(FrameDescription& description, std::string title, Octets octets, std::string oddity = {}) {
+void describeHex(FrameDescription& description, std::string title, PlacedOctets octets, std::string oddity = {}) {
   if (octets.empty() && oddity.empty()) return;
   BlockWriter block(description, std::move(title), octets);
   block.hexField(0, "data");
@@ -103,7 +103,7 @@ void checkEnvelope(BlockWriter& block, Net::Icmp6Hdr const& icmp6, Ip6Envelope c
   if (icmp6.code != 0) block.oddity("the code is not 0; receivers drop the message");
 }
 
-std::string checksumText(BlockWriter& block, Octets const& message, Net::Icmp6Hdr const& icmp6,
+std::string checksumText(BlockWriter& block, PlacedOctets const& message, Net::Icmp6Hdr const& icmp6,
                          Ip6Envelope const& envelope) {
   std::string const text = hexText(icmp6.checksum, 4);
   if (!envelope.complete) return text + " (not checked: octets are missing)";
@@ -120,7 +120,7 @@ std::string checksumText(BlockWriter& block, Octets const& message, Net::Icmp6Hd
   return text + " (bad)";
 }
 
-void describeIcmp6(FrameDescription& description, Octets message, Ip6Envelope const& envelope) {
+void describeIcmp6(FrameDescription& description, PlacedOctets message, Ip6Envelope const& envelope) {
   auto const icmp6 = message.header<Net::Icmp6Hdr>();
   if (!icmp6) return describeHex(description, "ICMPv6 message", message, "it is shorter than an ICMPv6 header");
   bool const isAdvt = icmp6->type == Net::Icmp6Hdr::routerAdvertisement;
@@ -143,7 +143,7 @@ void describeIcmp6(FrameDescription& description, Octets message, Ip6Envelope co
 }
 
 /// Passes over the extension headers that a message may stand behind.
-void describePayload(FrameDescription& description, U8 nextHeader, Octets payload, Ip6Envelope const& envelope) {
+void describePayload(FrameDescription& description, U8 nextHeader, PlacedOctets payload, Ip6Envelope const& envelope) {
   while (nextHeader == Net::Ip6NextHeader::hopByHop || nextHeader == Net::Ip6NextHeader::routing ||
          nextHeader == Net::Ip6NextHeader::destination) {
     auto const extension = payload.header<Net::Ip6ExtensionHdr>();
@@ -162,11 +162,11 @@ void describePayload(FrameDescription& description, U8 nextHeader, Octets payloa
   describeHex(description, "Payload, no ICMPv6: " + nextHeaderText(nextHeader), payload);
 }
 
-void describeIp6(FrameDescription& description, Octets packet) {
+void describeIp6(FrameDescription& description, PlacedOctets packet) {
   auto const ip6 = packet.header<Net::Ip6Hdr>();
   if (!ip6) return describeHex(description, "IPv6 header", packet, "it is shorter than an IPv6 header");
-  Octets const present = packet.from(sizeof *ip6);
-  Octets const payload = present.from(0, ip6->payloadLength);
+  PlacedOctets const present = packet.from(sizeof *ip6);
+  PlacedOctets const payload = present.from(0, ip6->payloadLength);
   bool const complete = payload.size() == ip6->payloadLength;
   U32 const first = ip6->versionTrafficClassFlowLabel;
   {
@@ -187,7 +187,7 @@ void describeIp6(FrameDescription& description, Octets packet) {
   describeHex(description, "Octets behind the packet", present.from(payload.size()));
 }
 
-void describeFrame(FrameDescription& description, Octets frame) {
+void describeFrame(FrameDescription& description, PlacedOctets frame) {
   auto const ethernet = frame.header<Net::EthernetHdr>();
   if (!ethernet) return describeHex(description, "Ethernet header", frame, "it is shorter than an Ethernet header");
   std::size_t at = sizeof *ethernet;
@@ -216,13 +216,13 @@ void describeFrame(FrameDescription& description, Octets frame) {
 
 FrameDescription describeEthernetFrame(std::span<U8 const> frame) {
   FrameDescription description;
-  describeFrame(description, Octets(frame));
+  describeFrame(description, PlacedOctets(frame));
   return description;
 }
 
 FrameDescription describeIp6Packet(std::span<U8 const> packet) {
   FrameDescription description;
-  describeIp6(description, Octets(packet));
+  describeIp6(description, PlacedOctets(packet));
   return description;
 }
 

@@ -30,13 +30,13 @@ struct SeenOptions {
   bool mtu = false;
 };
 
-std::string lengthText(Octets const& option) {
+std::string lengthText(PlacedOctets const& option) {
   return std::to_string(option[1]) + " (" + std::to_string(option[1] * 8) + " octets)";
 }
 
 /// Type and length, which every option has.
 void describeHead(BlockWriter& block, std::string const& typeName) {
-  Octets const& option = block.octets();
+  PlacedOctets const& option = block.octets();
   block.field(0, "type", std::to_string(option[0]) + (typeName.empty() ? "" : " (" + typeName + ')'));
   block.field(1, "length", lengthText(option));
 }
@@ -156,7 +156,7 @@ void describeDnssl(BlockWriter& block, SeenOptions&) {
   constexpr std::size_t namesAt = sizeof(Net::Icmp6HdrDnsslOption);
   block.field(2, "reserved", std::to_string(option.reserved));
   block.field(4, "lifetime", lifetimeText(option.lifetime.count()));
-  DnsNames const decoded = decodeDnsNames(Octets(option.names));
+  DnsNames const decoded = decodeDnsNames(PlacedOctets(option.names));
   block.mustBeZero("reserved", option.reserved);
   for (DnsName const& name : decoded.names) {
     block.field(namesAt + name.at, "suffix", name.text);
@@ -220,7 +220,7 @@ std::string titleOf(OptionType const& type) {
   return std::string(type.name) + " option" + (type.clause.empty() ? "" : ", " + std::string(type.clause));
 }
 
-void describeOption(FrameDescription& description, Octets option, SeenOptions& seen) {
+void describeOption(FrameDescription& description, PlacedOctets option, SeenOptions& seen) {
   OptionType const& type = optionType(option[0]);
   BlockWriter block(description, titleOf(type), option);
   describeHead(block, std::string(type.name));
@@ -239,7 +239,7 @@ void checkOffset(BlockWriter& block, std::size_t nextOffset) {
 }
 
 /// What is left when it is no complete option; `at` octets into the message.
-void describeRest(FrameDescription& description, Octets rest, std::size_t at) {
+void describeRest(FrameDescription& description, PlacedOctets rest, std::size_t at) {
   if (rest.size() < 2) {
     BlockWriter block(description, "Option that is cut short", rest);
     block.hexField(0, "type");
@@ -263,7 +263,7 @@ std::string preferenceText(Net::Icmp6RouterAdvtRouterPreferenceType preference) 
   return text + " (" + std::to_string(static_cast<unsigned>(preference)) + ')';
 }
 
-void describeOptions(FrameDescription& description, Octets message) {
+void describeOptions(FrameDescription& description, PlacedOctets message) {
   SeenOptions seen;
   Net::OptionReader reader(message.span());
   std::size_t at = Net::OptionReader::optionsOffset;

@@ -14,7 +14,7 @@ using testing::IsEmpty;
 
 DnsNames decode(std::string const& octets) {
   std::vector<Fwk::U8> const bytes(octets.begin(), octets.end());
-  return decodeDnsNames(Octets(bytes));
+  return decodeDnsNames(PlacedOctets(bytes));
 }
 
 std::vector<std::string> texts(DnsNames const& names) {

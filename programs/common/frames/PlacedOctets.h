@@ -10,9 +10,9 @@
 namespace Tool {
 
 /// Octets of unknown origin, and where in the whole they begin. Nothing outside them is ever read.
-class Octets {
+class PlacedOctets {
  public:
-  explicit Octets(std::span<Fwk::U8 const> octets, std::size_t offset = 0) : octets_(octets), offset_(offset) {}
+  explicit PlacedOctets(std::span<Fwk::U8 const> octets, std::size_t offset = 0) : octets_(octets), offset_(offset) {}
 
   std::size_t size() const { return octets_.size(); }
   bool empty() const { return octets_.empty(); }
@@ -29,9 +29,9 @@ class Octets {
   }
 
   /// Those from `at` on, at most `count`; fewer, or none, where they end before.
-  Octets from(std::size_t at, std::size_t count = std::dynamic_extent) const {
+  PlacedOctets from(std::size_t at, std::size_t count = std::dynamic_extent) const {
     at = std::min(at, size());
-    return Octets(octets_.subspan(at, std::min(count, size() - at)), offset_ + at);
+    return PlacedOctets(octets_.subspan(at, std::min(count, size() - at)), offset_ + at);
   }
 
  private:
