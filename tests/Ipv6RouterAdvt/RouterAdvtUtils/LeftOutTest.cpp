@@ -9,6 +9,7 @@ namespace {
 
 using namespace AdvertTest;
 using RouterAdvt::LeftOut;
+using RouterAdvt::S32;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
