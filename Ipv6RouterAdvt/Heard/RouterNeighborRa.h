@@ -50,7 +50,7 @@ class ROUTER_ADVT_EXPORT RouterNeighborRa {
                       Fwk::StoredAttribute{"lastRaReceived", &RouterNeighborRa::lastRaReceived_});
   }
 
-  /// What readers of the shared table are told of the row's octets.
+  /// Layout of the row's octets, for readers of the shared table.
   static constexpr std::array tableFields{SharedTable::field<IntfId>("key.intfId"),
                                           SharedTable::field<Ip6Addr>("key.neighborAddr"),
                                           SharedTable::field<Seconds>("lastRaReceived")};
@@ -61,7 +61,7 @@ class ROUTER_ADVT_EXPORT RouterNeighborRa {
 };
 static_assert(sizeof(RouterNeighborRa) == 56);
 
-/// The text form.
+/// Text form of the row.
 ROUTER_ADVT_EXPORT String valueToStrep(RouterNeighborRa const& value);
 ROUTER_ADVT_EXPORT std::ostream& operator<<(std::ostream& out, RouterNeighborRa const& value);
 

@@ -8,7 +8,7 @@
 
 namespace RouterAdvt {
 
-/// Which router on which interface: key of the table of neighbouring routers. A plain value, flat, the same octets in
+/// Key of the table of neighbouring routers: an interface and a router on it. A plain value, flat, the same octets in
 /// every process.
 class ROUTER_ADVT_EXPORT RouterNeighborRaKey {
  public:

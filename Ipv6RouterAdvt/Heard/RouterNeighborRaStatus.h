@@ -44,17 +44,17 @@ class ROUTER_ADVT_EXPORT RouterNeighborRaStatus final : public Fwk::Entity {
   Name const& key() const noexcept { return name_; }
 
   /// The rows, for reading. Walked as copies, `{key, value}`, in the table's own order; the entity may change during a
-  /// walk in any way: rows that are gone are passed by, rows that come are not visited.
+  /// walk in any way: removed rows are passed over, added rows are not visited.
   class Rows;
   Rows routerNeighborRa() const;
   /// Copy of the row of that key, or the default row.
   RouterNeighborRa routerNeighborRa(RouterNeighborRaKey const& key) const;
-  /// Writes the row under its own key and notifies with the key: every time, whether or not it changes anything. A row
-  /// that the table has no room for is counted and traced by the table, and notified like any other; `lastWriteStatus`
-  /// tells.
+  /// Writes the row under its own key and notifies with the key: every time, whether or not it changes anything. The
+  /// table counts and traces a row that it has no room for; such a row is notified like any other, and
+  /// `lastWriteStatus` gives the reason.
   void routerNeighborRaIs(RouterNeighborRa const& row);
-  /// What became of the last row that was written or committed: `ok`, or why the table does not have it. Already that
-  /// of the write whose observers are running. `ok` before the first.
+  /// Outcome of the last write or commit: `ok`, or the reason why the table does not have the row. Observers of a write
+  /// already find its outcome. `ok` before the first.
   SharedTable::WriteStatus lastWriteStatus() const { return lastWriteStatus_; }
   /// Removes and returns the row of that key and notifies with the key; the default row, and nobody notified, when
   /// there is none.
@@ -71,10 +71,11 @@ class ROUTER_ADVT_EXPORT RouterNeighborRaStatus final : public Fwk::Entity {
   /// Notifies that the row of that key changed.
   void routerNeighborRaNotify(RouterNeighborRaKey const& key);
 
-  /// What is known of the table's mounting. Null once the last outside reference has gone.
+  /// State of the table's mounting. Null once the last outside reference has gone.
   Ptr<SharedTable::CollectionControl> routerNeighborRaControl() const { return control_; }
-  /// Another control hears how the table stands now and all that comes, and keeps alive what the former one kept; that
-  /// one hears that its collection is unmounted and quiesced. With null, the former one goes on to hear of the table.
+  /// Replaces the control. The new one gets the table's present state and all later changes, and keeps the entity alive
+  /// in place of the former one, which hears that its collection is unmounted and quiesced. With null, the former one
+  /// goes on to hear of the table.
   void routerNeighborRaControlIs(Ptr<SharedTable::CollectionControl> const& control);
 
   /// Where the table is mounted, below the table directory.
@@ -83,17 +84,17 @@ class ROUTER_ADVT_EXPORT RouterNeighborRaStatus final : public Fwk::Entity {
   /// Mounts the table at `tablePath()` when there is a parent, unmounts it when there is none.
   void handleParent(Ptr<Fwk::Entity> parent) override;
 
-  /// Looks whether other processes still find the table, which somebody may have removed; for a timer of the agent,
-  /// once a second or less often. If they do not, the mount status becomes `failed`, which is traced, and the reason is
-  /// returned; the rows stay in the process. To mount the table anew, take the entity out of its tree and put it back,
-  /// or call `handleParent(nullptr)` and then `handleParent(parent())`.
+  /// Looks whether other processes still find the table, which another process may have removed; for a timer of the
+  /// agent, once a second or less often. If they do not, the mount status becomes `failed`, which is traced, and the
+  /// reason is returned; the rows stay in the process. To mount the table anew, take the entity out of its tree and put
+  /// it back, or call `handleParent(nullptr)` and then `handleParent(parent())`.
   SharedTable::Error verifyMount();
 
   /// Why the table could not be mounted, or how its name was lost, when its mount status is `failed`.
   SharedTable::Error const& mountError() const { return table_.mountError(); }
 
-  /// What becomes of damage in the shared memory before the operation that met it fails. It must not take the entity
-  /// out of its tree, put it there, or end it.
+  /// Handler of damage in the shared memory; it runs before the operation that met the damage fails. It must not take
+  /// the entity out of its tree, put it there, or end it.
   void corruptionHandlerIs(SharedTable::WriterBase::CorruptionHandler handler) {
     table_.corruptionHandlerIs(std::move(handler));
   }
@@ -111,7 +112,7 @@ class ROUTER_ADVT_EXPORT RouterNeighborRaStatus final : public Fwk::Entity {
   // In the reverse order of their ends.
   Name name_;
   Ptr<Fwk::Notifiee> zeroReferences_;
-  Ptr<SharedTable::CollectionControl> tableControl_;  ///< whom the table tells: `control_`, or the last that it was
+  Ptr<SharedTable::CollectionControl> tableControl_;  ///< informed by the table: `control_`, or its last value but null
   Writer table_;
   Ptr<SharedTable::CollectionControl> control_;
   SharedTable::WriteStatus lastWriteStatus_ = SharedTable::WriteStatus::ok;

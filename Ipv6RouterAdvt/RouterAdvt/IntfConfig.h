@@ -9,9 +9,10 @@
 
 namespace RouterAdvt {
 
-/// What to advertise on one interface: the router variables of RFC 4861 6.2.1 and the options of RFC 8106.
-/// Key: `intfId`. Parent: `Config`. Setters store any value and touch nothing else; an unchanged one notifies nobody, a
-/// changed one notifies with the attribute. The `valid...` operations apply the bounds. Used by one thread at a time.
+/// Configuration of the advertisements on one interface: the router variables of RFC 4861 6.2.1 and the options of RFC
+/// 8106. Key: `intfId`. Parent: `Config`. Setters store any value and touch nothing else; an unchanged one notifies
+/// nobody, a changed one notifies with the attribute. The `valid...` operations apply the bounds. Used by one thread at
+/// a time.
 ///
 /// Collections: `x(key)` gives the member or null. `xIs(key)` gives the member, made with every default if it is not
 /// there, and then notified with its key. `xDel(key)` takes the member out, notifies with the key and returns it; null,

@@ -7,7 +7,7 @@
 
 namespace RouterAdvt {
 
-/// What the agent publishes about one interface: two sets of captured files, independent of one another.
+/// Status of one interface, published by the agent: two sets of captured files, independent of one another.
 /// Key: `intfId`. Parent: `Status`. Used by one thread at a time.
 class ROUTER_ADVT_EXPORT IntfStatus final : public Fwk::Entity {
  public:

@@ -6,7 +6,7 @@
 
 namespace RouterAdvt {
 
-/// Which lifetimes have been dealt with: the builder's notebook while it groups DNS entries by lifetime. Notifies
+/// Lifetimes that have been dealt with: the builder's notebook while it groups DNS entries by lifetime. Notifies
 /// nobody.
 class ROUTER_ADVT_EXPORT LifeTimeHashMap {
  public:

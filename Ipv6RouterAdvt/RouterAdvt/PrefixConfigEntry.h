@@ -50,7 +50,7 @@ class ROUTER_ADVT_EXPORT PrefixConfigEntry final : public Fwk::Entity {
   /// interface is a programming error, which stops the process (here and in the `...Value` operations).
   bool useProfile() const;
 
-  /// Whether the prefix is kept out of advertisements; this, not the profile's, is what the builder goes by.
+  /// Whether the prefix is kept out of advertisements; the builder goes by this value, not by the profile's.
   bool noAdvertise() const { return noAdvertise_; }
   void noAdvertiseIs(bool v) { attrIs(noAdvertise_, v, noAdvertiseAttr); }
 

@@ -40,7 +40,7 @@ using ModelTypes =
              Table::RouterNeighborRaStatus, LifeTimeHashMap, DNSServerConfigEntry, DNSSuffixConfigEntry,
              RaPacketPrefixInfo, ProcFileDirDataSet, Config, IntfStatus, RouterNeighbors>;
 
-/// What a tool reads from the library file without loading it. One array, kept by compiler and linker as it is.
+/// Text that a tool reads from the library file without loading it. One array, kept by compiler and linker as it is.
 [[gnu::used, gnu::retain, gnu::section(FWK_TYPE_NAMES_SECTION)]] constexpr auto typeNames = ModelTypes::reversedNames();
 
 /// Enters the types into the registry when the library is loaded.

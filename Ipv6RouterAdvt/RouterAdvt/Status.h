@@ -7,7 +7,7 @@
 
 namespace RouterAdvt {
 
-/// What the agent publishes about itself; root of the status tree. Key: `name`. Used by one thread at a time.
+/// Status of the agent, published by itself; root of the status tree. Key: `name`. Used by one thread at a time.
 ///
 /// Collections: `x(key)` gives the member or null. `xIs(key)` gives the member, made with every default if it is not
 /// there, and then notified with its key. `xDel(key)` takes the member out, notifies with the key and returns it; null,

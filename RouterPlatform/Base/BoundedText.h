@@ -15,7 +15,7 @@
 
 namespace Fwk {
 
-/// What a text is made from: a view, a string, or a pointer to characters that end in a NUL.
+/// Source of a text: a view, a string, or a pointer to characters that end in a NUL.
 template <class T>
 concept TextLike = std::convertible_to<T const&, std::string_view>;
 

@@ -23,7 +23,7 @@ struct OrderedSlot {
   static Element const& get(Type const& slot) noexcept { return *slot; }
   static void empty(Type& slot) noexcept { slot.reset(); }
 };
-/// Of a pointer, which has an empty value of its own.
+/// The slot of a pointer, which has an empty value of its own.
 template <class T>
 struct OrderedSlot<Ptr<T>> {
   using Type = Ptr<T>;

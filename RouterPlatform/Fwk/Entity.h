@@ -14,9 +14,9 @@ namespace Fwk {
 
 /// An object with identity, a parent, typed attributes and observers; base of every model entity.
 ///
-/// Made by `create`, held by `Ptr`, ends with the last `Ptr`. `new` does not compile. An entity in storage of another
-/// kind, such as a local variable, is not counted, does not notify, and ends with that storage. One thread uses an
-/// entity and all that hangs below it.
+/// Made by `create`, held by `Ptr`, ends with the last `Ptr`. `new` does not compile outside the class and its
+/// descendants. An entity in storage of another kind, such as a local variable, is not counted, does not notify, and
+/// ends with that storage. One thread uses an entity and all that hangs below it.
 class ROUTER_PLATFORM_EXPORT Entity : public PtrInterface<Entity> {
  public:
   // The order of the virtual operations is part of the binary interface. handleNameRestore() to handleRestore() are
@@ -37,10 +37,10 @@ class ROUTER_PLATFORM_EXPORT Entity : public PtrInterface<Entity> {
  public:
   /// The entity's name was restored from a backup.
   virtual void handleNameRestore(Name const& name);
-  /// The name that it was constructed from; empty for a type that is identified by another key.
+  /// The name that the entity was constructed from; empty for a type that is identified by another key.
   virtual Name name() const;
-  /// The parent has changed to `parent`, which is null when the entity was removed. Must not end the parent, inside a
-  /// mutator of which this runs.
+  /// The parent has changed to `parent`, which is null when the entity was removed. Must not end the parent: a
+  /// mutator of the parent is running.
   virtual void handleParent(Ptr<Entity> parent);
   /// The entity is about to be written to a backup.
   virtual void handleBackup();

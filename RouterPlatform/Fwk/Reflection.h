@@ -40,19 +40,19 @@ class ROUTER_PLATFORM_EXPORT CollectionView {
   CollectionView(ObjectRef object, AttributeRecord const& attr) noexcept : object_(object), attr_(&attr) {}
 
   U64 size() const { return record().size(object_.object); }
-  /// Whether there is a member of that key; false for a text that is no key. Members are found and removed by every key
-  /// that `forEach` shows, also by one that `set` refuses.
+  /// Whether there is a member of that key; false for a text that is not a key. Members are found and removed by every
+  /// key that `forEach` shows, also by one that `set` refuses.
   bool contains(std::string_view key) const;
-  /// Hands the member to `visit`. Fails with `noSuchMember`, or as a key's text is wrong.
+  /// Hands the member to `visit`. Fails with `noSuchMember`, or with the error of the key's text.
   ReflectionResult get(std::string_view key, FunctionRef<void(MemberRef const&)> visit) const {
     return record().get(object_.object, key, visit);
   }
   /// The member of a collection of entities, or null.
   Ptr<Entity> entity(std::string_view key) const;
   /// Makes the member, or stores the value where members are plain values. Fails with `notSettable` for a collection
-  /// that cannot be changed from text, or as the text of key or value is wrong.
+  /// that cannot be changed from text, or with the error of the text of key or value.
   ReflectionResult set(std::string_view key, std::string_view value = {}) const;
-  /// Removes the member. Fails with `noSuchMember`, `notSettable`, or as a key's text is wrong.
+  /// Removes the member. Fails with `noSuchMember`, `notSettable`, or with the error of the key's text.
   ReflectionResult del(std::string_view key) const;
   /// Removes every member. Fails with `notSettable`.
   ReflectionResult delAll() const;

@@ -6,9 +6,9 @@
 
 namespace SharedTable {
 
-/// What is known of one mounted collection, and what keeps the entity that publishes it alive: an entity whose last
+/// State of one mounted collection. It keeps the entity that publishes the collection alive: an entity whose last
 /// outside reference goes while other processes may be reading must not end before its table is unmounted. Observers
-/// hear of mount status and quiescence; what they throw reaches the caller, after all has been done. Used by one thread
+/// hear of mount status and quiescence; their exceptions reach the caller after all has been done. Used by one thread
 /// at a time.
 class ROUTER_PLATFORM_EXPORT CollectionControl final : public Fwk::Entity {
  public:

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-/// How an operation of a shared table ended, and what it found damaged.
+/// Outcomes of the operations of a shared table, and the damage that they report.
 namespace SharedTable {
 
 using Fwk::U64;
@@ -25,7 +25,7 @@ enum class Errc : U8 {
   system         ///< a system call failed
 };
 
-/// What came of mounting or attaching a table: nothing, or what went wrong.
+/// Outcome of mounting or attaching a table: success, or the error.
 struct [[nodiscard]] Error {
   Errc code = Errc::ok;
   int systemError = 0;  ///< errno of the call that failed, or 0
@@ -49,7 +49,7 @@ struct Corruption {
 ROUTER_PLATFORM_EXPORT void appendText(std::string& out, Errc code);
 ROUTER_PLATFORM_EXPORT void appendText(std::string& out, Corruption const& corruption);
 
-/// What became of a change.
+/// Outcome of a change.
 enum class WriteStatus : U8 {
   ok,
   full,     ///< the table holds its maximum of rows; those that it holds can still be changed

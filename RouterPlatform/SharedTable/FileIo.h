@@ -10,10 +10,10 @@
 #include <string>
 #include <string_view>
 
-/// What tables ask of the operating system: directories and files that can be trusted, locks, waiting.
+/// Services of the operating system that tables use: directories and files that can be trusted, locks, waiting.
 namespace SharedTable::FileIo {
 
-/// Who may own a table and its directories, besides root and this process's effective user.
+/// User who may own a table and its directories, besides root and this process's effective user.
 using Owner = std::optional<uid_t>;
 
 /// `option`, or $SHARED_TABLE_DIR if that is empty; both empty: the empty text, for the default directory. The variable

@@ -10,7 +10,7 @@
 #include <cstring>
 #include <type_traits>
 
-/// What the octets of a shared table mean. `docs/formats/shared-table.md` is this file in words, with the protocol.
+/// The meaning of a shared table's octets. `docs/formats/shared-table.md` is this file in words, with the protocol.
 namespace SharedTable {
 
 using Fwk::U32;
@@ -155,8 +155,8 @@ struct BucketWord {
   constexpr bool isIntact() const noexcept { return intact(bits); }
 };
 
-/// Which index is in force. Bits 0 to 7: log2 of its buckets. 8 to 55: epoch, one more with every index; its lowest bit
-/// says which half of the index space it stands in. 56 to 63: seal.
+/// The index that is in force. Bits 0 to 7: log2 of its buckets. 8 to 55: epoch, one more with every index; its lowest
+/// bit says which half of the index space it stands in. 56 to 63: seal.
 struct ActiveWord {
   U64 bits = 0;
 

@@ -53,7 +53,7 @@ class Memory {
   int reserve(U64 offset, U64 size) noexcept;
 
   /// Lets huge pages stand where they fit in wholly between `begin` and `end`, all of which has space: a table of many
-  /// rows is read at random, and its address translations alone take longer than its octets. A wish, not an order.
+  /// rows is read at random, and its address translations alone take longer than its octets. Best effort.
   void joinPages(U64 begin, U64 end) noexcept;
 
   bool isFile() const noexcept { return static_cast<bool>(fd_); }

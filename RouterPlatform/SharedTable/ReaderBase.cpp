@@ -21,7 +21,7 @@ constexpr milliseconds slice{1000};
 /// tick, so what changes right after a wait began may come without a wake. Each sleep is twice as long as the one
 /// before, so that a wake that is missed for whatever reason costs no more than about the time already waited.
 constexpr milliseconds firstSlice{25};
-/// What stands for longer waits, so that the deadline can be computed.
+/// Longer waits are cut to this, so that the deadline can be computed.
 constexpr milliseconds longestWait = std::chrono::hours(24 * 365);
 
 constexpr U32 swappedByteOrderMark = 0x04030201;

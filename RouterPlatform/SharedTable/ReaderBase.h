@@ -15,9 +15,9 @@
 
 namespace SharedTable {
 
-/// Whom a reader trusts, and where it looks.
+/// The owner that a reader trusts, and the directory in which it looks.
 struct ReaderOptions {
-  /// Who may own the table, besides root and this process's user. This user can end the reading process: whoever
+  /// User who may own the table, besides root and this process's user. This user can end the reading process: whoever
   /// shrinks the file makes the next access a SIGBUS. No row that is read can do more harm than wrong contents. A
   /// process that must live on reads such a table in a child, or handles the signal.
   std::optional<uid_t> owner;
@@ -26,7 +26,7 @@ struct ReaderOptions {
   std::string directory;
 };
 
-/// What ended a `wait`.
+/// The reason why a `wait` ended.
 enum class WaitResult : U8 {
   changed,     ///< rows changed
   timedOut,    ///< nothing happened
@@ -73,11 +73,11 @@ class ROUTER_PLATFORM_EXPORT ReaderBase {
 
   /// Waits until the table's change count is not `seen`, or something else happens to the table, or the time is over.
   /// Sleeps; a change wakes it within about 25 ms and mostly at once, the end of a writer or of the table's name within
-  /// about a second, whether or not the writer lives. Without a table it waits for one,
-  /// and ends too when there is another reason than before why none can be attached.
+  /// about a second, whether or not the writer lives. Without a table it waits for one, and
+  /// ends too when the reason why none can be attached has changed.
   WaitResult wait(U64 seen, std::chrono::milliseconds timeout);
 
-  /// Of the table's file, whether there is one or not, as of the last attempt to attach.
+  /// Path of the table's file, whether the file exists or not, as of the last attempt to attach.
   std::string const& path() const noexcept { return path_; }
   View const& view() const noexcept { return view_; }
 

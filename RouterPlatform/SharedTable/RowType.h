@@ -15,8 +15,8 @@
 #include <type_traits>
 #include <utility>
 
-/// What a row type tells the table about itself. A row has a key, `key()`, at its start, and lists its fields in the
-/// order in which they stand:
+/// The description that a row type gives the table of itself. A row has a key, `key()`, at its start, and lists its
+/// fields in the order in which they stand:
 ///
 ///     class Neighbor {
 ///      public:
@@ -30,7 +30,7 @@
 ///     };
 ///
 /// Rows are octets to the table and to readers built by others: trivially copyable, no padding, a multiple of 8 octets.
-/// What the table does with keys it does with the key type's own operations: `hash(0)`, which is the same in every
+/// The table handles keys by the key type's own operations: `hash(0)`, which is the same in every
 /// binary, `operator==`, `operator<` and the text form, which messages show. Equal keys are equal octets. A row type
 /// has `operator==` for its users; the table itself compares no rows, because every write is a change.
 ///
@@ -42,7 +42,7 @@ using Fwk::U32;
 using Fwk::U64;
 using Fwk::U8;
 
-/// What the octets of a field are.
+/// Kind of value that the octets of a field hold.
 enum class FieldKind : U8 {
   octets,  ///< a flat type of its own, such as an address
   unsignedInteger,

@@ -265,7 +265,7 @@ View::Probe View::walkRow(Walk& walk, U64 position, BucketWord word) const {
   return Probe::missing;
 }
 
-/// Which of the gathered rows are out of date: a key that was removed and came back behind the place where it had been
+/// The gathered rows that are out of date: a key that was removed and came back behind the place where it had been
 /// met is there twice, and its later row counts. In the order of the rows.
 std::vector<U64 const*> View::supersededRows(std::vector<U64> const& rows) const {
   std::vector<U64 const*> byKey;

@@ -12,7 +12,7 @@
 
 namespace SharedTable {
 
-/// What became of a lookup.
+/// Outcome of a lookup.
 enum class LookupStatus : U8 {
   found,
   missing,

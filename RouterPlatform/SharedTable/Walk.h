@@ -6,7 +6,7 @@
 
 namespace SharedTable {
 
-/// How a walk over all rows went.
+/// Outcome of a walk over all rows.
 struct WalkResult {
   U64 rows = 0;          ///< handed to the visitor
   bool exact = false;    ///< the rows are those of one moment: nothing changed during the walk

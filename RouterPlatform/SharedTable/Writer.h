@@ -19,7 +19,7 @@ class Writer : public WriterBase {
   using Row = R;
   using Key = KeyOf<R>;
 
-  /// What the writer tells its owner, on the owner's thread, from inside the operation.
+  /// Calls by which the writer informs its owner, on the owner's thread, from inside the operation.
   struct Callbacks {
     /// A row changed by the table's own doing: it was found damaged when the rows moved and is gone, or it was taken
     /// over from a dead writer (`WriterOptions::adoptRows`). Not called for what the owner does.

@@ -79,7 +79,7 @@ bool parseText(std::string_view text, MountStatus& status) noexcept {
   return true;
 }
 
-/// What takes the place of the rows' present place.
+/// The memory that takes over the rows, and its publication.
 struct WriterBase::Next {
   std::unique_ptr<Publication> place;
   std::shared_ptr<WriterCore> core;

@@ -31,7 +31,7 @@ constexpr char const* textTypeNameOf(MountStatus) noexcept { return "SharedTable
 /// How large a table may become, and who may read it where.
 struct WriterOptions {
   Capacity capacity;
-  mode_t mode = 0644;  ///< of the file; nobody but the owner gets to write it, whatever is asked for
+  mode_t mode = 0644;  ///< of the file; only the owner gets write permission, whatever is asked for
   /// Empty: $SHARED_TABLE_DIR, or the default directory: /run/router-shared-tables if that is a directory when the
   /// table is mounted, otherwise /dev/shm/router-shared-tables.
   std::string directory;
@@ -61,7 +61,8 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
   /// Publishes the rows under `path` in the table directory; the empty path unmounts. A mounted table moves: it is
   /// unmounted first. On an error the rows stay in the process, everything goes on working, and the status is
   /// `failed`. Calls `quiesced` and `mountStatus`; counts "sharedTableMountFailed". Each callback may mount, unmount or
-  /// end the writer: then nothing else is told, nor mounted. What the first of them throws is thrown when all is told.
+  /// end the writer: then no further callback is called and nothing is mounted. The first exception of a callback is
+  /// thrown when all have been called.
   Error mountPathIs(std::string_view path);
 
   /// Removes the file's name, retires it, wakes its readers, and keeps the rows in the process. Calls `mountStatus` and
@@ -70,26 +71,26 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
   /// parent's.
   Error mountPathDel();
 
-  /// Looks whether other processes still find a mounted table: somebody may have removed its name or its directory, or
-  /// put another file there. If so, the table is unmounted, with status `failed` and the path kept, so that
-  /// `mountPathIs(mountPath())` mounts it anew; calls, counts and traces as a mounting that failed does, and returns
-  /// the reason. Otherwise nothing changes; an error then says that the directories could not be looked at. A few
-  /// system calls: for a timer of the program, once a second or less often. Does nothing in a forked child.
+  /// Looks whether other processes still find a mounted table: another process may have removed its name or its
+  /// directory, or put another file there. If so, the table is unmounted, with status `failed` and the path kept, so
+  /// that `mountPathIs(mountPath())` mounts it anew; calls, counts and traces as a mounting that failed does, and
+  /// returns the reason. Otherwise nothing changes; an error then says that the directories could not be looked at. A
+  /// few system calls: for a timer of the program, once a second or less often. Does nothing in a forked child.
   Error verifyMount();
 
   /// The same as `mountPathDel` at the writer's end, for the destructor of its owner: the rows are not moved, so that
-  /// nothing can fail, and are not to be used any more. What a callback throws is traced at level 1 and goes no
+  /// nothing can fail, and are not to be used any more. An exception of a callback is traced at level 1 and goes no
   /// further.
   void close() noexcept;
 
   /// Looks at all rows before they are removed. Damage goes to the corruption handler and then fails the assertion.
   void assertRemovable() const;
 
-  /// Rows now.
+  /// Number of rows now.
   U32 count() const noexcept;
-  /// Rows that the table can hold: the `Capacity` it was made with.
+  /// Number of rows that the table can hold: the `Capacity` it was made with.
   U32 maxRows() const noexcept;
-  /// Changes since the table was mounted or unmounted last.
+  /// Number of changes since the table was last mounted or unmounted.
   U64 changeCount() const noexcept;
 
   /// Gets a message when the table is found damaged. Without one, the message is traced at level 1. It runs inside the
@@ -124,10 +125,10 @@ class ROUTER_PLATFORM_EXPORT WriterBase {
 
  private:
   class Telling;
-  /// What the owner was told, as far as it matters to those who tell him. Outlives the writer in what it tells.
+  /// The callbacks' record of what the owner has been told. Lives on while a callback runs in which the writer ends.
   struct Told {
     U64 mountings = 0;     ///< and unmountings, and the end
-    bool quiesced = true;  ///< the last that was said of it
+    bool quiesced = true;  ///< the value of the last call of `quiesced`
   };
   struct Next;
   struct Former;

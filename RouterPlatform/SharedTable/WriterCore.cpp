@@ -152,7 +152,7 @@ bool WriterCore::readBack(BucketWord word, Corruption& corruption) {
   return false;
 }
 
-/// What a replaced row holds besides its key is not looked at: it goes.
+/// Of a row that is replaced, only the key is looked at.
 WriteStatus WriterCore::write(void const* row, Corruption& corruption) {
   U64 const hash = placeOf(row);
   Position const position = find(row, hash, corruption);

@@ -21,8 +21,8 @@ class StoreLog {
 
 /// The table of one writer in one memory, private or a file's: everything that changes octets. One thread.
 ///
-/// What it must be able to trust - sizes, counts, which slots are free - it keeps in the process; what it reads back
-/// from the memory it checks.
+/// It keeps the data that it must be able to trust (sizes, counts, free slots) in the process, and checks all that it
+/// reads back from the memory.
 class WriterCore {
  public:
   /// No table: to be moved to.

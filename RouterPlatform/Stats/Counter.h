@@ -16,8 +16,8 @@ namespace Stats {
 
 using Fwk::U64;
 
-/// Counts up from 0 and wraps at 2^64. Any thread may read it. Whoever names a counter decides how it is incremented,
-/// and that is the only way for it: by one thread, or by any thread, which takes three times as long.
+/// Counts up from 0 and wraps at 2^64. Any thread may read it. All users of a counter increment it in the same
+/// way: by one thread only, or by any thread, which takes three times as long.
 class Counter {
  public:
   explicit Counter(std::string_view name) : name_(name) {}
