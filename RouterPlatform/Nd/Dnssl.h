@@ -25,7 +25,7 @@ namespace Net {
 ///
 /// Up to the names. Each name is labels and a zero octet, RFC 1035 3.1; zero octets pad the last one.
 struct Icmp6HdrDnsslOption {
-  static constexpr U8 typeValue = 31;
+  static constexpr U8 typeValue = 31;  ///< RFC 8106 5.2
 
   NetU8 type;
   NetU8 length;
@@ -36,6 +36,8 @@ static_assert(sizeof(Icmp6HdrDnsslOption) == 8 && alignof(Icmp6HdrDnsslOption) =
 
 /// A search list of one lifetime.
 struct Dnssl {
+  static constexpr U64 labelSizeMax = 63;  ///< octets, RFC 1035 2.3.4
+
   Seconds32 lifetime{0};        ///< `infiniteLifetime` is possible
   U16 reserved = 0;             ///< as received; sent as 0
   std::span<U8 const> names{};  ///< as received, with their padding; `putName` writes them
@@ -115,8 +117,8 @@ inline void closeDnssl(FrameWriter& out, U64 namesOffset) noexcept {
   out.written(optionOffset)[1] = optionLength(out.offset() - optionOffset);
 }
 
-/// The option at `offset`, whatever its type. Refers to the octets. Nothing: the Length field is 0, or an octet that it
-/// speaks of lies behind the end.
+/// The option at `offset`, whatever its type. Refers to the octets. Nothing: the Length field is 0, or the option
+/// extends past the end.
 inline std::optional<Dnssl> takeDnssl(std::span<U8 const> octets, U64 offset) noexcept {
   auto const* const option = wholeOptionAt<Icmp6HdrDnsslOption>(octets, offset);
   if (!option) return std::nullopt;

@@ -16,8 +16,8 @@ namespace Net {
 /// |     Type      |    Length     |    Link-Layer Address ...        RFC 4861 4.6.1; Ethernet: RFC 2464 6
 /// +-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+
 struct Icmp6HdrLinkLayerAddrOption {
-  static constexpr U8 sourceTypeValue = 1;
-  static constexpr U8 targetTypeValue = 2;
+  static constexpr U8 sourceTypeValue = 1;  ///< RFC 4861 4.6.1
+  static constexpr U8 targetTypeValue = 2;  ///< RFC 4861 4.6.1
 
   NetU8 type;
   NetU8 length;  ///< 1 for Ethernet

@@ -16,7 +16,7 @@ namespace Net {
 /// |                              MTU                              |
 /// +-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+
 struct Icmp6HdrMtuOption {
-  static constexpr U8 typeValue = 5;
+  static constexpr U8 typeValue = 5;  ///< RFC 4861 4.6.4
 
   NetU8 type;
   NetU8 length;  ///< 1

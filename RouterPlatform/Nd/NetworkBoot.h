@@ -22,7 +22,7 @@ namespace Net {
 ///
 /// Up to the URL.
 struct Icmp6HdrNetworkBootOption {
-  static constexpr U8 typeValue = 253;
+  static constexpr U8 typeValue = 253;  ///< for experiments, RFC 4727 5
 
   NetU8 type;
   NetU8 length;
@@ -59,8 +59,7 @@ inline bool put(FrameWriter& out, NetworkBoot const& boot) noexcept {
 }
 
 /// The option at `offset`, whatever its type. Refers to the octets. The URL is empty when the padding length is not
-/// possible, above 7 or above what there is. Nothing: the Length field is 0, or an octet that it
-/// speaks of lies behind the end.
+/// possible, above 7 or above what there is. Nothing: the Length field is 0, or the option extends past the end.
 inline std::optional<NetworkBoot> takeNetworkBoot(std::span<U8 const> octets, U64 offset) noexcept {
   auto const* const option = wholeOptionAt<Icmp6HdrNetworkBootOption>(octets, offset);
   if (!option) return std::nullopt;

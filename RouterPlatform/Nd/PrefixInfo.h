@@ -31,7 +31,7 @@ namespace Net {
 /// |                                                               |
 /// +-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+-+
 struct Icmp6HdrPrefixInfoOption {
-  static constexpr U8 typeValue = 3;
+  static constexpr U8 typeValue = 3;            ///< RFC 4861 4.6.2
   static constexpr U8 onLinkBit = 0x80;         ///< L
   static constexpr U8 autonomousBit = 0x40;     ///< A
   static constexpr U8 routerAddressBit = 0x20;  ///< R
@@ -53,14 +53,14 @@ static_assert(sizeof(Icmp6HdrPrefixInfoOption) == 32 && alignof(Icmp6HdrPrefixIn
 
 /// A prefix and how hosts are to use it.
 struct PrefixInfo {
-  Ip6AddrWithMask prefix{};  ///< host bits as they are; when received, any mask length
+  Ip6AddrWithMask prefix{};  ///< host bits are ignored by receivers, RFC 4861 4.6.2; when received, any mask length
   bool onLink = false;
   bool autonomous = false;
   bool routerAddress = false;
-  U8 reserved1 = 0;                ///< as received; sent as 0
+  U8 reserved1 = 0;                ///< as received; sent as 0; ignored by receivers, RFC 4861 4.6.2
   Seconds32 validLifetime{0};      ///< `infiniteLifetime` is possible
   Seconds32 preferredLifetime{0};  ///< `infiniteLifetime` is possible
-  U32 reserved2 = 0;               ///< as received; sent as 0
+  U32 reserved2 = 0;               ///< as received; sent as 0; ignored by receivers, RFC 4861 4.6.2
 };
 
 /// False: the option does not fit, and nothing was written.

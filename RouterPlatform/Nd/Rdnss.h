@@ -25,7 +25,7 @@ namespace Net {
 ///
 /// Up to the addresses.
 struct Icmp6HdrRdnssOption {
-  static constexpr U8 typeValue = 25;
+  static constexpr U8 typeValue = 25;  ///< RFC 8106 5.1
 
   NetU8 type;
   NetU8 length;  ///< 1, and 2 for each address
@@ -40,7 +40,7 @@ struct Rdnss {
   U64 serverCount = 0;
   U16 reserved = 0;  ///< as received; sent as 0
 
-  /// Of an option with `serverCount` servers, octets.
+  /// Size in octets of an option with `serverCount` servers.
   static constexpr U64 size(U64 serverCount) noexcept {
     return sizeof(Icmp6HdrRdnssOption) + Ip6Addr::size * serverCount;
   }
@@ -66,7 +66,7 @@ inline bool putServer(FrameWriter& out, Ip6Addr const& server) noexcept {
 }
 
 /// The option at `offset`, whatever its type, with as many servers as its length has room for. Nothing: the Length
-/// field is 0, or an octet that it speaks of lies behind the end.
+/// field is 0, or the option extends past the end.
 inline std::optional<Rdnss> takeRdnss(std::span<U8 const> octets, U64 offset) noexcept {
   auto const* const option = wholeOptionAt<Icmp6HdrRdnssOption>(octets, offset);
   if (!option) return std::nullopt;

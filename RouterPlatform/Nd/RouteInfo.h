@@ -25,7 +25,7 @@ namespace Net {
 ///
 /// Up to the prefix, of which 0, 8 or 16 octets follow.
 struct Icmp6HdrRouteInfoOption {
-  static constexpr U8 typeValue = 24;
+  static constexpr U8 typeValue = 24;              ///< RFC 4191 2.3
   static constexpr U8 routePreferenceBits = 0x18;  ///< Prf
   static constexpr U8 routePreferenceShift = 3;
 
@@ -64,8 +64,7 @@ inline bool put(FrameWriter& out, RouteInfo const& info) noexcept {
   return out.append(std::span(info.prefix.address().octets()).first(prefixSize));
 }
 
-/// The option at `offset`, whatever its type. Nothing: the Length field is 0, or an octet that it
-/// speaks of lies behind the end.
+/// The option at `offset`, whatever its type. Nothing: the Length field is 0, or the option extends past the end.
 inline std::optional<RouteInfo> takeRouteInfo(std::span<U8 const> octets, U64 offset) noexcept {
   auto const* const option = wholeOptionAt<Icmp6HdrRouteInfoOption>(octets, offset);
   if (!option) return std::nullopt;

@@ -14,6 +14,7 @@ class ROUTER_PLATFORM_EXPORT Ip6AddrWithMask {
   static constexpr char const* textTypeName = "Ip6AddrWithMask";
   static constexpr bool isOctets = true;  ///< to a change stream
   static constexpr Fwk::U8 maxMaskLen = 128;
+  static constexpr Fwk::U8 interfaceIdentifierBits = 64;  ///< RFC 4291 2.5.1
 
   constexpr Ip6AddrWithMask() noexcept = default;
   constexpr Ip6AddrWithMask(Ip6Addr const& address, Fwk::U8 maskLen) noexcept : address_(address), maskLen_(maskLen) {}

@@ -57,7 +57,7 @@ Reason locateIcmp6(Octets payload, U8 nextHeader, U64& icmp6Offset) {
     }
     auto const* const extension = headerAt<Ip6ExtensionHdr>(payload, icmp6Offset);
     if (!extension) return Reason::badExtension;
-    U64 const size = (U64{extension->hdrExtLen} + 1) * 8;
+    U64 const size = extension->size();
     if (size > payload.size() - icmp6Offset) return Reason::badExtension;
     if (nextHeader == Ip6NextHeader::routing && extension->segmentsLeft != 0) return Reason::segmentsLeft;
     nextHeader = extension->nextHeader;

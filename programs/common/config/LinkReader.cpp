@@ -1,4 +1,5 @@
 #include <RouterPlatform/Forms/TextCodec.h>
+#include <RouterPlatform/Packet/Ip6Hdr.h>
 #include <programs/common/config/LinkReader.h>
 #include <programs/common/text/NearestName.h>
 #include <programs/common/text/Text.h>
@@ -59,7 +60,9 @@ void readMtu(YamlReader& reader, YamlValue const& value, LinkConfig& link) {
                             " to " + std::to_string(LinkConfig::mtuMax) + " octets; every advertisement takes " +
                             std::to_string(LinkConfig::mtuMin));
   link.mtu = static_cast<Fwk::S32>(*mtu);
-  if (*mtu < 1280) reader.warning(value.place, value.path, "IPv6 needs links of at least 1280 octets (RFC 8200 5)");
+  if (*mtu < Net::ip6MtuMin)
+    reader.warning(value.place, value.path,
+                   "IPv6 needs links of at least " + std::to_string(Net::ip6MtuMin) + " octets (RFC 8200 5)");
 }
 
 void readLinkAddresses(YamlReader& reader, YamlValue const& value, LinkConfig& link) {

@@ -1,11 +1,13 @@
 #include <RouterPlatform/Fwk/ObjectRef.h>
 #include <RouterPlatform/Fwk/Reflection.h>
+#include <RouterPlatform/Nd/Dnssl.h>
 #include <programs/common/config/EffectiveValue.h>
 #include <programs/common/config/Warnings.h>
 #include <programs/common/text/NearestName.h>
 #include <programs/common/text/Text.h>
 
 #include <algorithm>
+#include <limits>
 #include <ostream>
 
 namespace Tool {
@@ -16,7 +18,7 @@ using Fwk::U32;
 using RouterAdvt::IntfConfig;
 using RouterAdvt::PrefixConfigEntry;
 
-constexpr std::size_t longestLabel = 63;  // RFC 1035 2.3.4
+constexpr U32 raLifetimeFieldMax = std::numeric_limits<Fwk::U16>::max();  // RFC 4861 4.2
 
 /// Collects the warnings about one entity or link.
 class Findings {
@@ -43,9 +45,9 @@ void checkHeaderFields(Findings& findings, IntfConfig const& intf) {
   if (intf.raSuppress())
     findings.add("raSuppress", "suppresses advertisements of the router; 'build' and 'send' make one nevertheless");
   U32 const lifetime = intf.raLifetime();
-  if (lifetime > 0xffff)
+  if (lifetime > raLifetimeFieldMax)
     findings.add("raLifetime", std::to_string(lifetime) + " s is more than the field's 16 bits hold; " +
-                                   std::to_string(lifetime & 0xffff) + " is sent");
+                                   std::to_string(lifetime & raLifetimeFieldMax) + " is sent");
   else if (lifetime > 0 && Fwk::U64{1000} * lifetime < intf.raIntervalMaxMsec())
     findings.add("raLifetime", std::to_string(lifetime) + " s is less than raIntervalMaxMsec, " +
                                    std::to_string(intf.raIntervalMaxMsec()) +
@@ -94,9 +96,10 @@ void checkLabel(Findings& findings, std::string_view label, bool isLast) {
   if (label.empty())
     findings.add("", isLast ? "the dot at the end is sent as one more empty label; without it the name is the same"
                             : "has an empty label, which is sent and ends the name for receivers (RFC 1035 3.1)");
-  if (label.size() > longestLabel)
+  if (label.size() > Net::Dnssl::labelSizeMax)
     findings.add("", "the label " + inQuotes(label) + " has " + std::to_string(label.size()) +
-                         " octets; receivers take at most 63 (RFC 1035 2.3.4)");
+                         " octets; receivers take at most " + std::to_string(Net::Dnssl::labelSizeMax) +
+                         " (RFC 1035 2.3.4)");
 }
 
 void checkSuffix(Findings& findings, std::string_view suffix) {
@@ -120,7 +123,8 @@ void checkAdvertisedPrefix(Findings& findings, PrefixConfigEntry const& prefix) 
   if (key.subnet() != key)
     findings.add("", "has bits set behind the prefix length; they are sent, and receivers ignore them");
   if (std::string oddity = prefixOddity(key); !oddity.empty()) return findings.add("", std::move(oddity));
-  if (!prefix.noAutoConfig() && key.maskLen() != 64)
+  if (!prefix.noAutoConfig() &&
+      key.maskLen() + Net::Ip6AddrWithMask::interfaceIdentifierBits != Net::Ip6AddrWithMask::maxMaskLen)
     findings.add("", "has " + std::to_string(key.maskLen()) +
                          " bits; hosts form addresses only from prefixes of 64 bits (RFC 4862 5.5.3); "
                          "noAutoConfig: true tells them not to");

@@ -1,3 +1,4 @@
+#include <RouterPlatform/Nd/Units.h>
 #include <RouterPlatform/Net/Ip6Addr.h>
 #include <programs/common/frames/BlockWriter.h>
 #include <programs/common/text/Text.h>
@@ -30,7 +31,7 @@ void BlockWriter::mustBeZero(std::string_view name, Fwk::U64 value) {
 }
 
 std::string lifetimeText(Fwk::U32 seconds) {
-  if (seconds == 0xffffffff) return "infinity";
+  if (seconds == Net::infiniteLifetime.count()) return "infinity";
   std::string plain = std::to_string(seconds) + " s";
   if (seconds < 60) return plain;
   static constexpr std::array<std::pair<Fwk::U32, char const*>, 4> units{

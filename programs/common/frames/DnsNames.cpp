@@ -1,3 +1,4 @@
+#include <RouterPlatform/Nd/Dnssl.h>
 #include <programs/common/frames/DnsNames.h>
 
 #include <algorithm>
@@ -6,9 +7,7 @@ namespace Tool {
 
 namespace {
 
-// RFC 1035 2.3.4
-constexpr std::size_t longestLabel = 63;
-constexpr std::size_t longestName = 255;
+constexpr std::size_t longestName = 255;  // octets, RFC 1035 2.3.4
 
 /// RFC 4343 2.1: the escapes of master files.
 void appendLabel(std::string& out, PlacedOctets label) {
@@ -31,8 +30,9 @@ DnsName decodeName(PlacedOctets octets, std::size_t& at) {
     PlacedOctets const label = octets.from(at + 1, length);
     if (!name.text.empty()) name.text += '.';
     appendLabel(name.text, label);
-    if (length > longestLabel)
-      name.oddities.push_back("a label says that it has " + std::to_string(length) + " octets; 63 are possible");
+    if (length > Net::Dnssl::labelSizeMax)
+      name.oddities.push_back("a label says that it has " + std::to_string(length) + " octets; " +
+                              std::to_string(Net::Dnssl::labelSizeMax) + " are possible");
     if (label.size() < length) name.oddities.emplace_back("the name passes the end of the option");
     at += 1 + label.size();
   }
@@ -41,7 +41,8 @@ DnsName decodeName(PlacedOctets octets, std::size_t& at) {
   else if (name.oddities.empty() || name.oddities.back() != "the name passes the end of the option")
     name.oddities.emplace_back("the name has no end");
   if (std::size_t const size = at - name.at; size > longestName)
-    name.oddities.push_back("the name has " + std::to_string(size) + " octets; 255 are possible");
+    name.oddities.push_back("the name has " + std::to_string(size) + " octets; " + std::to_string(longestName) +
+                            " are possible");
   return name;
 }
 

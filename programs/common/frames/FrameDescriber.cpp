@@ -135,7 +135,8 @@ void describeIcmp6(FrameDescription& description, PlacedOctets message, Ip6Envel
     auto const ra = Net::takeRaHeader(message.span(), 0);
     if (!ra) {
       block.hexField(sizeof(Net::Icmp6Hdr), "data");
-      return block.oddity("an advertisement has at least 16 octets; receivers drop the message");
+      return block.oddity("an advertisement has at least " + std::to_string(Net::RaHeader::size) +
+                          " octets; receivers drop the message");
     }
     describeRouterAdvtHeader(block, *ra);
   }
@@ -147,7 +148,7 @@ void describePayload(FrameDescription& description, U8 nextHeader, PlacedOctets 
   while (nextHeader == Net::Ip6NextHeader::hopByHop || nextHeader == Net::Ip6NextHeader::routing ||
          nextHeader == Net::Ip6NextHeader::destination) {
     auto const extension = payload.header<Net::Ip6ExtensionHdr>();
-    std::size_t const size = extension ? std::size_t{8} * (extension->hdrExtLen + 1U) : 0;
+    std::size_t const size = extension ? extension->size() : 0;
     if (!extension || size > payload.size())
       return describeHex(description, "Extension header", payload, "it passes the end of the packet");
     BlockWriter block(description, "Extension header, RFC 8200 4: " + nextHeaderText(nextHeader),

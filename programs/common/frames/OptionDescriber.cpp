@@ -8,6 +8,7 @@
 #include <RouterPlatform/Nd/RouteInfo.h>
 #include <RouterPlatform/Net/EthAddr.h>
 #include <RouterPlatform/Net/Ip6AddrWithMask.h>
+#include <RouterPlatform/Packet/Ip6Hdr.h>
 #include <programs/common/frames/BlockWriter.h>
 #include <programs/common/frames/DnsNames.h>
 #include <programs/common/frames/OptionDescriber.h>
@@ -31,7 +32,7 @@ struct SeenOptions {
 };
 
 std::string lengthText(PlacedOctets const& option) {
-  return std::to_string(option[1]) + " (" + std::to_string(option[1] * 8) + " octets)";
+  return std::to_string(option[1]) + " (" + std::to_string(option[1] * Net::Icmp6HdrOption::lengthUnit) + " octets)";
 }
 
 /// Type and length, which every option has.
@@ -44,7 +45,7 @@ void describeHead(BlockWriter& block, std::string const& typeName) {
 /// False, and said so, when the option has another size than it is to have.
 bool sizeIs(BlockWriter& block, std::size_t size) {
   if (block.octets().size() == size) return true;
-  block.oddity("an option of this type has length " + std::to_string(size / 8));
+  block.oddity("an option of this type has length " + std::to_string(size / Net::Icmp6HdrOption::lengthUnit));
   return false;
 }
 
@@ -71,7 +72,7 @@ void checkPrefixInfo(BlockWriter& block, Net::PrefixInfo const& option, SeenOpti
   if (prefix.address().isLinkLocal()) block.oddity("the link-local prefix; receivers ignore the option");
   if (option.preferredLifetime > option.validLifetime)
     block.oddity("preferred lifetime above valid lifetime; receivers ignore the option for addresses");
-  if (option.autonomous && prefix.maskLen() != 64)
+  if (option.autonomous && prefix.maskLen() + Ip6AddrWithMask::interfaceIdentifierBits != Ip6AddrWithMask::maxMaskLen)
     block.oddity("autonomous, and not of 64 bits; hosts with 64-bit interface identifiers ignore it");
   block.mustBeZero("reserved flags", option.reserved1);
   block.mustBeZero("reserved2", option.reserved2);
@@ -114,7 +115,8 @@ void describeMtu(BlockWriter& block, SeenOptions& seen) {
   block.field(4, "mtu", std::to_string(option.octets) + " octets");
   block.hexField(octets.size(), "rest");
   block.mustBeZero("reserved", option.reserved);
-  if (option.octets < 1280) block.oddity("IPv6 needs at least 1280 octets; receivers ignore the option");
+  if (option.octets < Net::ip6MtuMin)
+    block.oddity("IPv6 needs at least " + std::to_string(Net::ip6MtuMin) + " octets; receivers ignore the option");
   if (seen.mtu) block.oddity("there was an MTU option before");
   seen.mtu = true;
 }
@@ -177,7 +179,7 @@ void describeNetworkBoot(BlockWriter& block, SeenOptions&) {
   block.mustBeZero("zero", option.zero);
   block.mustBeZero("reserved1", option.reserved1);
   std::size_t const rest = block.octets().size() - urlAt;
-  if (option.paddingLen > 7 || option.paddingLen > rest) {
+  if (option.paddingLen >= Net::Icmp6HdrOption::lengthUnit || option.paddingLen > rest) {
     block.oddity("the padding length is not possible");
     return block.hexField(urlAt, "data");
   }
@@ -192,20 +194,22 @@ struct OptionType {
   void (*describe)(BlockWriter& block, SeenOptions& seen);  ///< null: shown as hex
 };
 constexpr OptionType optionTypes[] = {
-    {1, "Source Link-Layer Address", "RFC 4861 4.6.1", &describeLinkLayerAddr},
-    {2, "Target Link-Layer Address", "RFC 4861 4.6.1", &describeLinkLayerAddr},
-    {3, "Prefix Information", "RFC 4861 4.6.2", &describePrefixInfo},
-    {5, "MTU", "RFC 4861 4.6.4", &describeMtu},
+    {Net::Icmp6HdrLinkLayerAddrOption::sourceTypeValue, "Source Link-Layer Address", "RFC 4861 4.6.1",
+     &describeLinkLayerAddr},
+    {Net::Icmp6HdrLinkLayerAddrOption::targetTypeValue, "Target Link-Layer Address", "RFC 4861 4.6.1",
+     &describeLinkLayerAddr},
+    {Net::Icmp6HdrPrefixInfoOption::typeValue, "Prefix Information", "RFC 4861 4.6.2", &describePrefixInfo},
+    {Net::Icmp6HdrMtuOption::typeValue, "MTU", "RFC 4861 4.6.4", &describeMtu},
     {7, "Advertisement Interval", "RFC 6275 7.3", nullptr},
     {8, "Home Agent Information", "RFC 6275 7.4", nullptr},
     {14, "Nonce", "RFC 3971 5.3.2", nullptr},
-    {24, "Route Information", "RFC 4191 2.3", &describeRouteInfo},
-    {25, "Recursive DNS Server", "RFC 8106 5.1", &describeRdnss},
+    {Net::Icmp6HdrRouteInfoOption::typeValue, "Route Information", "RFC 4191 2.3", &describeRouteInfo},
+    {Net::Icmp6HdrRdnssOption::typeValue, "Recursive DNS Server", "RFC 8106 5.1", &describeRdnss},
     {26, "RA Flags Extension", "RFC 5175 4", nullptr},
-    {31, "DNS Search List", "RFC 8106 5.2", &describeDnssl},
+    {Net::Icmp6HdrDnsslOption::typeValue, "DNS Search List", "RFC 8106 5.2", &describeDnssl},
     {37, "Captive Portal", "RFC 8910 2.3", nullptr},
     {38, "PREF64", "RFC 8781 4", nullptr},
-    {253, "Network Boot", "", &describeNetworkBoot},
+    {Net::Icmp6HdrNetworkBootOption::typeValue, "Network Boot", "", &describeNetworkBoot},
 };
 
 OptionType const& optionType(U8 type) {
