@@ -18,12 +18,12 @@ class AdvertDraft {
   U64 msgLen() const { return out.offset(); }
   /// Whether any level is enabled: asked once, since a message asks for its own level only then.
   bool traced() const { return traced_; }
-  /// Whether what does not fit is noted, and not traced alone.
+  /// Whether the entries that do not fit are noted in a `LeftOut`. They are traced in any case.
   bool notesLeftOut() const { return leftOut_ != nullptr; }
 
   // Each notes what does not fit, and traces at level 3 that the frame would have had `frameSize` octets with it.
   using Place = Trace::Location;
-  void leaveOut(Ip6AddrWithMask const& prefix) const;  ///< not traced: `prefixesEnd` speaks for all of them
+  void leaveOut(Ip6AddrWithMask const& prefix) const;  ///< not traced: `prefixesEnd` traces once for all prefixes
   void prefixesEnd(Place place = Place::here(utilsSource)) const;
   void leaveOut(Ip6Addr const& server, U64 frameSize, Place place = Place::here(utilsSource)) const;
   void suffixesEnd(U64 frameSize,

@@ -22,7 +22,8 @@ struct AdvertRequest {
   static constexpr S32 mtuDefault() { return 1500; }
   /// Least MTU, octets: the size of the headers, the source link-layer address option and the MTU option.
   static constexpr S32 mtuMin() { return 86; }
-  /// Greatest size of a frame whatever its MTU, octets: a full Ethernet frame with header and some room.
+  /// Greatest size of a frame whatever its MTU, octets: the 1514 of a full Ethernet frame, RFC 2464 2 and 3, rounded up
+  /// to a multiple of 512. A link with a larger MTU gets no larger advertisements.
   static constexpr S32 frameSizeMax() { return 1536; }
 
   Ip6Addr srcAddr{};  ///< copied as it is, as the other addresses are
@@ -31,7 +32,8 @@ struct AdvertRequest {
   EthAddr dstMac = allNodesMac;
   /// Gives the Retrans Timer, and the prefixes where none is configured to be advertised. Not null.
   Ptr<Ip6::IntfStatus const> intfStatus{};
-  /// What to advertise, as stored; profiles are not applied. Not null. Its preference must not be `reserved_`.
+  /// The configuration to advertise, as stored; profiles are not applied. Not null. Its preference must not be
+  /// `reserved_`.
   Ptr<IntfConfig const> intfConfig{};
   bool advertiseLifetime = true;  ///< false makes the Router Lifetime 0
   /// The link MTU, octets, sent in the MTU option. At least `mtuMin`. The frame keeps to it and to

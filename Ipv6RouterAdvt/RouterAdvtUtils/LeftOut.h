@@ -7,8 +7,8 @@
 
 namespace RouterAdvt {
 
-/// What an advertisement lacks because it did not fit, each list in the order in which it would have been sent.
-/// docs/adr/0012.
+/// The parts that an advertisement lacks because they did not fit, each list in the order in which it would have been
+/// sent. docs/adr/0012.
 struct LeftOut {
   /// A DNS suffix that is not sent, or not wholly.
   struct Suffix {

@@ -20,10 +20,11 @@ class FrameWriter {
   FrameWriter(std::span<U8> octets, U64 offset, U64 frameLimit) noexcept
       : octets_(octets), offset_(offset), frameLimit_(frameLimit) {}
 
-  U64 offset() const noexcept { return offset_; }  ///< octets written so far
-  U64 frameLimit() const noexcept { return frameLimit_; }
-  /// Octets up to the frame limit.
+  U64 offset() const noexcept { return offset_; }          ///< octets written so far
+  U64 frameLimit() const noexcept { return frameLimit_; }  ///< greatest size of the frame, octets
+  /// Octets between the offset and the frame limit.
   U64 room() const noexcept { return offset_ < frameLimit_ ? frameLimit_ - offset_ : 0; }
+  /// Whether the next `size` octets keep to the frame limit.
   bool fits(U64 size) const noexcept { return offset_ + size <= frameLimit_; }
 
   /// The next octets as a `Header`, whose every field the caller sets; null when they do not fit.
@@ -35,17 +36,17 @@ class FrameWriter {
   }
   /// The next `size` octets, which fit, for the caller to write.
   std::span<U8> reserve(U64 size) noexcept { return {taken(size), size}; }
-  /// False: they do not fit.
+  /// Writes octets. False: they do not fit, and nothing was written.
   bool append(std::span<U8 const> octets) noexcept { return append(octets.data(), octets.size()); }
   bool append(std::string_view text) noexcept { return append(text.data(), text.size()); }
-  /// Zeros, up to the hard limit. False: they pass it.
+  /// Writes `count` zeros, up to the hard limit. False: they pass it, and nothing was written.
   bool appendZeros(U64 count) noexcept {
     if (offset_ + count > octets_.size()) return false;
     std::memset(taken(count), 0, count);
     return true;
   }
 
-  /// What is written from `offset` on, to fill in what is known only now.
+  /// The octets written from `offset` on, to fill in a field whose value is known only now.
   std::span<U8> written(U64 offset) noexcept { return octets_.first(offset_).subspan(offset); }
 
  private:

@@ -17,15 +17,15 @@ struct Icmp6HdrOption {
   static constexpr U64 lengthUnit = 8;  ///< octets
 
   NetU8 type;
-  NetU8 length;  ///< of the whole option, units of 8 octets; 0 is invalid
+  NetU8 length;  ///< of the whole option, units of 8 octets; 0 is invalid, RFC 4861 4.6
 };
 static_assert(sizeof(Icmp6HdrOption) == 2 && alignof(Icmp6HdrOption) == 1);
 
-/// What the Length field says of an option of `size` octets, a multiple of 8. The low 8 bits of it.
+/// The Length field of an option of `size` octets, a multiple of 8: its low 8 bits.
 constexpr U8 optionLength(U64 size) noexcept { return static_cast<U8>(size / Icmp6HdrOption::lengthUnit); }
 
-/// The fixed part, 8 octets, of the option at `offset`. Null: the Length field is 0, or an octet that it speaks of lies
-/// behind the end.
+/// The fixed part, 8 octets, of the option at `offset`. Null: the Length field is 0, or the option extends past the
+/// end.
 template <class Option>
 Option const* wholeOptionAt(std::span<U8 const> octets, U64 offset) noexcept {
   static_assert(sizeof(Option) == Icmp6HdrOption::lengthUnit);
@@ -33,7 +33,7 @@ Option const* wholeOptionAt(std::span<U8 const> octets, U64 offset) noexcept {
   if (!option || option->length == 0) return nullptr;
   return option->length * Icmp6HdrOption::lengthUnit <= octets.size() - offset ? option : nullptr;
 }
-/// What follows the fixed part of a whole option.
+/// The octets behind the fixed part of a whole option.
 template <class Option>
 std::span<U8 const> bodyOf(Option const* option, std::span<U8 const> octets, U64 offset) noexcept {
   return octets.subspan(offset + sizeof *option, (option->length - 1) * Icmp6HdrOption::lengthUnit);

@@ -41,7 +41,7 @@ class OptionReader {
   U16 offset() const noexcept { return offset_; }
   U8 type() const noexcept { return option_->type; }
   U8 length() const noexcept { return option_->length; }  ///< units of 8 octets
-  /// Whether all octets that the length speaks of are there, and it is not 0.
+  /// Whether the whole option is in the message, and its length is not 0.
   bool complete() const noexcept { return length() > 0 && size() <= message_.size() - offset_; }
   U64 size() const noexcept { return length() * Icmp6HdrOption::lengthUnit; }  ///< octets
 

@@ -46,7 +46,7 @@ struct Icmp6RouterAdvertisementHdr {
 };
 static_assert(sizeof(Icmp6RouterAdvertisementHdr) == 12 && alignof(Icmp6RouterAdvertisementHdr) == 1);
 
-/// What the header of an advertisement says.
+/// The header of a Router Advertisement, RFC 4861 4.2.
 struct RaHeader {
   /// Octets of the message before its options.
   static constexpr U64 size = sizeof(Icmp6Hdr) + sizeof(Icmp6RouterAdvertisementHdr);

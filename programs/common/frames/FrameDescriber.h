@@ -5,7 +5,7 @@
 
 #include <span>
 
-/// What a Router Advertisement says, in words, and whatever is odd about it. Any octets are taken: what is no
+/// A Router Advertisement in words, with everything that is odd about it. Any octets are taken: what is no
 /// advertisement, or no complete one, is described as far as it goes and shown as hex from there on.
 namespace Tool {
 
