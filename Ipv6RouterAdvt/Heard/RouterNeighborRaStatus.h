@@ -74,8 +74,8 @@ class ROUTER_ADVT_EXPORT RouterNeighborRaStatus final : public Fwk::Entity {
   /// State of the table's mounting. Null once the last outside reference has gone.
   Ptr<SharedTable::CollectionControl> routerNeighborRaControl() const { return control_; }
   /// Replaces the control. The new one gets the table's present state and all later changes, and keeps alive
-  /// the entity that the former one kept. The former one hears that its collection is unmounted and quiesced. With null,
-  /// the former one goes on to hear of the table.
+  /// the entity that the former one kept. The former one hears that its collection is unmounted and quiesced. With
+  /// null, the former one goes on to hear of the table.
   void routerNeighborRaControlIs(Ptr<SharedTable::CollectionControl> const& control);
 
   /// Where the table is mounted, below the table directory.

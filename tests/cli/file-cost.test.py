@@ -5,7 +5,7 @@ import os
 import resource
 import tempfile
 
-from support import Checks, run
+from support import Checks, need_optimized, run
 
 MEGA = 1 << 20
 INTERFACES = "".join(
@@ -37,6 +37,7 @@ FILES = [
      "addresses: ['fe80::1/64'] }\n", 0, "valid lifetime          86400 s"),
 ]
 
+need_optimized()
 checks = Checks()
 
 
@@ -47,10 +48,6 @@ def limits(seconds, octets):
 
     return apply
 
-
-if run("--version").returncode == 0 and run("--version", preexec_fn=limits(10, 4096 * MEGA)).returncode != 0:
-    print("not checked: a sanitizer takes all addresses there are")
-    raise SystemExit(77)
 
 with tempfile.TemporaryDirectory() as folder:
     path = os.path.join(folder, "ra.yaml")

@@ -3,11 +3,12 @@ import os
 import resource
 import tempfile
 
-from support import Checks, run
+from support import Checks, need_optimized, run
 
 COUNT = 60000
 CPU_SECONDS = 10  # far more than the files need, and less than walks over all entries for each of them take
 
+need_optimized()
 checks = Checks()
 
 

@@ -15,6 +15,13 @@ def run(*arguments, stdin=None, **options):
     )
 
 
+def need_optimized():
+    """Skips a test whose limits are those of an optimized program without a sanitizer."""
+    if os.environ.get("OPTIMIZED") == "0":
+        print("skipped: the program is not optimized, or has a sanitizer")
+        sys.exit(77)
+
+
 class Checks:
     """Counts checks and failures; a test without checks fails, too."""
 
