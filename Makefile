@@ -70,7 +70,7 @@ uninstall:
 
 docs:
 	@scripts/setup docs
-	@mkdir -p build/docs
+	@rm -rf build/docs && mkdir -p build/docs
 	scripts/layers >build/docs/layers.dot
 	{ cat docs/Doxyfile; echo EXCLUDE = $$(cat */internal-headers.txt); } | doxygen -
 	@echo "the reference is build/docs/html/index.html"
